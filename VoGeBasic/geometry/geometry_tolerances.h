@@ -1,0 +1,31 @@
+// Tolerances of the geometry classes. Internal: not part of the exported interface.
+// All lengths are absolute, in model units; angles in radians.
+#ifndef VOGEBASIC_GEOMETRY_TOLERANCES_H
+#define VOGEBASIC_GEOMETRY_TOLERANCES_H
+
+namespace geolib {
+namespace geometry {
+
+/// Two points are the same under == when closer than this (strict).
+constexpr double kPointEqualTol = 1e-5;
+/// A vector shorter than this has no direction and normalises to zero. Deliberately larger
+/// than kPointEqualTol: short vectors are "no direction", not errors.
+constexpr double kNormaliseMinLength = 1e-4;
+/// Normalised components agree within this (inclusive) for vectors of the same direction.
+constexpr double kDirectionEqualTol = 1e-5;
+/// Cross-product components below this (strict) make two unit vectors parallel.
+constexpr double kParallelCrossTol = 1e-5;
+/// rotateAngle returns angles up to this without asking for the sense of rotation.
+constexpr double kRotateAngleNoSenseTol = 1e-4;
+/// Arbitrary-axis rule: a Z whose x and y are both below this (strict) takes world Y as the
+/// reference for its X axis; any other Z takes world Z.
+constexpr double kArbitraryAxisLimit = 1.0 / 64.0;
+/// getZaxisUcsMatrix: z.y and z.z both within this (inclusive) means z runs along +-X.
+constexpr double kUcsAlongXTol = 1e-4;
+/// The full turn, 2pi, as the double nearest to it.
+constexpr double kFullTurn = 6.283185307179586;
+
+}  // namespace geometry
+}  // namespace geolib
+
+#endif  // VOGEBASIC_GEOMETRY_TOLERANCES_H

@@ -1,0 +1,5 @@
+# Geometry classes: points, vectors, matrices (lines, planes and circles join them here).
+target_sources(vogebasic_objects PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/VoGePoint3D.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/VoGeVector3D.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/VoGeMatrix3D.cpp)

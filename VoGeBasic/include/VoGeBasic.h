@@ -1,0 +1,14 @@
+// VoGeBasic: the geometry library of the plant-design drawing system.
+//
+// The one header a drawing program includes; it brings in the whole exported interface.
+#ifndef VOGEBASIC_H
+#define VOGEBASIC_H
+
+#include "VoGeBasicExport.h"
+
+// Geometry classes
+#include "VoGeMatrix3D.h"
+#include "VoGePoint3D.h"
+#include "VoGeVector3D.h"
+
+#endif  // VOGEBASIC_H

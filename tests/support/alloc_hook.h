@@ -1,0 +1,67 @@
+// Allocation-failure hook for the unit tests.
+//
+// The test executable links with -Wl,--wrap=malloc,--wrap=free, so every malloc and free made
+// by the library's code (and by the tests) goes through the wrappers in alloc_hook.cpp. While
+// an AllocationWatch is alive, the wrappers count allocations and releases and can make one
+// chosen allocation return null. Allocations made inside the C++ runtime (operator new of
+// std::vector, for instance) are not seen.
+#ifndef VOGEBASIC_TESTS_ALLOC_HOOK_H
+#define VOGEBASIC_TESTS_ALLOC_HOOK_H
+
+namespace vgtest {
+
+class AllocationWatch {
+public:
+    /// Counts allocations from now on; the failAt-th one (1-based) returns null. failAt 0
+    /// fails none.
+    explicit AllocationWatch(long failAt = 0);
+    ~AllocationWatch();
+    AllocationWatch(const AllocationWatch&) = delete;
+    AllocationWatch& operator=(const AllocationWatch&) = delete;
+
+    /// Allocation requests seen so far, the failed one included.
+    long requests() const;
+    /// True once the chosen allocation has been refused.
+    bool refused() const;
+    /// Blocks allocated and not yet freed since the watch began (frees of older blocks count
+    /// against it too, so release only what the watched call made).
+    long live() const;
+};
+
+/// Runs call() once with no failure to count its allocations, then once with each of them
+/// failing in turn (k = 1, 2, ...). call must release whatever the function under test
+/// returned; after each run no block may be left live. Returns the number of allocations of
+/// the unfailed run. Reports failures through GoogleTest.
+template <class Call>
+long forEachAllocationFailure(Call&& call);
+
+}  // namespace vgtest
+
+#include <gtest/gtest.h>
+
+template <class Call>
+long vgtest::forEachAllocationFailure(Call&& call) {
+    long total = 0;
+    long live = 0;
+    {
+        AllocationWatch watch;
+        call();
+        total = watch.requests();
+        live = watch.live();
+    }
+    EXPECT_EQ(live, 0) << "blocks left after a run without failures";
+    for (long k = 1; k <= total; ++k) {
+        bool refused = false;
+        {
+            AllocationWatch watch(k);
+            call();
+            refused = watch.refused();
+            live = watch.live();
+        }
+        EXPECT_TRUE(refused) << "allocation " << k << " was never requested";
+        EXPECT_EQ(live, 0) << "blocks leaked when allocation " << k << " failed";
+    }
+    return total;
+}
+
+#endif  // VOGEBASIC_TESTS_ALLOC_HOOK_H
