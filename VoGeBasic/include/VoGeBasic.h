@@ -11,4 +11,12 @@
 #include "VoGePoint3D.h"
 #include "VoGeVector3D.h"
 
+// Geometric functions of namespace geolib
+
+// Clipping records, intervals and trimming
+
+// Hidden-line model: records and tessellators
+
+// Hidden-line engine: face intersection and hide pass
+
 #endif  // VOGEBASIC_H
