@@ -14,6 +14,7 @@
 // Geometric functions of namespace geolib
 
 // Clipping records, intervals and trimming
+#include "clip_records.h"
 
 // Hidden-line model: records and tessellators
 
