@@ -4,22 +4,10 @@
 
 #include "VoGeMatrix3D.h"
 #include "VoGePoint3D.h"
+#include "geometry/clamp_unit.h"
 #include "geometry/geometry_tolerances.h"
 
 using namespace geolib::geometry;
-
-namespace {
-
-// Cosines that rounding pushed past +-1 would make acos return NaN.
-double clampCosine(double c) {
-    if (c < -1.0)
-        return -1.0;
-    if (c > 1.0)
-        return 1.0;
-    return c;
-}
-
-}  // namespace
 
 VoGeVector3D::VoGeVector3D() : x(0.0), y(0.0), z(0.0) {}
 VoGeVector3D::VoGeVector3D(double x_, double y_, double z_) : x(x_), y(y_), z(z_) {}
@@ -145,12 +133,12 @@ const VoGeVector3D& VoGeVector3D::normalize() {
 double VoGeVector3D::angleTo(const VoGeVector3D& w) const {
     const VoGeVector3D a = normalize();
     const VoGeVector3D b = w.normalize();
-    return std::acos(clampCosine(a.dotProduct(b)));
+    return std::acos(clampUnit(a.dotProduct(b)));
 }
 
 // The caller passes unit vectors in the XY plane: nothing is normalised here.
 double VoGeVector3D::rotateAngle(const VoGeVector3D& w) const {
-    const double a = std::acos(clampCosine(dotProduct(w)));
+    const double a = std::acos(clampUnit(dotProduct(w)));
     if (std::fabs(a) <= kRotateAngleNoSenseTol)
         return a;
     const VoGeVector3D c = crossProduct(w);

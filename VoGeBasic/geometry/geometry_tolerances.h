@@ -22,6 +22,20 @@ constexpr double kRotateAngleNoSenseTol = 1e-4;
 constexpr double kArbitraryAxisLimit = 1.0 / 64.0;
 /// getZaxisUcsMatrix: z.y and z.z both within this (inclusive) means z runs along +-X.
 constexpr double kUcsAlongXTol = 1e-4;
+/// Line parameter: one direction component is clearly smaller than another when it is smaller
+/// by more than this; closer components tie (x before y before z).
+constexpr double kLineAxisTieTol = 1e-6;
+/// Line parameter: the chosen direction component must exceed this (strict), or there is no
+/// parameter.
+constexpr double kLineParamMinComponent = 1e-6;
+/// getGeneratlEquation: a direction component up to this (inclusive) counts as zero.
+constexpr double kEquationZeroComponent = 1e-4;
+/// Line-line intersection: the two solutions agree when closer than this (strict).
+constexpr double kLineMeetTol = 1e-5;
+/// Plane-segment intersection: the tolerance with which the crossing is tested on the segment.
+constexpr double kPlaneSegmentTol = 1e-5;
+/// pi as the double nearest to it.
+constexpr double kPi = 3.141592653589793;
 /// The full turn, 2pi, as the double nearest to it.
 constexpr double kFullTurn = 6.283185307179586;
 

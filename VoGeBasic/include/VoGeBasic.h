@@ -7,11 +7,18 @@
 #include "VoGeBasicExport.h"
 
 // Geometry classes
+#include "VoGeCircle3d.h"
+#include "VoGeLine3d.h"
 #include "VoGeMatrix3D.h"
+#include "VoGePlane3d.h"
 #include "VoGePoint3D.h"
 #include "VoGeVector3D.h"
 
 // Geometric functions of namespace geolib
+#include "geolib_frames.h"
+#include "geolib_linear.h"
+#include "geolib_planar.h"
+#include "geolib_spatial.h"
 
 // Clipping records, intervals and trimming
 #include "clip_records.h"
