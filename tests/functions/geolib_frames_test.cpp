@@ -1,0 +1,96 @@
+#include "geolib_frames.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "geolib_planar.h"
+#include "support/geom_expect.h"
+
+namespace {
+
+using geolib::angleToX;
+using geolib::kestZxTrans;
+
+const double kPi = std::acos(-1.0);
+constexpr double kRoundTol = 1e-12;
+constexpr double kDirTol = 1e-5;  // a fromZ within this of +Z is +Z
+
+TEST(KestZxTrans, FromZNearPlusZIsTakenAsPlusZ) {
+    const VoGeVector3D v(0.3, -0.4, 0.5);
+    const VoGeVector3D z(0, 0, 1);
+    for (const VoGeVector3D& from : {z, VoGeVector3D(0, 0, 2), VoGeVector3D(kDirTol / 2, 0, 1)}) {
+        const VoGeVector3D w = kestZxTrans(v, from, z);
+        EXPECT_EQ(w.x, v.x);
+        EXPECT_EQ(w.y, v.y);
+        EXPECT_EQ(w.z, v.z);
+    }
+    const VoGeVector3D tilted = kestZxTrans(v, VoGeVector3D(kDirTol * 2, 0, 1), z);
+    EXPECT_NE(tilted.z, v.z);
+    EXPECT_TRUE(vgtest::near3(tilted, v, kDirTol * 4));
+}
+
+TEST(KestZxTrans, WorldXInTheFrameOfX) {
+    EXPECT_TRUE(vgtest::near3(
+        kestZxTrans(VoGeVector3D(1, 0, 0), VoGeVector3D(0, 0, 1), VoGeVector3D(1, 0, 0)),
+        VoGeVector3D(0, 0, 1), kRoundTol));
+}
+
+TEST(KestZxTrans, RoundTripsAndFormsAgree) {
+    const VoGeVector3D axes[] = {{1, 0, 0}, {0, -1, 0}, {1, 2, 3}, {0.001, 0, -1}, {-2, 1, 0.5}};
+    const VoGeVector3D v(0.7, -1.1, 2.3);
+    for (const auto& a : axes) {
+        for (const auto& b : axes) {
+            const VoGeVector3D w = kestZxTrans(v, a, b);
+            EXPECT_TRUE(vgtest::near3(kestZxTrans(w, b, a), v, kRoundTol));
+            EXPECT_NEAR(w.length(), v.length(), kRoundTol);
+            const VoGePoint3D p = kestZxTrans(VoGePoint3D(v), a, b);
+            EXPECT_TRUE(vgtest::near3(p, w, 0.0));
+            double arr[3] = {v.x, v.y, v.z};
+            double fa[3] = {a.x, a.y, a.z};
+            double fb[3] = {b.x, b.y, b.z};
+            kestZxTrans(arr, fa, fb, arr, true);  // in and out the same array
+            EXPECT_TRUE(vgtest::near3(VoGeVector3D(arr), w, 0.0));
+        }
+    }
+}
+
+TEST(AngleToX, PlanAnglesCounterClockwiseFromX) {
+    const struct {
+        VoGeVector3D v;
+        double angle;
+    } cases[] = {{{1, 0, 0}, 0.0},
+                 {{0, 3, 9}, kPi / 2},
+                 {{-1, 0, 0}, kPi},
+                 {{1, -1, 0}, 7 * kPi / 4},
+                 {{0, 0, 5}, 1.5707963267948966},  // no plan direction: acos(0)
+                 {{0, 0, 0}, 1.5707963267948966}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.angle);
+        EXPECT_NEAR(angleToX(c.v), c.angle, kRoundTol);
+    }
+    const double a[3] = {1, 1, 0};
+    const double b[3] = {1, 0, 7};
+    EXPECT_NEAR(angleToX(a, b), 3 * kPi / 2, kRoundTol);
+    EXPECT_EQ(angleToX(VoGePoint3D(a), VoGePoint3D(b)), angleToX(a, b));
+    for (double t = 0.1; t < 2 * kPi; t += 0.7)
+        EXPECT_NEAR(angleToX(geolib::vec2dRotateXY(VoGeVector3D(2, 0, 0), t)), t, kRoundTol);
+}
+
+TEST(Keypoints, FirstMatchingNumberIsOverwrittenAndFetched) {
+    std::vector<std::pair<short, VoGePoint3D>> kps = {{3, VoGePoint3D(1, 0, 0)},
+                                                      {3, VoGePoint3D(2, 0, 0)}};
+    setKeypointOfNo(kps, 3, VoGePoint3D(9, 9, 9));
+    setKeypointOfNo(kps, 4, VoGePoint3D(4, 4, 4));
+    ASSERT_EQ(kps.size(), 3u);
+    EXPECT_EQ(kps[1].second.x, 2.0);
+    VoGePoint3D got(-1, -1, -1);
+    ASSERT_TRUE(getKeypointOfNo(kps, 3, got));
+    EXPECT_EQ(got.x, 9.0);
+    ASSERT_TRUE(getKeypointOfNo(kps, 4, got));
+    EXPECT_EQ(got.y, 4.0);
+    EXPECT_FALSE(getKeypointOfNo(kps, 5, got));
+    EXPECT_EQ(got.y, 4.0);
+}
+
+}  // namespace

@@ -1,0 +1,23 @@
+// Comparing points and vectors in tests: all three coordinates within tol, with a readable
+// message on failure.
+#ifndef VOGEBASIC_TESTS_GEOM_EXPECT_H
+#define VOGEBASIC_TESTS_GEOM_EXPECT_H
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace vgtest {
+
+/// Works for VoGePoint3D and VoGeVector3D alike (anything with x, y and z).
+template <class A, class B>
+::testing::AssertionResult near3(const A& a, const B& b, double tol) {
+    if (std::fabs(a.x - b.x) <= tol && std::fabs(a.y - b.y) <= tol && std::fabs(a.z - b.z) <= tol)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "(" << a.x << ", " << a.y << ", " << a.z << ") vs ("
+                                         << b.x << ", " << b.y << ", " << b.z << ")";
+}
+
+}  // namespace vgtest
+
+#endif  // VOGEBASIC_TESTS_GEOM_EXPECT_H
