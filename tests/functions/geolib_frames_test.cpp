@@ -30,14 +30,12 @@ TEST(KestZxTrans, FromZNearPlusZIsTakenAsPlusZ) {
     EXPECT_TRUE(vgtest::near3(tilted, v, kDirTol * 4));
 }
 
-TEST(KestZxTrans, WorldXInTheFrameOfX) {
+TEST(KestZxTrans, RoundTripsAndFormsAgree) {
+    // World X in the frame of X (whose X axis is world Y, Y axis world Z) is that frame's Z.
     EXPECT_TRUE(vgtest::near3(
         kestZxTrans(VoGeVector3D(1, 0, 0), VoGeVector3D(0, 0, 1), VoGeVector3D(1, 0, 0)),
         VoGeVector3D(0, 0, 1), kRoundTol));
-}
-
-TEST(KestZxTrans, RoundTripsAndFormsAgree) {
-    const VoGeVector3D axes[] = {{1, 0, 0}, {0, -1, 0}, {1, 2, 3}, {0.001, 0, -1}, {-2, 1, 0.5}};
+    const VoGeVector3D axes[] = {{1, 0, 0}, {1, 2, 3}, {0.001, 0, -1}, {-2, 1, 0.5}};
     const VoGeVector3D v(0.7, -1.1, 2.3);
     for (const auto& a : axes) {
         for (const auto& b : axes) {

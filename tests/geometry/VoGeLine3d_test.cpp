@@ -34,12 +34,6 @@ TEST(VoGeLine3dPoints, EndPointIsOneUnitAlong) {
     EXPECT_TRUE(l.isOn(VoGePoint3D(-30, 0, 0), kOnTol));
     EXPECT_FALSE(l.isOn(VoGePoint3D(5, 0.01, 0), kOnTol));
     EXPECT_TRUE(l.isOn(VoGePoint3D(0.5e-3, 0.5e-3, 0), 1e-3));  // near the base: a distance
-    double a[12];
-    double b[3];
-    VoGeLine3d(VoGePoint3D(1, 2, 3), VoGeVector3D(0, 2, 0)).getEquationSet(a, b);
-    EXPECT_EQ(a[7], -1.0);
-    EXPECT_EQ(a[10], 1.0);
-    EXPECT_EQ(b[2], 3.0);
 }
 
 TEST(VoGeLine3dEquations, BothPlanesHoldTheLineInEveryBranch) {

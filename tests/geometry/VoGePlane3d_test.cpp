@@ -10,8 +10,7 @@ constexpr double kRoundTol = 1e-12;
 constexpr double kEndTol = 1e-4;  // a crossing this close to an end is on the segment
 
 TEST(VoGePlane3dSet, EveryFormNormalisesTheNormal) {
-    VoGePlane3d pl(VoGePoint3D(1, 2, 3), VoGeVector3D(0, 0, 5));
-    EXPECT_TRUE(vgtest::near3(pl.getNormal(), VoGeVector3D(0, 0, 1), 0.0));
+    VoGePlane3d pl;
     pl.set(VoGePoint3D(), VoGeVector3D(2, 0, 0), VoGeVector3D(0, 3, 0));
     EXPECT_TRUE(vgtest::near3(pl.getNormal(), VoGeVector3D(0, 0, 1), 0.0));
     pl.set(VoGePoint3D(0, 0, 2), VoGePoint3D(0, 1, 2), VoGePoint3D(1, 0, 2));
