@@ -61,7 +61,7 @@ struct _s_hd_prof_ {
     double box[6];
 };
 
-// ---- allocation ------------------------------------------------------------------------------
+// ---- allocation ---------------------------------------------------------------------------------
 
 /// One new object with null face and line lists; the box is left unset (the caller seeds it).
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
@@ -72,7 +72,7 @@ VOGEBASIC_API _s_hd_prof_* mallocHDProfObject();
 /// the allocation fails.
 VOGEBASIC_API _s_hd_sect_* mallocHDSect();
 
-// ---- release -----------------------------------------------------------------------------------
+// ---- release ------------------------------------------------------------------------------------
 // Each accepts null and leaves the caller's variable null, so a second release is harmless.
 // Lists are walked with loops, whatever their length.
 
@@ -85,7 +85,7 @@ VOGEBASIC_API void releaseProline(_s_hd_proline_*& head);
 /// Frees every face of the list with its vertex chain; head becomes null.
 VOGEBASIC_API void releaseProsect(_s_hd_prosect_*& head);
 
-// ---- layout checks -----------------------------------------------------------------------------
+// ---- layout checks ------------------------------------------------------------------------------
 static_assert(std::is_standard_layout<_s_hd_point_>::value && sizeof(_s_hd_point_) == 24,
               "_s_hd_point_ layout");
 static_assert(offsetof(_s_hd_point_, y) == 8 && offsetof(_s_hd_point_, z) == 16,

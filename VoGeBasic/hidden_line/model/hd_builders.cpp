@@ -46,9 +46,19 @@ _s_hd_sect_* mallocSectChain(const _s_hd_point_* pts, int count) {
     return head;
 }
 
+// Links item behind the last node of the list that node belongs to (nothing when node is null).
+template <class T>
+void linkBehindLast(T* node, T* item) {
+    if (node == nullptr)
+        return;
+    while (node->next != nullptr)
+        node = node->next;
+    node->next = item;
+}
+
 }  // namespace
 
-// ---- point and vector helpers ----------------------------------------------------------------
+// ---- point and vector helpers -------------------------------------------------------------------
 
 _s_hd_point_ vecSub(_s_hd_point_ a, _s_hd_point_ b) {
     return {a.x - b.x, a.y - b.y, a.z - b.z};
@@ -152,7 +162,7 @@ double det3x3(double a, double b, double c, double d, double e, double f, double
     return a * e * i + b * f * g + c * h * d - c * e * g - b * d * i - a * h * f;
 }
 
-// ---- boxes -------------------------------------------------------------------------------------
+// ---- boxes --------------------------------------------------------------------------------------
 
 void initHDBox(double* box) {
     for (int axis = 0; axis < 3; ++axis) {
@@ -179,8 +189,7 @@ void extendHDBox(double x, double y, double z, double* box) {
     }
 }
 
-// ---- chord counts
-// --------------------------------------------------------------------------------
+// ---- chord counts -------------------------------------------------------------------------------
 
 int getCircleDivideNum(_s_hd_point_ /*c*/, double r) {
     // t is half the angle of a chord whose sagitta is one drawing unit.
@@ -201,8 +210,7 @@ int getArcDivideNum(_s_hd_point_ /*c*/, double r, double a0, double a1) {
     return clampCurveChords(std::trunc((a1 - a0) / t) + 1.0);
 }
 
-// ---- record builders
-// -------------------------------------------------------------------------------
+// ---- record builders ----------------------------------------------------------------------------
 
 _s_hd_sect_* mallocQuadSect(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4) {
     const _s_hd_point_ pts[4] = {p1, p2, p3, p4};
@@ -223,11 +231,7 @@ _s_hd_proline_* appendProline(_s_hd_point_ a, _s_hd_point_ b, _s_hd_proline_* no
     line->reserved = 0.0;
     line->owner = -1;
     line->next = nullptr;
-    if (node != nullptr) {
-        while (node->next != nullptr)
-            node = node->next;
-        node->next = line;
-    }
+    linkBehindLast(node, line);
     return line;
 }
 
@@ -239,20 +243,13 @@ _s_hd_prosect_* appendProsect(_s_hd_sect_* chain, _s_hd_prosect_* node) {
     face->tag = 0;
     face->reserved = 0;
     face->next = nullptr;
-    if (node != nullptr) {
-        while (node->next != nullptr)
-            node = node->next;
-        node->next = face;
-    }
+    linkBehindLast(node, face);
     return face;
 }
 
 _s_hd_proline_* concatProline(_s_hd_proline_* first, _s_hd_proline_* second) {
-    if (first == nullptr || second == nullptr)
-        return second;
-    while (first->next != nullptr)
-        first = first->next;
-    first->next = second;
+    if (second != nullptr)
+        linkBehindLast(first, second);
     return second;
 }
 
@@ -266,8 +263,7 @@ bool ProlineChain::append(_s_hd_point_ a, _s_hd_point_ b) {
     return true;
 }
 
-// ---- arcs to chords
-// --------------------------------------------------------------------------------
+// ---- arcs to chords -----------------------------------------------------------------------------
 
 bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_point_ e, int n,
                        _s_hd_proline_*& list) {
@@ -359,8 +355,7 @@ bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_poi
     return true;
 }
 
-// ---- object drafts
-// ---------------------------------------------------------------------------------
+// ---- object drafts ------------------------------------------------------------------------------
 
 HDProfDraft::HDProfDraft() {
     initHDBox(box_);

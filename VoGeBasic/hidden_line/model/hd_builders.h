@@ -14,7 +14,7 @@
 
 namespace geolib {
 
-// ---- point and vector helpers (allocate nothing, never fail) -----------------------------------
+// ---- point and vector helpers (allocate nothing, never fail) ------------------------------------
 
 _s_hd_point_ vecSub(_s_hd_point_ a, _s_hd_point_ b);  ///< a - b
 _s_hd_point_ vecAdd(_s_hd_point_ a, _s_hd_point_ b);  ///< a + b
@@ -58,7 +58,7 @@ bool isFinitePoint(_s_hd_point_ p);
 double det3x3(double a, double b, double c, double d, double e, double f, double g, double h,
               double i);
 
-// ---- boxes: X max, X min, Y max, Y min, Z max, Z min ------------------------------------------
+// ---- boxes: X max, X min, Y max, Y min, Z max, Z min --------------------------------------------
 
 /// The empty box: maxima -90000000000.0, minima 90000000000.0.
 void initHDBox(double* box);
@@ -67,8 +67,7 @@ void setHDBox(double x, double y, double z, double* box);
 /// Per axis: a coordinate above the maximum raises it, otherwise one below the minimum lowers it.
 void extendHDBox(double x, double y, double z, double* box);
 
-// ---- chord counts
-// --------------------------------------------------------------------------------
+// ---- chord counts -------------------------------------------------------------------------------
 
 /// Chords of a full circle of radius r (the centre is not used): 8 to 12, from the rule that a
 /// chord's sagitta is one drawing unit. A NaN radius gives 8.
@@ -78,8 +77,7 @@ int getCircleDivideNum(const double* c, double r);
 /// infinite input gives 8.
 int getArcDivideNum(_s_hd_point_ c, double r, double a0, double a1);
 
-// ---- record builders
-// -------------------------------------------------------------------------------
+// ---- record builders ----------------------------------------------------------------------------
 
 /// The open vertex chain p1 -> p2 -> p3 -> p4. Returns a new chain owned by the caller; release
 /// it with freeHDSectPointer. Returns null if an allocation fails.
@@ -99,18 +97,17 @@ _s_hd_prosect_* appendProsect(_s_hd_sect_* chain, _s_hd_prosect_* node);
 /// nothing and returns second.
 _s_hd_proline_* concatProline(_s_hd_proline_* first, _s_hd_proline_* second);
 
-// ---- arcs to chords
-// --------------------------------------------------------------------------------
+// ---- arcs to chords -----------------------------------------------------------------------------
 
 /// Appends to list the chords of the curve about centre c from s to e, and makes list its head
 /// when it was null. When s and e coincide the curve is a full circle about the axis vector m
 /// (clockwise seen from the tip of m); otherwise it is the arc from s through the point m to e.
 /// The chords run head to tail, each with owner -1, and the last ends exactly at e. n is the
-/// chord count (0: chosen so that no chord lies further than 0.01 from the curve); any count
-/// is raised until each step is below 1.5 radians, so a full circle has at least 5 chords.
+/// chord count (0: chosen from a sagitta of about 0.01); any count is raised until each step is
+/// below 1.5 radians, so a full circle has at least 5 chords. When s and e lie diametrically
+/// opposite, the chords leave s towards m.
 /// Adds nothing and returns true for a degenerate curve (s, m and e all the same point, or m the
-/// same as s or e). When s and e lie diametrically opposite, the chords leave s towards m.
-/// Returns false, leaving list as it was, if an allocation fails, if n is
+/// same as s or e). Returns false, leaving list as it was, if an allocation fails, if n is
 /// negative or above 100000, or if the radius or the swept angle is NaN or infinite; a chosen
 /// count above 100000 is lowered to 100000.
 bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_point_ e, int n,
@@ -123,8 +120,7 @@ bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_poi
 _s_hd_proline_* divideHalfCircle2Proline(int n, _s_hd_point_ c, _s_hd_point_ axis, _s_hd_point_ s,
                                          _s_hd_point_ e, double r);
 
-// ---- lists and object drafts
-// -----------------------------------------------------------------------
+// ---- lists and object drafts --------------------------------------------------------------------
 
 /// A line list under construction, appended at its tail in constant time. It owns nothing:
 /// whoever takes head releases it.

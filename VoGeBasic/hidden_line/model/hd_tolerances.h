@@ -6,7 +6,7 @@
 namespace geolib {
 namespace hd {
 
-// ---- points and vectors ----------------------------------------------------------------------
+// ---- points and vectors -------------------------------------------------------------------------
 
 /// A vector component smaller than this in magnitude is taken as 0 before a length is measured,
 /// so near-axis vectors lose their noise.
@@ -21,13 +21,13 @@ constexpr double kSamePointTol = 0.005;
 /// The fine form of the same test, used for end points of curves.
 constexpr double kSamePointFineTol = 5e-7;
 
-// ---- boxes -----------------------------------------------------------------------------------
+// ---- boxes --------------------------------------------------------------------------------------
 
 /// The empty box: every maximum starts here and every minimum at its negation.
 constexpr double kEmptyBoxMax = -90000000000.0;
 constexpr double kEmptyBoxMin = 90000000000.0;
 
-// ---- chord counts ----------------------------------------------------------------------------
+// ---- chord counts -------------------------------------------------------------------------------
 
 /// pi as the double nearest to it.
 constexpr double kPi = 3.141592653589793;
@@ -53,7 +53,7 @@ constexpr double kChordSagitta = 0.01;
 /// fails, a larger count chosen by the sagitta rule is lowered to it.
 constexpr int kMaxArcChords = 100000;
 
-// ---- discs -----------------------------------------------------------------------------------
+// ---- discs --------------------------------------------------------------------------------------
 
 /// A disc (or half circle) with a smaller radius is not drawn.
 constexpr double kMinDiscRadius = 0.01;
