@@ -267,7 +267,8 @@ bool ProlineChain::append(_s_hd_point_ a, _s_hd_point_ b) {
 
 bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_point_ e, int n,
                        _s_hd_proline_*& list) {
-    if (n < 0 || n > hd::kMaxArcChords)
+    if (n < 0 || n > hd::kMaxArcChords || !isFinitePoint(c) || !isFinitePoint(s) ||
+        !isFinitePoint(m) || !isFinitePoint(e))
         return false;
     const bool fullCircle = isSamePointFine(s, e);
     double sweep = 0.0;

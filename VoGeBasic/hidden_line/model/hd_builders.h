@@ -108,8 +108,8 @@ _s_hd_proline_* concatProline(_s_hd_proline_* first, _s_hd_proline_* second);
 /// opposite, the chords leave s towards m.
 /// Adds nothing and returns true for a degenerate curve (s, m and e all the same point, or m the
 /// same as s or e). Returns false, leaving list as it was, if an allocation fails, if n is
-/// negative or above 100000, or if the radius or the swept angle is NaN or infinite; a chosen
-/// count above 100000 is lowered to 100000.
+/// negative or above 100000, or if a point, the radius or the swept angle is NaN or infinite; a
+/// chosen count above 100000 is lowered to 100000.
 bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_point_ e, int n,
                        _s_hd_proline_*& list);
 /// n chords of radius r from s to e about centre c, running counter-clockwise about axis (seen
