@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "hidden_line/model/hd_walk.h"
 #include "support/alloc_hook.h"
@@ -11,13 +10,8 @@
 namespace {
 
 using namespace geolib;
-using hdtest::linesOf;
-using hdtest::P;
-using hdtest::same;
+using namespace hdtest;
 
-constexpr double kOnCircleTol = 1e-12;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kPi = 3.141592653589793;
 
 TEST(HDVector, LengthSnapsNoiseAndShortVectors) {
@@ -90,7 +84,7 @@ TEST(HDArcChords, FullCircleClosesExactlyWithEvenlySpacedPoints) {
         ASSERT_TRUE(divideArc2Proline({0, 0, 0}, {1, 0, 0}, {0, 0, 1}, {1, 0, 0}, c.n, ring));
         const auto lines = linesOf(ring);
         ASSERT_EQ(lines.size(), c.chords);
-        hdtest::expectHeadToTail(lines);
+        expectHeadToTail(lines);
         EXPECT_TRUE(same(lines.back()->end, {1, 0, 0}));
         // Clockwise seen from +Z, point k at k * 6.2831885307179585 / n, across base moves.
         for (size_t k = 1; k < lines.size(); ++k) {
@@ -121,7 +115,7 @@ TEST(HDArcChords, ArcRunsFromStartThroughMiddleToEnd) {
         _s_hd_proline_* arc = nullptr;
         ASSERT_TRUE(divideArc2Proline({0, 0, 0}, {1, 0, 0}, c.m, c.e, 0, arc));
         const auto lines = linesOf(arc);
-        hdtest::expectHeadToTail(lines);
+        expectHeadToTail(lines);
         EXPECT_TRUE(same(lines.back()->end, c.e));
         // Every point lies on the circle, strictly between the ends in the direction of travel.
         for (size_t k = 1; k < lines.size(); ++k) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "hd_records.h"
@@ -12,6 +13,11 @@
 namespace hdtest {
 
 using P = geolib::_s_hd_point_;
+
+/// Points the routines place on a circle lie on it within this (relative to the radius).
+constexpr double kOnCircleTol = 1e-12;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
 using Line = const geolib::_s_hd_proline_*;
 
 struct Face {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <limits>
 #include <vector>
 
 #include "clip_records.h"
@@ -13,14 +12,7 @@
 namespace {
 
 using namespace geolib;
-using hdtest::facesOf;
-using hdtest::linesOf;
-using hdtest::P;
-using hdtest::same;
-
-constexpr double kTol = 1e-12;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
+using namespace hdtest;
 
 void expectBox(const _s_hd_prof_* obj, std::vector<double> want) {
     for (int i = 0; i < 6; ++i)
@@ -46,16 +38,16 @@ TEST(EpDivideBox, CornersLinesAndFacesComeInTheFixedOrder) {
         _s_hd_prof_* box = ep_divide_box(1, 2, 3, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, flag);
         ASSERT_NE(box, nullptr);
         expectBox(box, {1, 0, 2, 0, h > 0 ? h : 0, h > 0 ? 0 : h});
-        hdtest::expectOrders(box,
-                             {{0, 0, 0},
-                              {1, 0, 0},
-                              {1, 2, 0},
-                              {0, 2, 0},
-                              {0, 0, h},
-                              {1, 0, h},
-                              {1, 2, h},
-                              {0, 2, h}},
-                             edges, faces);
+        expectOrders(box,
+                     {{0, 0, 0},
+                      {1, 0, 0},
+                      {1, 2, 0},
+                      {0, 2, 0},
+                      {0, 0, h},
+                      {1, 0, h},
+                      {1, 2, h},
+                      {0, 2, h}},
+                     edges, faces);
         expectWinding(box, {0.5, 1, h / 2}, flag != 0 ? 1.0 : -1.0);
         freeHDProfObjectPointer(box);
     }
@@ -71,9 +63,9 @@ TEST(EpDivideWed, FacesCarryTagsOneToFiveWoundInwards) {
     ASSERT_NE(wed, nullptr);
     expectBox(wed, {1, 0, 1, 0, 2, 0});
     // Corners pa, pb, pc, then pa', pb', pc' moved along +Z.
-    hdtest::expectOrders(wed, {{1, 0, 0}, {0, 0, 0}, {0, 1, 0}, {1, 0, 2}, {0, 0, 2}, {0, 1, 2}},
-                         {{0, 1}, {1, 2}, {2, 0}, {3, 4}, {4, 5}, {5, 3}, {0, 3}, {1, 4}, {2, 5}},
-                         {{1, 2, 5, 4}, {2, 0, 3, 5}, {0, 1, 4, 3}, {4, 5, 3}, {1, 0, 2}});
+    expectOrders(wed, {{1, 0, 0}, {0, 0, 0}, {0, 1, 0}, {1, 0, 2}, {0, 0, 2}, {0, 1, 2}},
+                 {{0, 1}, {1, 2}, {2, 0}, {3, 4}, {4, 5}, {5, 3}, {0, 3}, {1, 4}, {2, 5}},
+                 {{1, 2, 5, 4}, {2, 0, 3, 5}, {0, 1, 4, 3}, {4, 5, 3}, {1, 0, 2}});
     int tag = 1;
     for (const auto& f : facesOf(wed))
         EXPECT_EQ(f.tag, tag++);
@@ -98,7 +90,8 @@ TEST(EpDividePri, SidesFollowTheRingsAndUprightsJoinThem) {
         // Base chord, top chord and upright i share their start; the side face joins them.
         for (size_t i = 0; i < s; ++i) {
             const auto *k1 = lines[i], *k2 = lines[s + i], *up = lines[2 * s + i];
-            EXPECT_TRUE(same(k2->start, {k1->start.x, k1->start.y, 5}, kTol) && k1->start.z == 0);
+            EXPECT_TRUE(same(k2->start, {k1->start.x, k1->start.y, 5}, kOnCircleTol) &&
+                        k1->start.z == 0);
             EXPECT_TRUE(same(up->start, k1->start) && same(up->end, k2->start));
             const P quad[4] = {k1->start, k1->end, k2->end, k2->start};
             for (size_t j = 0; j < 4; ++j)
@@ -129,7 +122,7 @@ point* pointList(std::vector<VoGePoint3D> pts) {
 TEST(EpDividePlns, LinesRunThroughThePointsInListOrder) {
     _s_hd_prof_* pln = ep_divide_pln({1, 5, 2}, {4, 3, 9});
     expectBox(pln, {4, 1, 5, 3, 9, 2});
-    hdtest::expectOrders(pln, {{1, 5, 2}, {4, 3, 9}}, {{0, 1}}, {});
+    expectOrders(pln, {{1, 5, 2}, {4, 3, 9}}, {{0, 1}}, {});
     freeHDProfObjectPointer(pln);
 
     point* pts = pointList({{0, 0, 0}, {3, -1, 2}, {1, 4, -5}});
@@ -137,7 +130,7 @@ TEST(EpDividePlns, LinesRunThroughThePointsInListOrder) {
     EXPECT_EQ(ep_divide_plns(pts->next->next), nullptr);  // a single point
     _s_hd_prof_* pl = ep_divide_plns(pts);
     expectBox(pl, {3, 0, 4, -1, 2, -5});
-    hdtest::expectOrders(pl, {{0, 0, 0}, {3, -1, 2}, {1, 4, -5}}, {{0, 1}, {1, 2}}, {});
+    expectOrders(pl, {{0, 0, 0}, {3, -1, 2}, {1, 4, -5}}, {{0, 1}, {1, 2}}, {});
     freeHDProfObjectPointer(pl);
     // A list that closes on itself is refused, not walked forever; so is a NaN coordinate.
     pts->next->next->next = pts->next;

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "hd_tessellators.h"
@@ -12,20 +11,14 @@
 namespace {
 
 using namespace geolib;
-using hdtest::linesOf;
-using hdtest::P;
-using hdtest::same;
-
-constexpr double kOnCircleTol = 1e-12;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
+using namespace hdtest;
 
 TEST(HalfCircleChords, StepsCounterClockwiseAndEndsExactlyAtE) {
     const P c{1, 2, 3}, s{3, 2, 3}, e{-1, 2, 3}, z{0, 0, 1};
     _s_hd_proline_* half = divideHalfCircle2Proline(5, c, z, s, e, 2);
     const auto lines = linesOf(half);
     ASSERT_EQ(lines.size(), 5u);
-    hdtest::expectHeadToTail(lines);
+    expectHeadToTail(lines);
     EXPECT_TRUE(same(lines.back()->end, e));
     for (size_t k = 1; k < lines.size(); ++k) {
         const double a = 3.14159265 / 5 * static_cast<double>(k);
@@ -77,7 +70,7 @@ TEST(EpDivideCir, SplitsTheRimWhereItIsExtremeAndStripsTheDisc) {
             EXPECT_TRUE(k % half == 0 || (vecDot(d, c.firstSide) > 0) == (k < half)) << k;
         }
         // Triangle at s, quadrilaterals between the halves' chords k1, k2, triangle at e.
-        const auto faces = hdtest::facesOf(disc);
+        const auto faces = facesOf(disc);
         ASSERT_EQ(faces.size(), half);
         for (size_t k = 0; k < half; ++k) {
             const auto *k1 = lines[k], *k2 = lines[half + k];
