@@ -70,11 +70,11 @@ void extendHDBox(double x, double y, double z, double* box);
 // ---- chord counts -------------------------------------------------------------------------------
 
 /// Chords of a full circle of radius r (the centre is not used): 8 to 12, from the rule that a
-/// chord's sagitta is one drawing unit. A NaN radius gives 8.
+/// chord's sagitta is one drawing unit. A NaN or infinite radius gives 8.
 int getCircleDivideNum(_s_hd_point_ c, double r);
 int getCircleDivideNum(const double* c, double r);
-/// Chords of the arc a0..a1 (radians) of radius r: 8 to 12 whatever the arc's size; NaN or
-/// infinite input gives 8.
+/// Chords of the arc a0..a1 (radians) of radius r: 8 to 12 whatever the arc's size, infinite
+/// included; a count that comes out NaN gives 8.
 int getArcDivideNum(_s_hd_point_ c, double r, double a0, double a1);
 
 // ---- record builders ----------------------------------------------------------------------------
