@@ -24,6 +24,8 @@
 #include "clip_records.h"
 
 // Hidden-line model: records and tessellators
+#include "hd_records.h"
+#include "hd_tessellators.h"
 
 // Hidden-line engine: face intersection and hide pass
 

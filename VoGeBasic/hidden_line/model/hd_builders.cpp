@@ -1,0 +1,441 @@
+#include "hidden_line/model/hd_builders.h"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "hidden_line/model/hd_tolerances.h"
+
+namespace geolib {
+
+namespace {
+
+double clampUnit(double q) {
+    if (q > 1.0)
+        return 1.0;
+    if (q < -1.0)
+        return -1.0;
+    return q;
+}
+
+// Clamps a chord count, still a double, to 8..12 before it becomes an int; NaN gives 8.
+int clampCurveChords(double n) {
+    if (!(n >= hd::kMinCurveChords))
+        return hd::kMinCurveChords;
+    if (n > hd::kMaxCurveChords)
+        return hd::kMaxCurveChords;
+    return static_cast<int>(n);
+}
+
+double snapComponent(double v) {
+    return std::fabs(v) < hd::kComponentSnap ? 0.0 : v;
+}
+
+_s_hd_sect_* mallocSectChain(const _s_hd_point_* pts, int count) {
+    _s_hd_sect_* head = nullptr;
+    _s_hd_sect_** link = &head;
+    for (int i = 0; i < count; ++i) {
+        _s_hd_sect_* node = mallocHDSect();
+        if (node == nullptr) {
+            freeHDSectPointer(head);
+            return nullptr;
+        }
+        node->pt = pts[i];
+        *link = node;
+        link = &node->next;
+    }
+    return head;
+}
+
+// Links item behind the last node of the list that node belongs to (nothing when node is null).
+template <class T>
+void linkBehindLast(T* node, T* item) {
+    if (node == nullptr)
+        return;
+    while (node->next != nullptr)
+        node = node->next;
+    node->next = item;
+}
+
+}  // namespace
+
+// ---- point and vector helpers -------------------------------------------------------------------
+
+_s_hd_point_ vecSub(_s_hd_point_ a, _s_hd_point_ b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+_s_hd_point_ vecAdd(_s_hd_point_ a, _s_hd_point_ b) {
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+
+_s_hd_point_ vecScale(double s, _s_hd_point_ a) {
+    return {s * a.x, s * a.y, s * a.z};
+}
+
+_s_hd_point_ vecNegate(_s_hd_point_ a) {
+    return {-a.x, -a.y, -a.z};
+}
+
+_s_hd_point_ linComb(double s, _s_hd_point_ a, double t, _s_hd_point_ b) {
+    return {s * a.x + t * b.x, s * a.y + t * b.y, s * a.z + t * b.z};
+}
+
+_s_hd_point_ lerpPoint(double t, _s_hd_point_ a, _s_hd_point_ b) {
+    return linComb(t, a, 1.0 - t, b);
+}
+
+_s_hd_point_ mirrorPoint(_s_hd_point_ a, _s_hd_point_ c) {
+    return {2.0 * c.x - a.x, 2.0 * c.y - a.y, 2.0 * c.z - a.z};
+}
+
+double vecDot(_s_hd_point_ a, _s_hd_point_ b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+double det2(double a, double b, double c, double d) {
+    return a * d - b * c;
+}
+
+_s_hd_point_ vecCross(_s_hd_point_ a, _s_hd_point_ b) {
+    return {det2(a.y, a.z, b.y, b.z), -det2(a.x, a.z, b.x, b.z), det2(a.x, a.y, b.x, b.y)};
+}
+
+double vecLength(_s_hd_point_ v) {
+    const double x = snapComponent(v.x);
+    const double y = snapComponent(v.y);
+    const double z = snapComponent(v.z);
+    const double q = x * x + y * y + z * z;
+    if (q <= hd::kNullLengthSq)
+        return 0.0;
+    return std::sqrt(q);
+}
+
+_s_hd_point_ vecNormalize(_s_hd_point_ v) {
+    const double len = vecLength(v);
+    if (len < hd::kUnitMinLength)
+        return {0.0, 0.0, 0.0};
+    return {v.x / len, v.y / len, v.z / len};
+}
+
+_s_hd_point_ unitDir(_s_hd_point_ a, _s_hd_point_ b) {
+    return vecNormalize(vecSub(a, b));
+}
+
+_s_hd_point_ unitCross(_s_hd_point_ a, _s_hd_point_ b) {
+    return vecNormalize(vecCross(a, b));
+}
+
+_s_hd_point_ triNormal(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c) {
+    return unitCross(vecSub(b, a), vecSub(c, a));
+}
+
+double pointDist(_s_hd_point_ a, _s_hd_point_ b) {
+    return vecLength(vecSub(a, b));
+}
+
+double pointDist2(_s_hd_point_ a, _s_hd_point_ b) {
+    const _s_hd_point_ d = vecSub(a, b);
+    return vecDot(d, d);
+}
+
+bool vecIsParallel(_s_hd_point_ a, _s_hd_point_ b) {
+    return vecLength(vecCross(a, b)) < hd::kUnitMinLength;
+}
+
+bool isSamePoint(_s_hd_point_ a, _s_hd_point_ b) {
+    return std::fabs(a.x - b.x) < hd::kSamePointTol && std::fabs(a.y - b.y) < hd::kSamePointTol &&
+           std::fabs(a.z - b.z) < hd::kSamePointTol;
+}
+
+bool isSamePointFine(_s_hd_point_ a, _s_hd_point_ b) {
+    return std::fabs(a.x - b.x) < hd::kSamePointFineTol &&
+           std::fabs(a.y - b.y) < hd::kSamePointFineTol &&
+           std::fabs(a.z - b.z) < hd::kSamePointFineTol;
+}
+
+bool isFinitePoint(_s_hd_point_ p) {
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+double det3x3(double a, double b, double c, double d, double e, double f, double g, double h,
+              double i) {
+    return a * e * i + b * f * g + c * h * d - c * e * g - b * d * i - a * h * f;
+}
+
+// ---- boxes --------------------------------------------------------------------------------------
+
+void initHDBox(double* box) {
+    for (int axis = 0; axis < 3; ++axis) {
+        box[2 * axis] = hd::kEmptyBoxMax;
+        box[2 * axis + 1] = hd::kEmptyBoxMin;
+    }
+}
+
+void setHDBox(double x, double y, double z, double* box) {
+    const double p[3] = {x, y, z};
+    for (int axis = 0; axis < 3; ++axis) {
+        box[2 * axis] = p[axis];
+        box[2 * axis + 1] = p[axis];
+    }
+}
+
+void extendHDBox(double x, double y, double z, double* box) {
+    const double p[3] = {x, y, z};
+    for (int axis = 0; axis < 3; ++axis) {
+        if (p[axis] > box[2 * axis])
+            box[2 * axis] = p[axis];
+        else if (p[axis] < box[2 * axis + 1])
+            box[2 * axis + 1] = p[axis];
+    }
+}
+
+// ---- chord counts -------------------------------------------------------------------------------
+
+int getCircleDivideNum(_s_hd_point_ /*c*/, double r) {
+    // t is half the angle of a chord whose sagitta is one drawing unit.
+    const double t = std::acos(clampUnit((r - 1.0) / r));
+    if (std::fabs(t) < hd::kChordAngleFloor)
+        return hd::kMaxCurveChords;
+    return clampCurveChords(std::trunc(hd::kPi / t) + 1.0);
+}
+
+int getCircleDivideNum(const double* c, double r) {
+    return getCircleDivideNum(_s_hd_point_{c[0], c[1], c[2]}, r);
+}
+
+int getArcDivideNum(_s_hd_point_ /*c*/, double r, double a0, double a1) {
+    const double t = 2.0 * std::acos(clampUnit((r - 1.0) / r));
+    if (std::fabs(t) < hd::kChordAngleFloor)
+        return hd::kMaxCurveChords;
+    return clampCurveChords(std::trunc((a1 - a0) / t) + 1.0);
+}
+
+// ---- record builders ----------------------------------------------------------------------------
+
+_s_hd_sect_* mallocQuadSect(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4) {
+    const _s_hd_point_ pts[4] = {p1, p2, p3, p4};
+    return mallocSectChain(pts, 4);
+}
+
+_s_hd_sect_* mallocTriSect(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3) {
+    const _s_hd_point_ pts[3] = {p1, p2, p3};
+    return mallocSectChain(pts, 3);
+}
+
+_s_hd_proline_* appendProline(_s_hd_point_ a, _s_hd_point_ b, _s_hd_proline_* node) {
+    auto* line = static_cast<_s_hd_proline_*>(std::malloc(sizeof(_s_hd_proline_)));
+    if (line == nullptr)
+        return nullptr;
+    line->start = a;
+    line->end = b;
+    line->reserved = 0.0;
+    line->owner = -1;
+    line->next = nullptr;
+    linkBehindLast(node, line);
+    return line;
+}
+
+_s_hd_prosect_* appendProsect(_s_hd_sect_* chain, _s_hd_prosect_* node) {
+    auto* face = static_cast<_s_hd_prosect_*>(std::malloc(sizeof(_s_hd_prosect_)));
+    if (face == nullptr)
+        return nullptr;
+    face->sect = chain;
+    face->tag = 0;
+    face->reserved = 0;
+    face->next = nullptr;
+    linkBehindLast(node, face);
+    return face;
+}
+
+_s_hd_proline_* concatProline(_s_hd_proline_* first, _s_hd_proline_* second) {
+    if (second != nullptr)
+        linkBehindLast(first, second);
+    return second;
+}
+
+bool ProlineChain::append(_s_hd_point_ a, _s_hd_point_ b) {
+    _s_hd_proline_* line = appendProline(a, b, tail);
+    if (line == nullptr)
+        return false;
+    if (head == nullptr)
+        head = line;
+    tail = line;
+    return true;
+}
+
+// ---- arcs to chords -----------------------------------------------------------------------------
+
+bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_point_ e, int n,
+                       _s_hd_proline_*& list) {
+    if (n < 0 || n > hd::kMaxArcChords || !isFinitePoint(c) || !isFinitePoint(s) ||
+        !isFinitePoint(m) || !isFinitePoint(e))
+        return false;
+    const bool fullCircle = isSamePointFine(s, e);
+    double sweep = 0.0;
+    _s_hd_point_ normal = {0.0, 0.0, 0.0};  // of an arc: the tangent is radial x normal
+    if (fullCircle) {
+        if (isSamePointFine(s, m))
+            return true;
+        sweep = hd::kFullCircleSweep;
+    } else {
+        if (isSamePointFine(s, m) || isSamePointFine(m, e))
+            return true;
+        const double r = pointDist(s, c);
+        const double d = pointDist(s, e);
+        const double central = std::acos(clampUnit(1.0 - d * d / (2.0 * r * r)));
+        // The angle at m between the directions to s and to e tells the short arc (above pi/2)
+        // from the long one (below).
+        const double sm = pointDist(s, m);
+        const double em = pointDist(e, m);
+        const double inscribed =
+            std::acos(clampUnit((sm * sm + em * em - d * d) / (2.0 * sm * em)));
+        const bool longArc = inscribed < hd::kHalfPi;
+        sweep = longArc ? hd::kTwoPi - central : central;
+        const _s_hd_point_ radial = unitDir(s, c);
+        const _s_hd_point_ toEnd = vecSub(e, c);
+        // With s and e diametrically opposite (an inscribed angle of exactly pi/2, or e - c along
+        // the radial), e cannot choose the side: m does, and the tangent must head towards it.
+        const bool acrossCentre = inscribed == hd::kHalfPi || vecIsParallel(radial, toEnd);
+        const _s_hd_point_ n0 = unitCross(radial, acrossCentre ? vecSub(m, c) : toEnd);
+        normal = longArc && !acrossCentre ? n0 : vecNegate(n0);
+    }
+    const double r = pointDist(s, c);
+    if (!std::isfinite(r) || !std::isfinite(sweep))
+        return false;
+
+    if (n == 0) {
+        const double p = clampUnit(1.0 - hd::kChordSagitta / r);
+        const double count = std::trunc(sweep / (2.0 * std::acos(p)));
+        if (count >= hd::kMaxArcChords)
+            n = hd::kMaxArcChords;
+        else if (count >= 1.0)
+            n = static_cast<int>(count);
+    }
+    // A count of 0 (a sweep shorter than one chord) draws as one chord, like a count of 1.
+    if (n < 1)
+        n = 1;
+    double step = sweep / n;
+    while (step >= hd::kMaxTangentStep) {
+        ++n;
+        step = sweep / n;
+    }
+
+    // Points without sine and cosine: step along the tangent at a base point by r tan(x) and
+    // project back onto the circle. The base moves on before x reaches tan's pole.
+    auto tangentAt = [&](_s_hd_point_ base) {
+        return fullCircle ? unitCross(vecSub(base, c), m) : unitCross(unitDir(base, c), normal);
+    };
+    ProlineChain chords;
+    _s_hd_point_ base = s;
+    _s_hd_point_ tangent = tangentAt(base);
+    _s_hd_point_ prev = s;
+    bool ok = true;
+    for (int k = 1; ok && k < n;) {
+        const double x = k * step;
+        if (x >= hd::kMaxTangentStep) {
+            base = prev;
+            tangent = tangentAt(base);
+            n = n - k + 1;
+            k = 1;
+            continue;
+        }
+        const _s_hd_point_ ahead = linComb(1.0, base, std::tan(x) * r, tangent);
+        const _s_hd_point_ p = linComb(1.0, c, r, vecNormalize(vecSub(ahead, c)));
+        ok = chords.append(prev, p);
+        prev = p;
+        ++k;
+    }
+    if (!ok || !chords.append(prev, e)) {
+        releaseProline(chords.head);
+        return false;
+    }
+    if (list == nullptr)
+        list = chords.head;
+    else
+        concatProline(list, chords.head);
+    return true;
+}
+
+// ---- object drafts ------------------------------------------------------------------------------
+
+HDProfDraft::HDProfDraft() {
+    initHDBox(box_);
+}
+
+HDProfDraft::~HDProfDraft() {
+    releaseProline(lines_.head);
+    releaseProsect(faces_);
+}
+
+void HDProfDraft::seedBox(_s_hd_point_ p) {
+    setHDBox(p.x, p.y, p.z, box_);
+}
+
+void HDProfDraft::extendBox(_s_hd_point_ p) {
+    extendHDBox(p.x, p.y, p.z, box_);
+}
+
+void HDProfDraft::addLine(_s_hd_point_ a, _s_hd_point_ b) {
+    if (ok_ && !lines_.append(a, b))
+        ok_ = false;
+}
+
+void HDProfDraft::addLines(_s_hd_proline_* list) {
+    if (list == nullptr)
+        return;
+    if (lines_.head == nullptr)
+        lines_.head = list;
+    else
+        concatProline(lines_.tail, list);
+    lines_.tail = list;
+    while (lines_.tail->next != nullptr)
+        lines_.tail = lines_.tail->next;
+}
+
+void HDProfDraft::addQuad(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
+                          std::int32_t tag) {
+    if (ok_)
+        addFace(mallocQuadSect(p1, p2, p3, p4), tag);
+}
+
+void HDProfDraft::addTri(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, std::int32_t tag) {
+    if (ok_)
+        addFace(mallocTriSect(p1, p2, p3), tag);
+}
+
+void HDProfDraft::addFace(_s_hd_sect_* chain, std::int32_t tag) {
+    _s_hd_prosect_* face = chain != nullptr ? appendProsect(chain, faceTail_) : nullptr;
+    if (face == nullptr) {
+        freeHDSectPointer(chain);
+        ok_ = false;
+        return;
+    }
+    face->tag = tag;
+    if (faces_ == nullptr)
+        faces_ = face;
+    faceTail_ = face;
+}
+
+void HDProfDraft::fail() {
+    ok_ = false;
+}
+
+_s_hd_prof_* HDProfDraft::finish() {
+    if (!ok_)
+        return nullptr;
+    _s_hd_prof_* obj = mallocHDProfObject();
+    if (obj == nullptr) {
+        ok_ = false;
+        return nullptr;
+    }
+    obj->prosect = faces_;
+    obj->proline = lines_.head;
+    for (int i = 0; i < 6; ++i)
+        obj->box[i] = box_[i];
+    faces_ = nullptr;
+    faceTail_ = nullptr;
+    lines_ = ProlineChain{};
+    return obj;
+}
+
+}  // namespace geolib

@@ -1,0 +1,180 @@
+// Construction kit of the hidden-line model: builders of face chains and profile lines, the
+// box helpers, the chord-count rules of curved primitives, the arc-to-chords routines and the
+// point and vector helpers on _s_hd_point_ values. Internal: used by the tessellators and the
+// hide pass, not exported.
+//
+// Memory: every builder checks each of its allocations; when one fails it releases what that
+// call made and returns its failure value (null or false), leaving its inputs as they were.
+#ifndef VOGEBASIC_HD_BUILDERS_H
+#define VOGEBASIC_HD_BUILDERS_H
+
+#include <cstdint>
+
+#include "hd_records.h"
+
+namespace geolib {
+
+// ---- point and vector helpers (allocate nothing, never fail) ------------------------------------
+
+_s_hd_point_ vecSub(_s_hd_point_ a, _s_hd_point_ b);  ///< a - b
+_s_hd_point_ vecAdd(_s_hd_point_ a, _s_hd_point_ b);  ///< a + b
+_s_hd_point_ vecScale(double s, _s_hd_point_ a);      ///< s * a
+_s_hd_point_ vecNegate(_s_hd_point_ a);               ///< -a
+/// s*a + t*b per component; with s = 1 it moves point a by t along vector b.
+_s_hd_point_ linComb(double s, _s_hd_point_ a, double t, _s_hd_point_ b);
+/// t*a + (1 - t)*b.
+_s_hd_point_ lerpPoint(double t, _s_hd_point_ a, _s_hd_point_ b);
+/// 2*c - a: a reflected through c.
+_s_hd_point_ mirrorPoint(_s_hd_point_ a, _s_hd_point_ c);
+double vecDot(_s_hd_point_ a, _s_hd_point_ b);
+/// a*d - b*c.
+double det2(double a, double b, double c, double d);
+/// The ordinary cross product a x b, each component a det2.
+_s_hd_point_ vecCross(_s_hd_point_ a, _s_hd_point_ b);
+/// Length after snapping components below 1e-9 to 0; 0 when the squared length is <= 1e-10.
+double vecLength(_s_hd_point_ v);
+/// v / vecLength(v); the zero vector when that length is below 1e-9.
+_s_hd_point_ vecNormalize(_s_hd_point_ v);
+/// The unit direction from b towards a.
+_s_hd_point_ unitDir(_s_hd_point_ a, _s_hd_point_ b);
+/// The unit vector along a x b (zero for parallel a, b).
+_s_hd_point_ unitCross(_s_hd_point_ a, _s_hd_point_ b);
+/// The unit normal of the triangle a, b, c: unitCross(b - a, c - a).
+_s_hd_point_ triNormal(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c);
+/// vecLength(a - b), with its snapping.
+double pointDist(_s_hd_point_ a, _s_hd_point_ b);
+/// (a - b).(a - b), without snapping.
+double pointDist2(_s_hd_point_ a, _s_hd_point_ b);
+/// True when vecLength(a x b) < 1e-9.
+bool vecIsParallel(_s_hd_point_ a, _s_hd_point_ b);
+/// True when each coordinate differs by strictly less than 0.005.
+bool isSamePoint(_s_hd_point_ a, _s_hd_point_ b);
+/// True when each coordinate differs by strictly less than 5e-7.
+bool isSamePointFine(_s_hd_point_ a, _s_hd_point_ b);
+/// True when the three coordinates are finite (neither NaN nor infinite).
+bool isFinitePoint(_s_hd_point_ p);
+/// The 3x3 determinant of rows (a b c / d e f / g h i), summed as
+/// a*e*i + b*f*g + c*h*d - c*e*g - b*d*i - a*h*f.
+double det3x3(double a, double b, double c, double d, double e, double f, double g, double h,
+              double i);
+
+// ---- boxes: X max, X min, Y max, Y min, Z max, Z min --------------------------------------------
+
+/// The empty box: maxima -90000000000.0, minima 90000000000.0.
+void initHDBox(double* box);
+/// Maximum and minimum of each axis set to the point's coordinate.
+void setHDBox(double x, double y, double z, double* box);
+/// Per axis: a coordinate above the maximum raises it, otherwise one below the minimum lowers it.
+void extendHDBox(double x, double y, double z, double* box);
+
+// ---- chord counts -------------------------------------------------------------------------------
+
+/// Chords of a full circle of radius r (the centre is not used): 8 to 12, from the rule that a
+/// chord's sagitta is one drawing unit. A NaN or infinite radius gives 8.
+int getCircleDivideNum(_s_hd_point_ c, double r);
+int getCircleDivideNum(const double* c, double r);
+/// Chords of the arc a0..a1 (radians) of radius r: 8 to 12 whatever the arc's size, infinite
+/// included; a count that comes out NaN gives 8.
+int getArcDivideNum(_s_hd_point_ c, double r, double a0, double a1);
+
+// ---- record builders ----------------------------------------------------------------------------
+
+/// The open vertex chain p1 -> p2 -> p3 -> p4. Returns a new chain owned by the caller; release
+/// it with freeHDSectPointer. Returns null if an allocation fails.
+_s_hd_sect_* mallocQuadSect(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4);
+/// The open vertex chain p1 -> p2 -> p3; ownership and failure as mallocQuadSect.
+_s_hd_sect_* mallocTriSect(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3);
+/// A new line a -> b (owner -1, next null) linked behind the last node of the list that node
+/// belongs to (node may be any node of it, or null for a new list). Returns the new node, owned
+/// by that list (or by the caller when node was null; release it with releaseProline). Returns
+/// null, linking nothing, if the allocation fails.
+_s_hd_proline_* appendProline(_s_hd_point_ a, _s_hd_point_ b, _s_hd_proline_* node);
+/// A new face holding chain (tag 0, next null) linked behind the last node of node's list (or
+/// starting a list when node is null). Returns the new node, which owns chain from then on.
+/// Returns null, linking nothing and leaving chain with the caller, if the allocation fails.
+_s_hd_prosect_* appendProsect(_s_hd_sect_* chain, _s_hd_prosect_* node);
+/// Links second behind the last node of first and returns second; when either is null, links
+/// nothing and returns second.
+_s_hd_proline_* concatProline(_s_hd_proline_* first, _s_hd_proline_* second);
+
+// ---- arcs to chords -----------------------------------------------------------------------------
+
+/// Appends to list the chords of the curve about centre c from s to e, and makes list its head
+/// when it was null. When s and e coincide the curve is a full circle about the axis vector m
+/// (clockwise seen from the tip of m); otherwise it is the arc from s through the point m to e.
+/// The chords run head to tail, each with owner -1, and the last ends exactly at e. n is the
+/// chord count (0: chosen from a sagitta of about 0.01); any count is raised until each step is
+/// below 1.5 radians, so a full circle has at least 5 chords. When s and e lie diametrically
+/// opposite, the chords leave s towards m.
+/// Adds nothing and returns true for a degenerate curve (s, m and e all the same point, or m the
+/// same as s or e). Returns false, leaving list as it was, if an allocation fails, if n is
+/// negative or above 100000, or if a point, the radius or the swept angle is NaN or infinite; a
+/// chosen count above 100000 is lowered to 100000.
+bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_point_ e, int n,
+                       _s_hd_proline_*& list);
+/// n chords of radius r from s to e about centre c, running counter-clockwise about axis (seen
+/// from its tip), each step 3.14159265 / n radians and the last chord ending exactly at e
+/// (defined with the revolved tessellators). Returns a new list owned by the caller; release it
+/// with releaseProline. Returns null when r is below 0.01 (or NaN), when s and e both coincide
+/// with c, when n is below 1 or above 100000, or if an allocation fails.
+_s_hd_proline_* divideHalfCircle2Proline(int n, _s_hd_point_ c, _s_hd_point_ axis, _s_hd_point_ s,
+                                         _s_hd_point_ e, double r);
+
+// ---- lists and object drafts --------------------------------------------------------------------
+
+/// A line list under construction, appended at its tail in constant time. It owns nothing:
+/// whoever takes head releases it.
+struct ProlineChain {
+    _s_hd_proline_* head = nullptr;  ///< first line; null while the chain is empty
+    _s_hd_proline_* tail = nullptr;  ///< last line
+
+    /// Appends the line a -> b. Returns false, changing nothing, if the allocation fails.
+    bool append(_s_hd_point_ a, _s_hd_point_ b);
+};
+
+/// Collects the faces, profile lines and box of one object while a tessellator builds it. Faces
+/// and lines are appended in the order they are made; the box starts empty. Once an allocation
+/// has failed the draft is failed: further faces and lines are not made (a list handed to
+/// addLines is still taken over), and finish() returns null. Whatever the draft still holds when it
+/// goes out of scope is released.
+class HDProfDraft {
+public:
+    HDProfDraft();
+    ~HDProfDraft();
+    HDProfDraft(const HDProfDraft&) = delete;
+    HDProfDraft& operator=(const HDProfDraft&) = delete;
+
+    bool ok() const { return ok_; }
+    /// Seeds the box with p (setHDBox).
+    void seedBox(_s_hd_point_ p);
+    /// Extends the box with p (extendHDBox).
+    void extendBox(_s_hd_point_ p);
+    /// Appends the line a -> b.
+    void addLine(_s_hd_point_ a, _s_hd_point_ b);
+    /// Appends a whole line list and takes it over (null adds nothing).
+    void addLines(_s_hd_proline_* list);
+    /// Appends the quadrilateral face p1, p2, p3, p4 with the tag.
+    void addQuad(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
+                 std::int32_t tag = 0);
+    /// Appends the triangular face p1, p2, p3 with the tag.
+    void addTri(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, std::int32_t tag = 0);
+    /// Marks the draft failed (a step outside the draft could not allocate).
+    void fail();
+    /// Returns a new object holding the faces, the lines and the box, owned by the caller;
+    /// release it with freeHDProfObjectPointer. Returns null, releasing everything, if the
+    /// draft failed or the object cannot be allocated.
+    _s_hd_prof_* finish();
+
+private:
+    void addFace(_s_hd_sect_* chain, std::int32_t tag);
+
+    _s_hd_prosect_* faces_ = nullptr;
+    _s_hd_prosect_* faceTail_ = nullptr;
+    ProlineChain lines_;
+    double box_[6];
+    bool ok_ = true;
+};
+
+}  // namespace geolib
+
+#endif  // VOGEBASIC_HD_BUILDERS_H

@@ -1,0 +1,69 @@
+// Tolerances and fixed constants of the hidden-line model. Internal: not part of the exported
+// interface. Lengths in model units, angles in radians.
+#ifndef VOGEBASIC_HD_TOLERANCES_H
+#define VOGEBASIC_HD_TOLERANCES_H
+
+namespace geolib {
+namespace hd {
+
+// ---- points and vectors -------------------------------------------------------------------------
+
+/// A vector component smaller than this in magnitude is taken as 0 before a length is measured,
+/// so near-axis vectors lose their noise.
+constexpr double kComponentSnap = 1e-9;
+/// A squared length at or below this is a null vector: anything shorter than 1e-5 has no length.
+constexpr double kNullLengthSq = 1e-10;
+/// A vector shorter than this normalises to the zero vector; a cross product shorter than this
+/// makes two directions parallel.
+constexpr double kUnitMinLength = 1e-9;
+/// Two points are the same when every coordinate differs by less than this (strict).
+constexpr double kSamePointTol = 0.005;
+/// The fine form of the same test, used for end points of curves.
+constexpr double kSamePointFineTol = 5e-7;
+
+// ---- boxes --------------------------------------------------------------------------------------
+
+/// The empty box: every maximum starts here and every minimum at its negation.
+constexpr double kEmptyBoxMax = -90000000000.0;
+constexpr double kEmptyBoxMin = 90000000000.0;
+
+// ---- chord counts -------------------------------------------------------------------------------
+
+/// pi as the double nearest to it.
+constexpr double kPi = 3.141592653589793;
+/// pi / 2 as the double nearest to it: the inscribed angle that separates short and long arcs.
+constexpr double kHalfPi = 1.5707963267948966;
+/// 2 pi as the double nearest to it: a long arc sweeps this minus the short arc's angle.
+constexpr double kTwoPi = 6.283185307179586;
+/// Chord half-angles below this (the double just below 0.003) take the largest chord count.
+/// Kept deliberately as this exact double: counts at the limit depend on it.
+constexpr double kChordAngleFloor = 0.0029999999999999996;
+/// A full circle or an arc of a curved primitive is drawn with this many chords at least ...
+constexpr int kMinCurveChords = 8;
+/// ... and this many at most.
+constexpr int kMaxCurveChords = 12;
+/// A full circle sweeps this angle: kept deliberately about 3.2e-6 above 2 pi, as the drawings
+/// made so far were made with it; the last chord closes the ring exactly at its start.
+constexpr double kFullCircleSweep = 6.2831885307179585;
+/// No tangent step of the arc routine reaches this angle: it keeps tan() far from its pole.
+constexpr double kMaxTangentStep = 1.5;
+/// The arc routine chooses its chord count so that no chord lies further than this from the arc.
+constexpr double kChordSagitta = 0.01;
+/// The arc routine never makes more chords than this: a larger chord count asked by the caller
+/// fails, a larger count chosen by the sagitta rule is lowered to it.
+constexpr int kMaxArcChords = 100000;
+
+// ---- discs --------------------------------------------------------------------------------------
+
+/// A disc (or half circle) with a smaller radius is not drawn.
+constexpr double kMinDiscRadius = 0.01;
+/// Half a turn for the half-circle chord builder: deliberately this eight-decimal value, not
+/// the double nearest to pi; the last chord takes up the difference.
+constexpr double kHalfTurnApprox = 3.14159265;
+/// A disc faces the viewer when the Z component of its normal is within this of +-1.
+constexpr double kFacingTol = 1e-9;
+
+}  // namespace hd
+}  // namespace geolib
+
+#endif  // VOGEBASIC_HD_TOLERANCES_H

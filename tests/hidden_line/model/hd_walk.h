@@ -1,0 +1,79 @@
+// Test support: an object's lists read into vectors, and order checks against corner tables.
+#ifndef VOGEBASIC_TESTS_HD_WALK_H
+#define VOGEBASIC_TESTS_HD_WALK_H
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "hd_records.h"
+
+namespace hdtest {
+
+using P = geolib::_s_hd_point_;
+
+/// Points the routines place on a circle lie on it within this (relative to the radius).
+constexpr double kOnCircleTol = 1e-12;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+using Line = const geolib::_s_hd_proline_*;
+
+struct Face {
+    std::vector<P> pts;
+    int tag;
+};
+
+inline std::vector<Line> linesOf(Line l) {
+    std::vector<Line> out;
+    for (; l != nullptr; l = l->next)
+        out.push_back(l);
+    return out;
+}
+
+inline std::vector<Face> facesOf(const geolib::_s_hd_prof_* obj) {
+    std::vector<Face> out;
+    for (const geolib::_s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
+        out.push_back({{}, f->tag});
+        for (const geolib::_s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
+            out.back().pts.push_back(v->pt);
+    }
+    return out;
+}
+
+inline bool same(P a, P b, double tol = 0.0) {
+    return std::fabs(a.x - b.x) <= tol && std::fabs(a.y - b.y) <= tol &&
+           std::fabs(a.z - b.z) <= tol;
+}
+
+/// Each line i runs from corner lines[i][0] to corner lines[i][1] (owner -1); each face i
+/// lists the corners faces[i] in order.
+inline void expectOrders(const geolib::_s_hd_prof_* obj, const std::vector<P>& corners,
+                         const std::vector<std::vector<int>>& lines,
+                         const std::vector<std::vector<int>>& faces) {
+    const auto got = linesOf(obj->proline);
+    ASSERT_EQ(got.size(), lines.size());
+    for (size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_TRUE(same(got[i]->start, corners[lines[i][0]]) &&
+                    same(got[i]->end, corners[lines[i][1]]) && got[i]->owner == -1)
+            << "line " << i;
+    }
+    const auto gotFaces = facesOf(obj);
+    ASSERT_EQ(gotFaces.size(), faces.size());
+    for (size_t i = 0; i < faces.size(); ++i) {
+        ASSERT_EQ(gotFaces[i].pts.size(), faces[i].size()) << "face " << i;
+        for (size_t j = 0; j < faces[i].size(); ++j)
+            EXPECT_TRUE(same(gotFaces[i].pts[j], corners[faces[i][j]])) << i << " " << j;
+    }
+}
+
+/// Chords run head to tail: each starts exactly where the previous one ended.
+inline void expectHeadToTail(const std::vector<Line>& lines) {
+    for (size_t i = 1; i < lines.size(); ++i)
+        EXPECT_TRUE(same(lines[i - 1]->end, lines[i]->start)) << "chord " << i;
+}
+
+}  // namespace hdtest
+
+#endif  // VOGEBASIC_TESTS_HD_WALK_H
