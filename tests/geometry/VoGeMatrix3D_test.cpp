@@ -60,20 +60,6 @@ TEST(VoGeMatrix3DBasics, OutOfRangeShortIndicesTouchNothing) {
     EXPECT_EQ(a.scale(-1), 1.0);
 }
 
-TEST(VoGeMatrix3DBasics, RowsColumnsAndScaling) {
-    VoGeMatrix3D a;
-    a.setRow(1, 1, 2, 3, 4);
-    a.setColumn(3, 9, 9, 9, 9);
-    double c0, c1, c2, c3;
-    a.getColumn(0, c0, c1, c2, c3);
-    EXPECT_EQ(c1, 1.0);
-    a.row2Num(1, 2.0);
-    EXPECT_EQ(a(1, 2), 6.0);
-    a.column2Num(3, 0.5);
-    EXPECT_EQ(a(1, 3), 9.0);  // row 1 then column 3: 9 * 2 * 0.5
-    EXPECT_EQ(a.scale(1), 4.0);
-}
-
 TEST(VoGeMatrix3DProducts, PointVectorRowAndColumnConventions) {
     const VoGeMatrix3D a = fromRows({1, 2, 3, 10, 4, 5, 6, 20, 7, 8, 9, 30, 100, 200, 300, 1});
     const VoGePoint3D p(1, 1, 1);
