@@ -1,2 +1,5 @@
 target_sources(vogebasic_tests PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/clip_records_test.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/clip_records_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/clip_convert_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/clip_params_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/clip_trim_test.cpp)
