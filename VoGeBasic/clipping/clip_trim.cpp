@@ -108,6 +108,8 @@ bool convexTrimLineSeg(convex* polys, line_cut* pieces) {
         const VoGePoint3D e = piece->end;
         if (std::fabs(s.x - e.x) <= kSideTol && std::fabs(s.y - e.y) <= kSideTol)
             continue;  // a point in the plan
+        // A null list and a polygon without edges hide nothing (the walk reads each polygon's
+        // ring, so neither may reach it).
         for (convex* poly = polys; poly != nullptr; poly = poly->next) {
             if (poly->edges == nullptr)
                 continue;
@@ -117,7 +119,8 @@ bool convexTrimLineSeg(convex* polys, line_cut* pieces) {
             if (c.count == 0) {
                 if (!c.sInside && !c.eInside)
                     continue;
-                // Wholly inside: nothing of the piece stays visible.
+                // Wholly inside: nothing of the piece stays visible. The whole list is given
+                // back, not only its head, so that a piece cut before leaks nothing.
                 freeParamt(piece->params);
                 piece->params = nullptr;
                 break;

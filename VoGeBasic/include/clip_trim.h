@@ -16,8 +16,9 @@ namespace geolib {
 /// Removes from the params of every piece the stretch inside each polygon of polys. A piece
 /// that lies wholly inside a polygon loses its whole list (params becomes null) and is not
 /// tried against the later polygons; a piece that is a point in the plan (both plan extents
-/// within 1e-4) is left alone; a piece lying along an edge, or touching a polygon at a point,
-/// is not cut. A null polygon list, and a polygon without edges, hide nothing. Returns true,
+/// within 1e-4) is left alone; a piece touching a polygon only at a corner, or meeting an
+/// edge's line only at its own end, is not cut, while a stretch lying along an edge counts as
+/// inside. A null polygon list, and a polygon without edges, hide nothing. Returns true,
 /// or false when splitting an interval needed an allocation that failed (the pieces are then
 /// trimmed as far as they got).
 VOGEBASIC_API bool convexTrimLineSeg(convex* polys, line_cut* pieces);
