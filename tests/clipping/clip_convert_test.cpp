@@ -13,26 +13,20 @@ using namespace geolib;
 using vgtest::cornersOf;
 using vgtest::near3;
 
-constexpr double kExact = 0.0;
-
 TEST(ConvertBox2Convex, CounterClockwiseRingOfFourEdgesAtZeroHeight) {
     BOX box;
     box.set(1, 4, 2, 6);
     convex* poly = convertBox2Convex(&box);
     ASSERT_NE(poly, nullptr);
-    EXPECT_EQ(poly->next, nullptr);
-    const std::vector<VoGePoint3D> want = {VoGePoint3D(1, 2, 0), VoGePoint3D(4, 2, 0),
-                                           VoGePoint3D(4, 6, 0), VoGePoint3D(1, 6, 0)};
-    const line* e = poly->edges;
-    for (std::size_t i = 0; i < want.size(); ++i, e = e->next) {
-        SCOPED_TRACE(i);
-        EXPECT_TRUE(near3(e->start, want[i], kExact));
-        EXPECT_TRUE(near3(e->end, want[(i + 1) % 4], kExact));
-    }
-    EXPECT_EQ(e, poly->edges);  // the ring closes after four edges
-    EXPECT_GT(vgtest::signedArea(cornersOf(poly)), 0.0);
-    freeConvex(poly);
+    const std::vector<VoGePoint3D> c = cornersOf(poly);
+    ASSERT_EQ(c.size(), 4u);
+    EXPECT_TRUE(near3(c[0], VoGePoint3D(1, 2, 0), 0.0));
+    EXPECT_TRUE(near3(c[1], VoGePoint3D(4, 2, 0), 0.0));
+    EXPECT_TRUE(near3(c[2], VoGePoint3D(4, 6, 0), 0.0));
+    EXPECT_TRUE(near3(c[3], VoGePoint3D(1, 6, 0), 0.0));
+    EXPECT_TRUE(near3(poly->edges->next->next->next->end, c[0], 0.0));  // closes
     EXPECT_EQ(convertBox2Convex(nullptr), nullptr);
+    freeConvex(poly);
     vgtest::forEachAllocationFailure([&] { freeConvex(convertBox2Convex(&box)); });
 }
 
@@ -40,17 +34,15 @@ TEST(PointArrays, PolygonAndPointArrayRoundTrip) {
     const std::vector<VoGePoint3D> pts = {VoGePoint3D(0, 0, 1), VoGePoint3D(5, 0, 2),
                                           VoGePoint3D(0, 5, 3)};
     convex* poly = transPtArray2Convex(pts);
-    ASSERT_NE(poly, nullptr);
-    EXPECT_TRUE(near3(poly->edges->next->next->end, pts[0], kExact));  // the last edge closes
-    std::vector<VoGePoint3D> back = {VoGePoint3D(9, 9, 9)};            // cleared first
+    std::vector<VoGePoint3D> back = {VoGePoint3D(9, 9, 9)};  // cleared first
     transConvex2PtArray(poly, back);
     ASSERT_EQ(back.size(), 3u);
     for (std::size_t i = 0; i < 3; ++i)
-        EXPECT_TRUE(near3(back[i], pts[i], kExact));
+        EXPECT_TRUE(near3(back[i], pts[i], 0.0));
+    EXPECT_TRUE(near3(poly->edges->next->next->end, pts[0], 0.0));  // the last edge closes
+    freeConvex(poly);
     transConvex2PtArray(nullptr, back);
     EXPECT_TRUE(back.empty());
-    freeConvex(poly);
-
     EXPECT_EQ(transPtArray2Convex({}), nullptr);
     vgtest::forEachAllocationFailure([&] { freeConvex(transPtArray2Convex(pts)); });
 }
@@ -66,22 +58,18 @@ TEST(Transforms, BoxCornersMoveUnsortedAndEveryEdgeEndMovesOnce) {
     transformBOX(box, m);
     EXPECT_EQ(box.xmin, 9.0);  // not re-sorted: now above xmax
     EXPECT_EQ(box.xmax, 7.0);
-    EXPECT_EQ(box.ymin, 1.0);
     EXPECT_EQ(box.ymax, 3.0);
-
     BOX unit;
     unit.set(0, 1, 0, 1);
     convex* poly = convertBox2Convex(&unit);
     poly->next = convertBox2Convex(&unit);
     transformConvex(poly, m);
     for (const convex* p = poly; p != nullptr; p = p->next) {
-        const std::vector<VoGePoint3D> c = cornersOf(p);
-        EXPECT_TRUE(near3(c[1], VoGePoint3D(9, 1, 0), kExact));
-        // Each corner is held by two edges: both copies moved, and only once.
-        EXPECT_TRUE(near3(p->edges->end, c[1], kExact));
+        // Both edges holding the corner (1, 0) moved it, each once.
+        EXPECT_TRUE(near3(p->edges->end, VoGePoint3D(9, 1, 0), 0.0));
+        EXPECT_TRUE(near3(p->edges->next->start, VoGePoint3D(9, 1, 0), 0.0));
     }
     freeConvex(poly);
-    transformConvex(nullptr, m);
 }
 
 TEST(LinesAndPieces, EdgesBecomePiecesAndIntervalsBecomeEdges) {
@@ -92,48 +80,35 @@ TEST(LinesAndPieces, EdgesBecomePiecesAndIntervalsBecomeEdges) {
     edges->next->start = VoGePoint3D(1, 0, 0);
     edges->next->end = VoGePoint3D(1, 1, 0);
     line_cut* pieces = transLine(edges);
-    ASSERT_NE(pieces, nullptr);
     ASSERT_NE(pieces->next, nullptr);
     EXPECT_EQ(pieces->next->next, nullptr);
-    EXPECT_TRUE(near3(pieces->next->end, VoGePoint3D(1, 1, 0), kExact));
-    EXPECT_EQ(pieces->params->t1, 1.0);
+    EXPECT_TRUE(near3(pieces->next->end, VoGePoint3D(1, 1, 0), 0.0));
+    EXPECT_TRUE(vgtest::sameIntervals(vgtest::intervalsOf(pieces->params), {{0, 1}}, 0.0));
     freeLineCut(pieces);
     vgtest::forEachAllocationFailure([&] { freeLineCut(transLine(edges)); });
-    // A ring is converted once round.
-    edges->next->next = edges;
+    edges->next->next = edges;  // a ring is converted once round
     pieces = transLine(edges);
-    int count = 0;
-    for (const line_cut* p = pieces; p != nullptr; p = p->next)
-        ++count;
-    EXPECT_EQ(count, 2);
+    EXPECT_EQ(pieces->next->next, nullptr);
     freeLineCut(pieces);
     freeLine(edges);
 
     line_cut* lc = mallocLineCut(VoGePoint3D(0, 0, 0), VoGePoint3D(10, 0, 0));
-    lc->params->t1 = 0.2;
-    lc->params->next = mallocParamt(false);
-    lc->params->next->t0 = 0.5;
+    freeParamt(lc->params);
+    lc->params = vgtest::listOf({{0, 0.2}, {0.5, 1}});
     lc->next = mallocLineCut();  // no intervals: contributes nothing
     line* out = transLineCut(lc);
-    ASSERT_NE(out, nullptr);
     ASSERT_NE(out->next, nullptr);
     EXPECT_EQ(out->next->next, nullptr);
-    EXPECT_TRUE(near3(out->start, VoGePoint3D(0, 0, 0), kExact));
-    EXPECT_TRUE(near3(out->end, VoGePoint3D(2, 0, 0), kExact));
-    EXPECT_TRUE(near3(out->next->start, VoGePoint3D(5, 0, 0), kExact));
-    EXPECT_TRUE(near3(out->next->end, VoGePoint3D(10, 0, 0), kExact));
+    EXPECT_TRUE(near3(out->end, VoGePoint3D(2, 0, 0), 0.0));
+    EXPECT_TRUE(near3(out->next->start, VoGePoint3D(5, 0, 0), 0.0));
+    EXPECT_TRUE(near3(out->next->end, VoGePoint3D(10, 0, 0), 0.0));
     freeLine(out);
     vgtest::forEachAllocationFailure([&] { freeLine(transLineCut(lc)); });
-
     paramt* copy = copyParamt(lc->params);
     EXPECT_EQ(vgtest::intervalsOf(copy), vgtest::intervalsOf(lc->params));
-    EXPECT_NE(copy, lc->params);
     freeParamt(copy);
     vgtest::forEachAllocationFailure([&] { freeParamt(copyParamt(lc->params)); });
     freeLineCut(lc);
-    EXPECT_EQ(copyParamt(nullptr), nullptr);
-    EXPECT_EQ(transLine(nullptr), nullptr);
-    EXPECT_EQ(transLineCut(nullptr), nullptr);
 }
 
 }  // namespace

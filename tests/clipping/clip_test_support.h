@@ -39,20 +39,13 @@ inline geolib::paramt* listOf(const Intervals& iv) {
 /// Both lists hold the same intervals, end by end within tol.
 inline ::testing::AssertionResult sameIntervals(const Intervals& got, const Intervals& want,
                                                 double tol) {
-    auto show = [](const Intervals& iv) {
-        std::string s;
-        for (const auto& i : iv)
-            s += "[" + std::to_string(i.first) + ", " + std::to_string(i.second) + "] ";
-        return s;
-    };
     bool same = got.size() == want.size();
     for (std::size_t k = 0; same && k < got.size(); ++k) {
         same = std::fabs(got[k].first - want[k].first) <= tol &&
                std::fabs(got[k].second - want[k].second) <= tol;
     }
-    if (same)
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "got " << show(got) << "want " << show(want);
+    return same ? ::testing::AssertionSuccess()
+                : ::testing::AssertionFailure() << ::testing::PrintToString(got);
 }
 
 /// A polygon through the corners (x, y) at z = 0, in the given order.
@@ -70,8 +63,9 @@ inline std::vector<VoGePoint3D> cornersOf(const geolib::convex* poly) {
     return pts;
 }
 
-/// Signed plan area (positive counter-clockwise) of a closed point ring.
-inline double signedArea(const std::vector<VoGePoint3D>& pts) {
+/// Signed plan area (positive counter-clockwise) of the first polygon of the list.
+inline double signedArea(const geolib::convex* poly) {
+    const std::vector<VoGePoint3D> pts = cornersOf(poly);
     double a = 0.0;
     for (std::size_t i = 0, n = pts.size(); i < n; ++i)
         a += pts[i].x * pts[(i + 1) % n].y - pts[(i + 1) % n].x * pts[i].y;
