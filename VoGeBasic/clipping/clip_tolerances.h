@@ -13,6 +13,38 @@ constexpr double kFullTurn = 6.283185307179586;
 /// Sentinels of the empty plane box: minima start here and maxima at its negation.
 constexpr double kEmptyBoxMin = 1e21;
 
+// ---- interval lists ----------------------------------------------------------------------------
+/// Two interval ends closer than this (strict) are the same end; a range shorter than this is
+/// no range. One value for lines and arcs.
+constexpr double kIntervalEndTol = 1e-6;
+
+// ---- trimming against convex polygons ----------------------------------------------------------
+/// Side-of-edge values, parameters along a piece and plan extents of a piece: below this
+/// (strict, or inclusive where the code says so) they count as zero.
+constexpr double kSideTol = 1e-4;
+/// polygonTrimArc: an angle this close to 0 (strict) closes a run at the full turn.
+constexpr double kArcAngleTol = 1e-6;
+/// polygonTrimArc cuts the arc into chords of about this length ...
+constexpr double kTrimChordLength = 0.5;
+/// ... and at most this many of them.
+constexpr int kTrimMaxChords = 1000;
+/// divide_arc2line never makes fewer chords than this, whatever the caller's maximum.
+constexpr int kMinChords = 4;
+
+// ---- splitting outlines into convex polygons ---------------------------------------------------
+/// ConvexIdentify: shorter edges have no direction, smaller sines are straight corners, points
+/// closer than this to a line lie on it and hits closer than this to a vertex snap to it.
+constexpr double kSplitTol = 0.001;
+/// ConvexIdentify: the start of the search for the nearest hit, beyond any drawing.
+constexpr double kSplitFar = 1e12;
+
+// ---- view boxes --------------------------------------------------------------------------------
+/// viewBoxTrimLine: a view shows the piece as a point when both of its coordinate differences
+/// are below this (strict).
+constexpr double kViewPointTol = 0.01;
+/// The unset range of viewBoxTrimLine, the empty-box sentinels again.
+constexpr double kUnsetRange = 1e21;
+
 }  // namespace clip
 }  // namespace geolib
 

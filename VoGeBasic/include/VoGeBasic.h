@@ -21,7 +21,11 @@
 #include "geolib_spatial.h"
 
 // Clipping records, intervals and trimming
+#include "clip_convert.h"
+#include "clip_params.h"
 #include "clip_records.h"
+#include "clip_trim.h"
+#include "clip_viewbox.h"
 
 // Hidden-line model: records and tessellators
 #include "hd_records.h"

@@ -1,0 +1,154 @@
+#include "clip_params.h"
+
+#include <gtest/gtest.h>
+
+#include "clipping/clip_test_support.h"
+#include "support/alloc_hook.h"
+
+namespace {
+
+using namespace geolib;
+using vgtest::Intervals;
+using vgtest::intervalsOf;
+using vgtest::listOf;
+using vgtest::sameIntervals;
+
+constexpr double kTwoPi = 6.283185307179586;
+constexpr double kEndTol = 1e-6;  // interval ends closer than this are the same end
+
+// One cut [a, b] on a list; the expected result and return value.
+struct Cut {
+    const char* id;
+    Intervals list;
+    double a, b;
+    bool ok;
+    Intervals want;
+};
+
+void runCuts(const std::vector<Cut>& cuts, bool isArc) {
+    for (const Cut& c : cuts) {
+        SCOPED_TRACE(c.id);
+        paramt* list = listOf(c.list);
+        EXPECT_EQ(subParamt(list, c.a, c.b, isArc), c.ok);
+        EXPECT_TRUE(sameIntervals(intervalsOf(list), c.want, 0.0));
+        freeParamt(list);
+    }
+}
+
+TEST(SubParamt, LineCutsShortenSplitRemoveOrRefuse) {
+    const double in = 0.5 * kEndTol;   // inside the tolerance
+    const double out = 2.0 * kEndTol;  // outside it
+    runCuts({{"split", {{0, 1}}, .25, .5, true, {{0, .25}, {.5, 1}}},
+             {"across a gap", {{0, .25}, {.5, 1}}, .4, .6, true, {{0, .25}, {.6, 1}}},
+             {"everything", {{0, .25}, {.6, 1}}, 0, 1, true, {}},
+             {"many", {{0, .2}, {.3, .4}, {.5, .6}, {.7, 1}}, .1, .8, true, {{0, .1}, {.8, 1}}},
+             {"exact cover", {{.2, .4}, {.6, .8}}, .2 + in, .4, true, {{.6, .8}}},
+             {"too short", {{0, 1}}, .5, .5 + in, false, {{0, 1}}},
+             {"just long enough", {{0, 1}}, .5, .5 + out, true, {{0, .5}, {.5 + out, 1}}},
+             {"reversed", {{0, 1}}, .6, .4, false, {{0, 1}}},
+             {"touching the end", {{0, 1}}, 1, 1.5, true, {{0, 1}}},
+             {"within tol of the end", {{0, 1}}, 1 - in, 1.5, true, {{0, 1}}},
+             {"past tol of the end", {{0, 1}}, 1 - out, 1.5, true, {{0, 1 - out}}},
+             {"within tol of the start", {{0, 1}}, -.5, in, true, {{0, 1}}}},
+            false);
+}
+
+TEST(SubParamt, ArcCutsWrapThroughAngleZero) {
+    // A wrapping cut trims a plain interval only at its start: the part above 5.5 stays.
+    runCuts({{"wrapping cut", {{0, kTwoPi}}, 5.5, .5, true, {{.5, kTwoPi}}},
+             {"wrapping interval split", {{4, 1}}, 0, .5, true, {{4, 0}, {.5, 1}}},
+             {"reversed is a wrap", {{1, 2}}, 1.5, 1.2, true, {{1.2, 2}}},
+             {"too short", {{-1, .5}}, 3, 3 + .5 * kEndTol, false, {{-1, .5}}},
+             // A cut that meets nothing still brings starts below 0 into the turn.
+             {"normalisation", {{-1, .5}, {1, 2}}, 3, 4, true, {{kTwoPi - 1, .5}, {1, 2}}}},
+            true);
+}
+
+TEST(SubParamt, FailedSplitLeavesTheIntervalWhole) {
+    for (bool isArc : {false, true}) {
+        SCOPED_TRACE(isArc);
+        paramt* list = listOf({{-0.5, 1}});
+        {
+            vgtest::AllocationWatch watch(1);
+            EXPECT_FALSE(subParamt(list, 0.25, 0.5, isArc));
+        }
+        // Nothing shortened, and no normalisation pass on the arc.
+        EXPECT_TRUE(sameIntervals(intervalsOf(list), {{-0.5, 1}}, 0.0));
+        freeParamt(list);
+    }
+}
+
+TEST(CutParamt, LineFormAlwaysReportsSuccessArcFormPassesTheResultOn) {
+    line_cut* lc = mallocLineCut(VoGePoint3D(0, 0, 0), VoGePoint3D(1, 0, 0));
+    EXPECT_TRUE(cutPipeParamt(lc, 0.6, 0.4));
+    EXPECT_TRUE(cutPipeParamt(nullptr, 0.2, 0.4));
+    EXPECT_TRUE(cutPipeParamt(lc, 0.2, 0.4));
+    EXPECT_TRUE(sameIntervals(intervalsOf(lc->params), {{0, 0.2}, {0.4, 1}}, 0.0));
+    freeLineCut(lc);
+    const double c[3] = {0, 0, 0};
+    arc_cut* ac = mallocArcCut(c, 1.0, 0.0, kTwoPi);
+    EXPECT_FALSE(cutArcParamt(ac, 1.0, 1.0));
+    EXPECT_TRUE(cutArcParamt(ac, 1.0, 2.0));
+    EXPECT_FALSE(cutArcParamt(nullptr, 1.0, 2.0));
+    freeArcCut(ac);
+}
+
+TEST(GetHideParamt, GapsAreTheComplementUpToTheFullEnd) {
+    struct Case {
+        const char* id;
+        Intervals visible;
+        double a, b;
+        bool isArc;
+        Intervals want;
+    } cases[] = {
+        {"one visible in the middle", {{0.2, 0.4}}, 0, 1, false, {{0, 0.2}, {0.4, 1}}},
+        {"all visible", {{0, 1}}, 0, 1, false, {}},
+        {"nothing visible: the full line", {}, 0.3, 0.6, false, {{0, 1}}},
+        {"nothing visible: the full turn", {}, 1.0, 2.0, true, {{0, kTwoPi}}},
+        {"b is not used", {{0.2, 0.4}}, 0, 0.5, false, {{0, 0.2}, {0.4, 1}}},
+        {"arc closes at 2pi, not at b", {{1.5, 2}}, 1, 3, true, {{1, 1.5}, {2, kTwoPi}}},
+        {"no closing gap from near 0", {{0.5, 0.5 * kEndTol}}, 0.5, 1, false, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.id);
+        paramt* list = listOf(c.visible);
+        paramt* gaps = getHideParamt(list, c.a, c.b, c.isArc);
+        EXPECT_TRUE(sameIntervals(intervalsOf(gaps), c.want, 0.0));
+        freeParamt(gaps);
+        freeParamt(list);
+    }
+}
+
+TEST(GetHideParamt, WrappersReadThePieceAndGiveBackPartialListsOnFailure) {
+    line_cut* lc = mallocLineCut(VoGePoint3D(0, 0, 0), VoGePoint3D(1, 0, 0));
+    lc->params->t0 = 0.2;
+    lc->params->t1 = 0.4;
+    paramt* gaps = getHideParamLine(lc);
+    EXPECT_TRUE(sameIntervals(intervalsOf(gaps), {{0, 0.2}, {0.4, 1}}, 0.0));
+    freeParamt(gaps);
+    vgtest::forEachAllocationFailure([&] { freeParamt(getHideParamLine(lc)); });
+    freeLineCut(lc);
+    const double c[3] = {0, 0, 0};
+    arc_cut* ac = mallocArcCut(c, 1.0, 1.0, 3.0);
+    gaps = getHideParamArc(ac);
+    EXPECT_TRUE(sameIntervals(intervalsOf(gaps), {{3, kTwoPi}}, 0.0));
+    freeParamt(gaps);
+    freeArcCut(ac);
+    EXPECT_EQ(getHideParamLine(nullptr), nullptr);
+}
+
+TEST(FindFitParamt, FirstIntervalHoldingAnEndOrLyingWithin) {
+    paramt* list = listOf({{0, 0.25}, {0.6, 1}, {1.2, 1.3}});
+    paramt* second = list->next;
+    EXPECT_EQ(findFitParamt(list, 0.3, 0.5), nullptr);
+    EXPECT_EQ(findFitParamt(list, 0.2, 0.7), list);
+    EXPECT_EQ(findFitParamt(list, 0.3, 0.65), second);                // holds b
+    EXPECT_EQ(findFitParamt(list, 1.1, 1.4), second->next);           // lies within
+    EXPECT_EQ(findFitParamt(list, 0.25 + 0.5 * kEndTol, 0.5), list);  // a on the end
+    EXPECT_EQ(findFitParamt(list, 0.25 + 2 * kEndTol, 0.5), nullptr);
+    EXPECT_EQ(findFitParamt(list, 0.5, 0.4), nullptr);
+    EXPECT_EQ(findFitParamt(list, 0.1, 0.1 + 0.5 * kEndTol), nullptr);
+    freeParamt(list);
+}
+
+}  // namespace

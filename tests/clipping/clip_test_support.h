@@ -1,0 +1,77 @@
+// Building polygons and reading interval lists in the clipping tests.
+#ifndef VOGEBASIC_TESTS_CLIP_TEST_SUPPORT_H
+#define VOGEBASIC_TESTS_CLIP_TEST_SUPPORT_H
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "clip_convert.h"
+#include "clip_records.h"
+
+namespace vgtest {
+
+using Intervals = std::vector<std::pair<double, double>>;
+
+/// The intervals of a list, in list order.
+inline Intervals intervalsOf(const geolib::paramt* list) {
+    Intervals out;
+    for (const geolib::paramt* p = list; p != nullptr; p = p->next)
+        out.emplace_back(p->t0, p->t1);
+    return out;
+}
+
+/// A list with the given intervals (for a test: allocations are not checked).
+inline geolib::paramt* listOf(const Intervals& iv) {
+    geolib::paramt* head = nullptr;
+    geolib::paramt** link = &head;
+    for (const auto& i : iv) {
+        *link = geolib::mallocParamt(false);
+        (*link)->t0 = i.first;
+        (*link)->t1 = i.second;
+        link = &(*link)->next;
+    }
+    return head;
+}
+
+/// Both lists hold the same intervals, end by end within tol.
+inline ::testing::AssertionResult sameIntervals(const Intervals& got, const Intervals& want,
+                                                double tol) {
+    bool same = got.size() == want.size();
+    for (std::size_t k = 0; same && k < got.size(); ++k) {
+        same = std::fabs(got[k].first - want[k].first) <= tol &&
+               std::fabs(got[k].second - want[k].second) <= tol;
+    }
+    return same ? ::testing::AssertionSuccess()
+                : ::testing::AssertionFailure() << ::testing::PrintToString(got);
+}
+
+/// A polygon through the corners (x, y) at z = 0, in the given order.
+inline geolib::convex* polygonOf(const std::vector<std::pair<double, double>>& xy) {
+    std::vector<VoGePoint3D> pts;
+    for (const auto& p : xy)
+        pts.emplace_back(p.first, p.second, 0.0);
+    return geolib::transPtArray2Convex(pts);
+}
+
+/// The corners of the first polygon of the list, in ring order.
+inline std::vector<VoGePoint3D> cornersOf(const geolib::convex* poly) {
+    std::vector<VoGePoint3D> pts;
+    geolib::transConvex2PtArray(poly, pts);
+    return pts;
+}
+
+/// Signed plan area (positive counter-clockwise) of the first polygon of the list.
+inline double signedArea(const geolib::convex* poly) {
+    const std::vector<VoGePoint3D> pts = cornersOf(poly);
+    double a = 0.0;
+    for (std::size_t i = 0, n = pts.size(); i < n; ++i)
+        a += pts[i].x * pts[(i + 1) % n].y - pts[(i + 1) % n].x * pts[i].y;
+    return 0.5 * a;
+}
+
+}  // namespace vgtest
+
+#endif  // VOGEBASIC_TESTS_CLIP_TEST_SUPPORT_H

@@ -1,0 +1,225 @@
+#include "clip_trim.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "clip_params.h"
+#include "clipping/clip_test_support.h"
+#include "support/alloc_hook.h"
+#include "support/geom_expect.h"
+
+namespace {
+
+using namespace geolib;
+using vgtest::Intervals;
+using vgtest::intervalsOf;
+using vgtest::polygonOf;
+using vgtest::sameIntervals;
+
+constexpr double kTwoPi = 6.283185307179586;
+constexpr double kPi = 3.141592653589793;
+constexpr double kParamTol = 1e-9;  // crossings computed from exact side values
+constexpr double kSideTol = 1e-4;   // the trimming's own side tolerance
+
+convex* square(double x0, double y0, double size) {
+    BOX b;
+    b.set(x0, x0 + size, y0, y0 + size);
+    return convertBox2Convex(&b);
+}
+
+struct TrimCase {
+    const char* id;
+    VoGePoint3D s, e;
+    Intervals visible;
+};
+
+void expectVisible(convex* polys, const TrimCase& c) {
+    SCOPED_TRACE(c.id);
+    line_cut* piece = polygonTrimLine(polys, c.s, c.e);
+    ASSERT_NE(piece, nullptr);
+    EXPECT_TRUE(sameIntervals(intervalsOf(piece->params), c.visible, kParamTol));
+    freeLineCut(piece);
+}
+
+TEST(PolygonTrimLine, SquareHidesWhatLiesInsideIt) {
+    convex* sq = square(0, 0, 10);
+    const TrimCase cases[] = {
+        {"inside", {2, 2, 0}, {8, 3, 0}, {}},
+        {"outside", {-5, -5, 0}, {-1, 20, 0}, {{0, 1}}},
+        {"outside to centre", {-10, 5, 0}, {5, 5, 0}, {{0, 2.0 / 3}}},
+        {"centre to outside", {5, 5, 0}, {5, 20, 0}, {{1.0 / 3, 1}}},
+        {"through", {-5, 5, 0}, {15, 5, 0}, {{0, .25}, {.75, 1}}},
+        {"through two corners", {-5, -5, 0}, {15, 15, 0}, {{0, .25}, {.75, 1}}},
+        {"touching a corner", {-5, 5, 0}, {5, -5, 0}, {{0, 1}}},
+        {"ending on an edge", {5, -5, 0}, {5, 0, 0}, {{0, 1}}},
+        {"on an edge's line beyond it", {10, 0, 0}, {15, 0, 0}, {{0, 1}}},
+        // A stretch along an edge runs over the outline: hidden.
+        {"along part of an edge", {-5, 0, 0}, {15, 0, 0}, {{0, .25}, {.75, 1}}},
+        {"along a whole edge", {0, 10, 0}, {10, 10, 0}, {}},
+        {"a point in the plan", {5, 5, 0}, {5 + 0.5 * kSideTol, 5, 9}, {{0, 1}}},
+        {"just over a point", {5, 5, 0}, {5 + 2 * kSideTol, 5, 0}, {}},
+    };
+    for (const TrimCase& c : cases)
+        expectVisible(sq, c);
+    freeConvex(sq);
+}
+
+TEST(PolygonTrimLine, RotatedSquareAndTriangleHideBetweenHandComputedEntryAndExit) {
+    // The diamond |x| + |y| <= 5: y = 1 meets it at x = -4 and 4; x = 2 leaves it at y = 3.
+    convex* diamond = polygonOf({{5, 0}, {0, 5}, {-5, 0}, {0, -5}});
+    expectVisible(diamond, {"diamond across", {-10, 1, 0}, {10, 1, 0}, {{0, .3}, {.7, 1}}});
+    expectVisible(diamond, {"diamond from inside", {2, 0, 0}, {2, 7, 0}, {{3.0 / 7, 1}}});
+    // The triangle (0,0), (10,0), (0,10): y = 2 enters at x = 0 and leaves at x = 8; x = 2
+    // leaves at y = 8.
+    convex* tri = polygonOf({{0, 0}, {10, 0}, {0, 10}});
+    expectVisible(tri, {"triangle across", {-2, 2, 0}, {12, 2, 0}, {{0, 1.0 / 7}, {5.0 / 7, 1}}});
+    expectVisible(tri, {"triangle from inside", {2, 2, 0}, {2, 20, 0}, {{1.0 / 3, 1}}});
+    expectVisible(tri, {"triangle into inside", {2, 20, 0}, {2, 2, 0}, {{0, 2.0 / 3}}});
+    expectVisible(tri, {"triangle missed", {6, 6, 0}, {20, 1, 0}, {{0, 1}}});
+    freeConvex(diamond);
+    freeConvex(tri);
+}
+
+TEST(ConvexTrimLineSeg, PieceCrossingSeveralPolygonsKeepsTheGapsBetweenThem) {
+    // Along y = 1 from x = -1 to 11: a square over 0..2, an overlapping pair over 4..7 and a
+    // diamond over 8..10.
+    convex* polys = square(0, 0, 2);
+    polys->next = square(4, -1, 2);
+    polys->next->next = square(5, -1, 2);
+    polys->next->next->next = polygonOf({{10, 1}, {9, 2}, {8, 1}, {9, 0}});
+    line_cut* pieces = mallocLineCut(VoGePoint3D(-1, 1, 0), VoGePoint3D(11, 1, 0));
+    pieces->next = mallocLineCut(VoGePoint3D(.5, .5, 0), VoGePoint3D(1.5, 1.5, 0));
+    EXPECT_TRUE(convexTrimLineSeg(polys, pieces));
+    const Intervals want = {
+        {0, 1.0 / 12}, {3.0 / 12, 5.0 / 12}, {8.0 / 12, 9.0 / 12}, {11.0 / 12, 1}};
+    EXPECT_TRUE(sameIntervals(intervalsOf(pieces->params), want, kParamTol));
+    EXPECT_EQ(pieces->next->params, nullptr);  // wholly inside the first square
+    // Visible and hidden stretches make up the whole piece.
+    paramt* hidden = getHideParamLine(pieces);
+    double total = 0.0;
+    for (const auto& i : intervalsOf(hidden))
+        total += i.second - i.first;
+    for (const auto& i : intervalsOf(pieces->params))
+        total += i.second - i.first;
+    EXPECT_NEAR(total, 1.0, kParamTol);
+    freeParamt(hidden);
+    // No polygons, or a polygon without edges, hide nothing.
+    convex* empty = mallocConvex();
+    EXPECT_TRUE(convexTrimLineSeg(nullptr, pieces));
+    EXPECT_TRUE(convexTrimLineSeg(empty, pieces));
+    EXPECT_TRUE(sameIntervals(intervalsOf(pieces->params), want, kParamTol));
+    freeConvex(empty);
+    freeLineCut(pieces);
+    freeConvex(polys);
+}
+
+TEST(Box2DTrimLine, ReportsTheOneHiddenRange) {
+    convex* sq = square(0, 0, 10);
+    struct Case {
+        const char* id;
+        double s[3], e[3];
+        double u0, u1;
+    } cases[] = {
+        {"wholly hidden", {2, 2, 0}, {8, 8, 0}, 0, 1},
+        {"nothing hidden: empty range", {-5, -5, 0}, {-1, 20, 0}, 1, 0},
+        {"hidden tail", {-10, 5, 0}, {5, 5, 0}, 2.0 / 3, 1},
+        {"hidden head", {5, 5, 0}, {5, 20, 0}, 0, 1.0 / 3},
+        {"hidden middle", {-5, 5, 0}, {15, 5, 0}, .25, .75},
+    };
+    for (Case& c : cases) {
+        SCOPED_TRACE(c.id);
+        double u0 = -7;
+        double u1 = -7;
+        EXPECT_TRUE(box2DTrimLine(sq, c.s, c.e, u0, u1));
+        EXPECT_NEAR(u0, c.u0, kParamTol);
+        EXPECT_NEAR(u1, c.u1, kParamTol);
+    }
+    vgtest::forEachAllocationFailure([&] {
+        double u0 = -7;
+        double u1 = -7;
+        const bool ok = box2DTrimLine(sq, cases[4].s, cases[4].e, u0, u1);
+        EXPECT_EQ(u0, ok ? .25 : -7.0);  // untouched on failure
+    });
+    freeConvex(sq);
+}
+
+TEST(DivideArc2Line, ChordCountFollowsLengthWithinTheBounds) {
+    const double c[3] = {1, 2, 3};
+    auto countOf = [](line_cut* chords) {
+        int n = 0;
+        for (line_cut* p = chords; p != nullptr; p = p->next)
+            ++n;
+        freeLineCut(chords);
+        return n;
+    };
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(countOf(divide_arc2line(c, 10, 0, kPi / 2, .5, 1000)), 32);  // 32.4 truncated
+    EXPECT_EQ(countOf(divide_arc2line(c, 10, 0, kPi / 2, .5, 20)), 20);
+    EXPECT_EQ(countOf(divide_arc2line(c, 10, 0, kPi / 2, .5, 2)), 4);
+    EXPECT_EQ(countOf(divide_arc2line(c, 10, 0, kPi / 2, 100, 1000)), 4);
+    EXPECT_EQ(countOf(divide_arc2line(c, nan, 0, kPi / 2, .5, 1000)), 4);
+    EXPECT_EQ(countOf(divide_arc2line(c, -10, 0, kPi / 2, .5, 1000)), 4);
+    EXPECT_EQ(countOf(divide_arc2line(c, inf, 0, kPi / 2, .5, 50)), 50);
+    EXPECT_EQ(countOf(divide_circle2line(c, 1, .5, 1000)), 13);  // 13.6 truncated
+    EXPECT_EQ(divide_arc2line(nullptr, 1, 0, 1, .5, 10), nullptr);
+}
+
+TEST(DivideArc2Line, ChordsChainFromStartToEndThroughAngleZero) {
+    const double c[3] = {1, 2, 3};
+    const double r = 4;
+    line_cut* chords = divide_arc2line(c, r, 3 * kPi / 2, kPi / 2, .5, 1000);
+    ASSERT_NE(chords, nullptr);
+    EXPECT_TRUE(vgtest::near3(chords->start, VoGePoint3D(1, -2, 3), 1e-12));
+    const line_cut* last = chords;
+    for (const line_cut* p = chords; p != nullptr; last = p, p = p->next) {
+        EXPECT_NEAR(p->end.distanceTo(VoGePoint3D(c)), r, 1e-12);
+        EXPECT_GT(p->end.x, 1.0 - 1e-12);  // the right half only, at the centre's height
+        EXPECT_EQ(p->end.z, 3.0);
+        EXPECT_TRUE(p->next == nullptr || vgtest::near3(p->end, p->next->start, 0.0));
+    }
+    EXPECT_EQ(last->end.x, 1 + r * std::cos(kPi / 2));  // the end angle exactly
+    freeLineCut(chords);
+    vgtest::forEachAllocationFailure([&] { freeLineCut(divide_arc2line(c, 1, 0, 1, .2, 10)); });
+}
+
+TEST(PolygonTrimArc, VisibleRunsOfWholeChordsBecomeAngularIntervals) {
+    double c[3] = {0, 0, 0};
+    const double r = 10;
+    // A square over 8..12 by -2..2 hides the circle where |10 sin a| <= 2, about angle 0. A
+    // partly hidden chord counts as hidden: the run starts and ends on whole chords.
+    convex* sq = square(8, -2, 4);
+    const double edge = std::asin(0.2);
+    const double chordAngle = kTwoPi / 126;  // 2pi * 10 / 0.5 + 1 = 126.6 chords
+    arc_cut* circ = polygonTrimCircle(sq, c, r);
+    ASSERT_NE(circ, nullptr);
+    EXPECT_EQ(circ->endAngle, kTwoPi);
+    const Intervals iv = intervalsOf(circ->params);
+    ASSERT_EQ(iv.size(), 1u);
+    EXPECT_GE(iv[0].first, edge);
+    EXPECT_LT(iv[0].first, edge + chordAngle);
+    EXPECT_LE(iv[0].second, kTwoPi - edge);
+    EXPECT_GT(iv[0].second, kTwoPi - edge - chordAngle);
+    freeArcCut(circ);
+    vgtest::forEachAllocationFailure([&] { freeArcCut(polygonTrimArc(sq, c, r, 0, kTwoPi)); });
+
+    // Clear of the polygons: the run from angle 0 closes the full circle at 2pi; an arc keeps
+    // its own range; one wholly hidden has no intervals.
+    sq->next = square(-20, -20, 1);
+    circ = polygonTrimCircle(sq->next, c, r);
+    EXPECT_TRUE(sameIntervals(intervalsOf(circ->params), {{0, kTwoPi}}, 0.0));
+    freeArcCut(circ);
+    arc_cut* a = polygonTrimArc(sq, c, r, kPi / 2, kPi);
+    EXPECT_TRUE(sameIntervals(intervalsOf(a->params), {{kPi / 2, kPi}}, 1e-12));
+    EXPECT_EQ(a->startAngle, kPi / 2);
+    freeArcCut(a);
+    a = polygonTrimArc(sq, c, r, -0.1, 0.1);
+    EXPECT_EQ(a->params, nullptr);
+    freeArcCut(a);
+    EXPECT_EQ(polygonTrimArc(sq, nullptr, r, 0, 1), nullptr);
+    freeConvex(sq);
+}
+
+}  // namespace
