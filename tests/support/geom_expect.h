@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 namespace vgtest {
 
@@ -16,6 +17,28 @@ template <class A, class B>
         return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "(" << a.x << ", " << a.y << ", " << a.z << ") vs ("
                                          << b.x << ", " << b.y << ", " << b.z << ")";
+}
+
+/// The point a is (x, y, z) within tol.
+template <class A>
+::testing::AssertionResult near3(const A& a, double x, double y, double z, double tol) {
+    struct {
+        double x, y, z;
+    } b{x, y, z};
+    return near3(a, b, tol);
+}
+
+/// Both sequences hold the same points in the same order, each within tol.
+template <class A, class B>
+::testing::AssertionResult samePoints(const std::vector<A>& got, const std::vector<B>& want,
+                                      double tol) {
+    if (got.size() != want.size())
+        return ::testing::AssertionFailure() << got.size() << " points, not " << want.size();
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        if (!near3(got[i], want[i], tol))
+            return near3(got[i], want[i], tol) << " at point " << i;
+    }
+    return ::testing::AssertionSuccess();
 }
 
 }  // namespace vgtest
