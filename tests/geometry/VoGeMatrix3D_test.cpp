@@ -6,7 +6,6 @@
 #include <limits>
 #include <vector>
 
-#include "geometry/matrix_cofactors.h"
 #include "support/geom_expect.h"
 
 namespace {
@@ -168,24 +167,6 @@ TEST(VoGeMatrix3DInverse, GeneralInverseMultipliesBackAndSingularIsZeroWithoutTo
     b(2, 2) = 1e-300;  // tiny but not zero: inverted
     EXPECT_DOUBLE_EQ(b.inverse()(2, 2), 1e300);
     EXPECT_EQ(b.inverse()(0, 0), 1.0);
-}
-
-TEST(VoGeMatrix3DInverse, CofactorRoutinesOnSmallBlocks) {
-    using namespace geolib::geometry;
-    const double one[16] = {4};
-    EXPECT_EQ(matDeterminant(one, 1), 4.0);
-    double adj[16] = {};
-    matAdjoint(one, 1, adj);
-    EXPECT_EQ(adj[0], 1.0);
-    // 2x2 at stride 4: [[1, 2], [3, 4]] has inverse [[-2, 1], [1.5, -0.5]].
-    const double two[16] = {1, 2, 0, 0, 3, 4};
-    double inv[16] = {};
-    ASSERT_TRUE(matInverse(two, 2, inv));
-    EXPECT_TRUE(inv[0] == -2.0 && inv[1] == 1.0 && inv[4] == 1.5 && inv[5] == -0.5);
-    double untouched[16] = {7};
-    const double singular[16] = {1, 2, 0, 0, 2, 4};
-    EXPECT_FALSE(matInverse(singular, 2, untouched));
-    EXPECT_EQ(untouched[0], 7.0);
 }
 
 TEST(VoGeMatrix3DInverse, RigidInverseHasASymmetricBlock) {

@@ -19,8 +19,6 @@ TEST(VoGePoint3DLayout, ExposesItsOwnThreeDoubles) {
     double out[3] = {0, 0, 0};
     p.toKestPoint(out);
     EXPECT_TRUE(near3(VoGePoint3D(out), 1, 7, 3, 0.0));
-    const double arr[3] = {4, 5, 6};
-    EXPECT_TRUE(near3(VoGePoint3D().set(arr), 4, 5, 6, 0.0));
 }
 
 TEST(VoGePoint3DArithmetic, PointsAndVectorsCombineAffinely) {

@@ -14,7 +14,7 @@ using namespace hdtest;
 
 constexpr double kPi = 3.141592653589793;
 
-TEST(HDVector, LengthSnapsNoiseAndShortVectors) {
+TEST(HDVector, SnapsFloorsAndStrictPointTests) {
     EXPECT_EQ(vecLength({1e-10, 2, 0}), 2.0);
     // A component just inside the 1e-9 snap vanishes; one just outside still counts.
     EXPECT_EQ(vecLength({2e-5, 0.5e-9, 0}), std::sqrt(2e-5 * 2e-5));
@@ -24,18 +24,14 @@ TEST(HDVector, LengthSnapsNoiseAndShortVectors) {
     EXPECT_GT(vecLength({std::sqrt(2e-10), 0, 0}), 0.0);
     EXPECT_TRUE(same(vecNormalize({1e-10, 0, 0}), {0, 0, 0}));
     EXPECT_TRUE(same(vecNormalize({3, 0, 4}), {0.6, 0, 0.8}, 1e-15));
-}
-
-TEST(HDVector, SamePointTestsAreStrictPerCoordinate) {
+    // Same-point tests are strict per coordinate: the bound itself is outside.
     EXPECT_TRUE(isSamePoint({0, 0, 0}, {0.0025, -0.0025, 0.004}));
-    EXPECT_FALSE(isSamePoint({0, 0, 0}, {0, 0, 0.005}));  // the bound itself is outside
+    EXPECT_FALSE(isSamePoint({0, 0, 0}, {0, 0, 0.005}));
     EXPECT_TRUE(isSamePointFine({0, 0, 0}, {2.5e-7, 0, -2.5e-7}));
     EXPECT_FALSE(isSamePointFine({0, 0, 0}, {0, 1e-6, 0}));
-}
-
-TEST(HDVector, Det3x3SumsInItsFixedOrder) {
+    // det3x3 sums in its fixed order: a*e*i = 1e16 takes b*f*g = 1 before c*e*g = 1e16 comes
+    // off, so the 1 is rounded away.
     EXPECT_EQ(det3x3(1, 2, 3, 4, 5, 6, 7, 8, 10), -3.0);
-    // a*e*i = 1e16 takes b*f*g = 1 before c*e*g = 1e16 comes off: the 1 is rounded away.
     EXPECT_EQ(det3x3(1e8, 1, 1e8, 0, 1e8, 1, 1, 0, 1), 0.0);
 }
 

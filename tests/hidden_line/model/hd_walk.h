@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "hd_records.h"
+#include "support/geom_expect.h"
 
 namespace hdtest {
 
@@ -43,8 +44,7 @@ inline std::vector<Face> facesOf(const geolib::_s_hd_prof_* obj) {
 }
 
 inline bool same(P a, P b, double tol = 0.0) {
-    return std::fabs(a.x - b.x) <= tol && std::fabs(a.y - b.y) <= tol &&
-           std::fabs(a.z - b.z) <= tol;
+    return vgtest::near3(a, b, tol);
 }
 
 /// Each line i runs from corner lines[i][0] to corner lines[i][1] (owner -1); each face i

@@ -38,16 +38,9 @@ TEST(EpDivideBox, CornersLinesAndFacesComeInTheFixedOrder) {
         _s_hd_prof_* box = ep_divide_box(1, 2, 3, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, flag);
         ASSERT_NE(box, nullptr);
         expectBox(box, {1, 0, 2, 0, h > 0 ? h : 0, h > 0 ? 0 : h});
-        expectOrders(box,
-                     {{0, 0, 0},
-                      {1, 0, 0},
-                      {1, 2, 0},
-                      {0, 2, 0},
-                      {0, 0, h},
-                      {1, 0, h},
-                      {1, 2, h},
-                      {0, 2, h}},
-                     edges, faces);
+        const std::vector<P> corners = {{0, 0, 0}, {1, 0, 0}, {1, 2, 0}, {0, 2, 0},
+                                        {0, 0, h}, {1, 0, h}, {1, 2, h}, {0, 2, h}};
+        expectOrders(box, corners, edges, faces);
         expectWinding(box, {0.5, 1, h / 2}, flag != 0 ? 1.0 : -1.0);
         freeHDProfObjectPointer(box);
     }
