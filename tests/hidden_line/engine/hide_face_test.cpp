@@ -98,14 +98,6 @@ TEST(GetLinePlaneInter, MeetsThePlaneOrGivesNaN) {
     EXPECT_TRUE(std::isnan(none.x) && std::isnan(none.z));
 }
 
-TEST(CrossProjections, CrossingOnTheLineAndEdgeDepth) {
-    const ProjCrossing x = crossProjections({0, 1, 4}, {4, 1, 8}, {1, 0, 0}, {1, 4, 2});
-    ASSERT_FALSE(x.parallel);
-    EXPECT_TRUE(near(x.onLine, {1, 1, 5}) && near(x.onEdge, {1, 1, 0.5}));
-    EXPECT_TRUE(crossProjections({0, 1, 4}, {4, 1, 8}, {0, 2, 0}, {3, 2, 9}).parallel);
-    EXPECT_TRUE(crossProjections({0, 1, 4}, {0, 1, 8}, {1, 0, 0}, {1, 4, 2}).parallel);
-}
-
 TEST(HideLineByFace, LineBehindASquareLosesTheCoveredMiddle) {
     const Hidden h = hiddenBy({-1, 1, 5}, {3, 1, 5}, rect(0, 0, 2, 2, 0));
     ASSERT_TRUE(h.found);
