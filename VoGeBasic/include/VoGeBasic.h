@@ -32,5 +32,6 @@
 #include "hd_tessellators.h"
 
 // Hidden-line engine: face intersection and hide pass
+#include "hd_engine.h"
 
 #endif  // VOGEBASIC_H

@@ -1,0 +1,131 @@
+// Face intersection: the segments along which the faces of a newly registered object cut the
+// faces of the objects registered before it, and its own.
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+
+#include "hd_engine.h"
+#include "hidden_line/engine/hd_engine_internal.h"
+#include "hidden_line/engine/hd_engine_tolerances.h"
+
+namespace geolib {
+
+namespace {
+
+bool isZero(_s_hd_point_ v) {
+    return v.x == 0.0 && v.y == 0.0 && v.z == 0.0;
+}
+
+// True when the 3-D boxes of two objects overlap or touch on all three axes.
+bool boxesTouch(const double* a, const double* b) {
+    for (int axis = 0; axis < 3; ++axis) {
+        if (a[2 * axis + 1] > b[2 * axis] || a[2 * axis] < b[2 * axis + 1])
+            return false;
+    }
+    return true;
+}
+
+// True when the extents of two faces overlap on all three axes (a mere touch does not count).
+bool extentsOverlap(const HDFace& f, const HDFace& g) {
+    return f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
+           f.zmax > g.zmin && f.zmin < g.zmax;
+}
+
+// Adds to pts (kept so far: kept) the points where the edges of e pierce the face `plane`.
+// Returns true once two distinct points are kept.
+bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, int& kept) {
+    for (int k = 0; k < e.count; ++k) {
+        const _s_hd_point_ a = e.v[k];
+        const _s_hd_point_ b = e.v[(k + 1) % e.count];
+        // An edge parallel to the plane meets it nowhere, or everywhere along a shared edge: the
+        // edges across it give that segment's ends.
+        if (isLineCrossPlane(a, b, plane.normal) == 0)
+            continue;
+        const _s_hd_point_ x = linePlaneInter(plane.normal, plane.v[0], a, b);
+        if (isPointOnSeg(x, a, b) == 0 || !withinXYExtents(x, plane, hd::kPierceExtentTol) ||
+            isPointInFace(x, plane.count, plane.v) == 0)
+            continue;
+        if (kept == 1 && isSamePointFine(x, pts[0]))
+            continue;
+        pts[kept++] = x;
+        if (kept == 2)
+            return true;
+    }
+    return false;
+}
+
+// The faces of obj, read once for all the registered objects. Null if the object has no face
+// to read or an allocation fails; count says how many were read.
+HDFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
+    count = 0;
+    ok = true;
+    size_t total = 0;
+    for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next)
+        ++total;
+    auto* faces = static_cast<HDFace*>(std::malloc(total * sizeof(HDFace)));
+    if (faces == nullptr) {
+        ok = false;
+        return nullptr;
+    }
+    for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
+        if (readFace(f->sect, faces[count]))
+            ++count;
+    }
+    return faces;
+}
+
+}  // namespace
+
+bool getFaceInterLine(const HDFace& f, const HDFace& g, _s_hd_point_& a, _s_hd_point_& b) {
+    if (isZero(f.normal) || isZero(g.normal))
+        return false;
+    if (std::fabs(std::fabs(vecDot(f.normal, g.normal)) - 1.0) < hd::kParallelFacesTol)
+        return false;
+    _s_hd_point_ pts[2];
+    int kept = 0;
+    if (!collectPiercings(f, g, pts, kept) && !collectPiercings(g, f, pts, kept))
+        return false;
+    a = pts[0];
+    b = pts[1];
+    return true;
+}
+
+void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max) {
+    if (objs == nullptr || count < 0 || count > max || count == INT_MAX)
+        return;
+    objs[count] = obj;
+    ++count;
+    // Segments are only ever linked behind an existing line.
+    if (obj == nullptr || obj->prosect == nullptr || obj->proline == nullptr)
+        return;
+    int ownCount = 0;
+    bool ok = true;
+    HDFace* own = readFaces(obj, ownCount, ok);
+    if (!ok)
+        return;
+    ProlineChain found;
+    for (int k = 0; k < count && ok; ++k) {
+        const _s_hd_prof_* other = objs[k];
+        if (other == nullptr || !boxesTouch(other->box, obj->box))
+            continue;
+        for (const _s_hd_prosect_* fs = other->prosect; fs != nullptr && ok; fs = fs->next) {
+            HDFace f;
+            if (!readFace(fs->sect, f))
+                continue;
+            for (int g = 0; g < ownCount && ok; ++g) {
+                _s_hd_point_ a;
+                _s_hd_point_ b;
+                if (extentsOverlap(f, own[g]) && getFaceInterLine(f, own[g], a, b))
+                    ok = found.append(a, b);
+            }
+        }
+    }
+    std::free(own);
+    if (!ok) {
+        releaseProline(found.head);
+        return;
+    }
+    concatProline(obj->proline, found.head);
+}
+
+}  // namespace geolib

@@ -1,0 +1,173 @@
+// Internals of the hidden-line engine: the numeric tests, the face record the engine reads
+// faces into, the per-face and per-object steps of the hide pass, and face intersection.
+// Not exported; the unit tests call them directly.
+//
+// The view is a parallel projection along Z: X and Y are the drawing plane and the smaller Z is
+// nearer to the viewer. A line (p, q) handed to the per-face steps has its near end first.
+#ifndef VOGEBASIC_HD_ENGINE_INTERNAL_H
+#define VOGEBASIC_HD_ENGINE_INTERNAL_H
+
+#include <cstdlib>
+
+#include "hd_records.h"
+#include "hidden_line/model/hd_builders.h"
+
+namespace geolib {
+
+// ---- numeric tests ------------------------------------------------------------------------------
+
+/// 1 when p lies on the segment a-b: p is an end (isSamePointFine or within squared distance
+/// 1e-9), or the segment subtends an angle of about pi at p (see hd_engine_tolerances.h).
+int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
+/// 1 when p, a point of the face's plane, lies inside the planar polygon v[0..count-1] or on its
+/// boundary: on an edge, near a vertex, or where the signed angles its edges subtend at p add
+/// up to a full turn. Each angle is signed by the side of p its edge runs past, seen along the
+/// polygon's area normal, so the angles of an outside point cancel. 0 for fewer than three
+/// vertices and for a polygon of no area (p on its outline still counts as inside).
+int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v);
+/// 1 when the direction from a to b is not parallel to the plane of unit normal n.
+int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n);
+/// The point where the infinite line through a and b meets the plane through v0, v1 and v2.
+/// NaN coordinates when the line is parallel to that plane or the three points span none.
+_s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
+                               _s_hd_point_ b);
+/// The same with the plane given by its normal n and one of its points v0.
+_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b);
+
+/// Where the drawing-plane projections of the line a-b and of the edge c-d cross.
+struct ProjCrossing {
+    bool parallel;        ///< the projections are parallel (or one is a point): no crossing
+    _s_hd_point_ onLine;  ///< the point of the infinite line a-b over (or under) the crossing
+    _s_hd_point_ onEdge;  ///< the point of the infinite edge line c-d there; its z is the depth
+};
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d);
+
+// ---- faces --------------------------------------------------------------------------------------
+
+/// A face as the engine reads it: its vertices in order (at most four), their extents and the
+/// unit normal of the first three.
+struct HDFace {
+    _s_hd_point_ v[4];
+    int count;
+    double xmax, xmin, ymax, ymin, zmax, zmin;
+    _s_hd_point_ normal;  ///< triNormal(v[0], v[1], v[2])
+};
+
+/// True when p lies within the face's X and Y extents widened by tol on each side.
+bool withinXYExtents(_s_hd_point_ p, const HDFace& face, double tol);
+
+/// Reads a vertex chain into face. A chain of more than four vertices is read as its first
+/// four. Returns false (a face that hides and meets nothing) for fewer than three vertices.
+bool readFace(const _s_hd_sect_* chain, HDFace& face);
+
+/// The line p -> q with its ends swapped when q is not deeper than p (q.z - p.z <= 0), so
+/// that the near end comes first.
+void orientNearFirst(_s_hd_point_& p, _s_hd_point_& q);
+
+/// The part of the line p -> q (p the near end) hidden behind one face. Returns true and sets
+/// from -> to (running away from p, both on the line) when a piece is hidden; false otherwise.
+bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, _s_hd_point_& from,
+                    _s_hd_point_& to);
+
+/// True when the face's XY extents and those of the line p-q overlap or touch.
+bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
+
+/// When the face's XY extents touch the line p -> q (p the near end) and it hides a piece of
+/// it, appends that piece to hidden. Returns false only if that allocation fails.
+bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden);
+
+/// Tests the line (a copy, near end first) against every face of the list in order and
+/// appends the hidden pieces to hidden. Returns false, having appended what it could, if an
+/// allocation fails.
+bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
+                    ProlineChain& hidden);
+
+/// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement
+/// on the line, pieces in order from p to q, each with owner -1; null when nothing is visible.
+/// With no hidden piece the whole line is visible. Returns false, having released the pieces
+/// and set visible to null, if an allocation fails.
+bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
+                       _s_hd_proline_*& visible);
+
+/// The hide pass followed step by step: the reference that kestHideObject must match node for
+/// node. Same contract as kestHideObject.
+_s_hd_proline_* kestHideObjectReference(_s_hd_prof_** objs, int n);
+
+// ---- steps shared by the reference pass and the engine ------------------------------------------
+
+/// True when the XY boxes (X max, X min, Y max, Y min, ...) of two objects overlap or touch.
+bool xyBoxesTouch(const double* a, const double* b);
+
+/// The X and Y range of a line.
+struct LineRange {
+    double xmin, xmax, ymin, ymax;
+};
+LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b);
+/// True when an object's box overlaps the line's range strictly (a mere touch does not count).
+bool boxOverlapsLineRange(const double* box, const LineRange& range);
+
+/// The result list of a pass, built line by line.
+struct VisibleCollector {
+    _s_hd_proline_* head = nullptr;
+    _s_hd_proline_* tail = nullptr;
+
+    /// Re-orients the stored line in place (near end first), appends the visible complement of
+    /// its hidden pieces (consumed) with owner set to the object's index. Returns false, having
+    /// released hidden, if an allocation fails.
+    bool addLine(_s_hd_proline_* line, _s_hd_proline_* hidden, int owner);
+    /// Releases what was collected and returns null.
+    _s_hd_proline_* abandon();
+};
+
+/// One entry of the candidate table: an object whose XY box touches the current object's.
+struct HideCandidate {
+    const _s_hd_prosect_* faces;  ///< the candidate's face list
+    int index;                    ///< the candidate's index in the object array
+};
+
+/// Fills table with the non-null objects whose XY boxes touch object i's, j ascending (object i
+/// included), and returns how many. The table has room for n entries, which is never exceeded.
+int touchingObjects(_s_hd_prof_* const* objs, int n, int i, HideCandidate* table);
+
+/// The frame of a hide pass: for each non-null object i, findCandidates(i, table) fills the
+/// candidate table (room for n entries) and returns the count; then for each line,
+/// hideLine(line, table, count, hidden) appends its hidden pieces (false on a failed
+/// allocation), the line is re-oriented and its visible pieces collected. Returns the visible
+/// list, or null (having released all it built) if an allocation fails.
+template <class FindCandidates, class HideLine>
+_s_hd_proline_* runHidePass(_s_hd_prof_** objs, int n, FindCandidates&& findCandidates,
+                            HideLine&& hideLine) {
+    auto* table =
+        static_cast<HideCandidate*>(std::malloc(static_cast<size_t>(n) * sizeof(HideCandidate)));
+    if (table == nullptr)
+        return nullptr;
+    VisibleCollector out;
+    for (int i = 0; i < n; ++i) {
+        if (objs[i] == nullptr)
+            continue;
+        const int candidates = findCandidates(i, table);
+        for (_s_hd_proline_* line = objs[i]->proline; line != nullptr; line = line->next) {
+            ProlineChain hidden;
+            const bool ok = hideLine(line, table, candidates, hidden);
+            if (!ok || !out.addLine(line, hidden.head, i)) {
+                if (!ok)
+                    releaseProline(hidden.head);
+                std::free(table);
+                return out.abandon();
+            }
+        }
+    }
+    std::free(table);
+    return out.head;
+}
+
+// ---- face intersection --------------------------------------------------------------------------
+
+/// The segment along which the faces f and g meet: the first two distinct points where an edge
+/// of one pierces the other (edges of f first). Returns true and sets a -> b when there are two;
+/// false for parallel faces, a face without a plane, or fewer than two points.
+bool getFaceInterLine(const HDFace& f, const HDFace& g, _s_hd_point_& a, _s_hd_point_& b);
+
+}  // namespace geolib
+
+#endif  // VOGEBASIC_HD_ENGINE_INTERNAL_H

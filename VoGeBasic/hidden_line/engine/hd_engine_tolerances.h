@@ -1,0 +1,71 @@
+// Tolerances and fixed constants of the hidden-line engine (hide pass and face intersection).
+// Internal: not part of the exported interface. Lengths in model units, angles in radians.
+#ifndef VOGEBASIC_HD_ENGINE_TOLERANCES_H
+#define VOGEBASIC_HD_ENGINE_TOLERANCES_H
+
+namespace geolib {
+namespace hd {
+
+// ---- faces and lines ----------------------------------------------------------------------------
+
+/// A face whose unit normal has a Z component below this is seen edge-on and hides nothing.
+constexpr double kEdgeOnNormalZ = 0.0003;
+/// A direction is parallel to a plane when its unit vector's dot product with the plane's unit
+/// normal is at most this.
+constexpr double kPlaneParallelTol = 0.00003;
+/// A line whose unit direction is within this of the Z axis (in X, in Y and in |Z| - 1) is
+/// seen end-on: it projects to a point.
+constexpr double kEndOnTol = 0.0003;
+/// A point where a line pierces a face's plane must lie within the face's X and Y extents
+/// widened by this on each side.
+constexpr double kPierceExtentTol = 0.0003;
+/// A point straight behind (or in front of) a face must lie within the face's X and Y extents
+/// widened by this on each side.
+constexpr double kBehindExtentTol = 0.03;
+/// Two depths closer than this are level: a line end on a face counts as behind it, and an
+/// edge level with the line hides it where they cross.
+constexpr double kLevelDepthTol = 0.0003;
+/// A second crossing of the face's outline counts only when its distance from the line's near
+/// end differs from the first's by more than this.
+constexpr double kCrossingSeparation = 0.0005;
+/// A piece between a piercing point and a crossing is dropped when their distances from the
+/// near end differ by this or less.
+constexpr double kMinPieceSpan = 0.00000005;
+/// The projections of a line and of a face edge are parallel when the cross product of their
+/// unit directions in the drawing plane is below this (or when either projects to a point).
+constexpr double kProjParallelTol = 1e-9;
+
+// ---- point on a segment, point in a face --------------------------------------------------------
+
+/// A point within this squared distance of a segment's end lies on the segment.
+constexpr double kOnSegEndDist2 = 0.000000001;
+/// A point lies on a segment when twice the angle the segment subtends at it is within this of
+/// kOnSegTurn.
+constexpr double kOnSegAngleTol = 0.0005;
+/// The full turn that kOnSegAngleTol is measured from. Kept deliberately about 3.2e-6 above the
+/// double nearest to 2 pi: the drawings made so far were made with it.
+constexpr double kOnSegTurn = 6.2831885307179585;
+/// Shortcuts of the same test that change none of its answers: a point farther than this part of
+/// the segment's largest extent, plus kOnSegRejectAbs, outside the segment's box is not on it ...
+constexpr double kOnSegRejectRel = 0.01;
+constexpr double kOnSegRejectAbs = 0.001;
+/// ... nor is one where the cosine of the subtended angle is above this (an angle below about 3
+/// radians, far from the half turn the test looks for).
+constexpr double kOnSegSureOffCos = -0.99;
+/// A point within this squared distance of a face's vertex lies in the face.
+constexpr double kInFaceVertexDist2 = 0.00000001;
+/// A point lies in a face when the angles its edges subtend at it add up to within this of a
+/// full turn (the double nearest to 2 pi).
+constexpr double kInFaceTurnTol = 0.09;
+constexpr double kInFaceTurn = 6.283185307179586;
+
+// ---- face intersection --------------------------------------------------------------------------
+
+/// Two faces are parallel, and do not meet, when the absolute dot product of their unit normals
+/// is within this of 1.
+constexpr double kParallelFacesTol = 0.000001;
+
+}  // namespace hd
+}  // namespace geolib
+
+#endif  // VOGEBASIC_HD_ENGINE_TOLERANCES_H

@@ -1,0 +1,314 @@
+// The hide pass face by face: the numeric tests and the hidden part of one line behind one face.
+#include <cmath>
+#include <limits>
+
+#include "geometry/clamp_unit.h"
+#include "hidden_line/engine/hd_engine_internal.h"
+#include "hidden_line/engine/hd_engine_tolerances.h"
+
+namespace geolib {
+
+namespace {
+
+using geometry::clampUnit;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// True when p lies outside the box of the segment a-b widened by a hundredth of the segment's
+// largest extent and a thousandth of a unit: the angle the segment subtends there is then at
+// least a fiftieth of a radian short of a half turn, and p is far from both ends, so the exact
+// test would reject p too. NaN and infinite coordinates never count as far.
+bool isFarFromSegment(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
+    const double margin =
+        hd::kOnSegRejectRel *
+            std::fmax(std::fabs(b.x - a.x), std::fmax(std::fabs(b.y - a.y), std::fabs(b.z - a.z))) +
+        hd::kOnSegRejectAbs;
+    return p.x < std::fmin(a.x, b.x) - margin || p.x > std::fmax(a.x, b.x) + margin ||
+           p.y < std::fmin(a.y, b.y) - margin || p.y > std::fmax(a.y, b.y) + margin ||
+           p.z < std::fmin(a.z, b.z) - margin || p.z > std::fmax(a.z, b.z) + margin;
+}
+
+// True when the point straight behind or in front of e on the face's plane lies in the face
+// and e is behind that point or level with it.
+bool endBehindFace(_s_hd_point_ e, const HDFace& f) {
+    const _s_hd_point_ up = {e.x, e.y, e.z + 1.0};
+    const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up);
+    // The cheap tests first: most faces fail them and never reach the angle sum.
+    return withinXYExtents(i, f, hd::kBehindExtentTol) &&
+           (i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol) &&
+           isPointInFace(i, f.count, f.v) != 0;
+}
+
+// The crossings of the face's outline that hide the line p -> q where they cross it: the
+// edge is nearer than the line there, or level with it. Returns how many (0 to 2); c1 is the
+// nearer to p.
+int outlineCrossings(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& c1,
+                     _s_hd_point_& c2) {
+    int found = 0;
+    for (int k = 0; k < f.count; ++k) {
+        const _s_hd_point_ a = f.v[k];
+        const _s_hd_point_ b = f.v[(k + 1) % f.count];
+        const ProjCrossing x = crossProjections(p, q, a, b);
+        if (x.parallel)
+            continue;
+        const _s_hd_point_ k3 = x.onLine;
+        const double edgeZ = x.onEdge.z;
+        if (!(edgeZ < k3.z || std::fabs(k3.z - edgeZ) < hd::kLevelDepthTol) ||
+            isSamePointFine(k3, p) || isSamePointFine(k3, q))
+            continue;
+        // Only where the edge crosses the segment itself: a crossing of its extension would
+        // give a piece that leaves the line.
+        if (isPointOnSeg(x.onEdge, a, b) == 0 || isPointOnSeg(k3, p, q) == 0)
+            continue;
+        if (found == 0) {
+            c1 = k3;
+            found = 1;
+        } else if (!isSamePointFine(k3, c1) &&
+                   std::fabs(pointDist(k3, p) - pointDist(c1, p)) > hd::kCrossingSeparation) {
+            c2 = k3;
+            if (pointDist(c2, p) < pointDist(c1, p)) {
+                c2 = c1;
+                c1 = k3;
+            }
+            return 2;  // a third crossing would not be used
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+// ---- numeric tests ------------------------------------------------------------------------------
+
+int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
+    if (isFarFromSegment(p, a, b))
+        return 0;
+    if (isSamePointFine(p, a) || isSamePointFine(p, b))
+        return 1;
+    if (pointDist2(p, a) <= hd::kOnSegEndDist2 || pointDist2(p, b) <= hd::kOnSegEndDist2)
+        return 1;
+    const double pa = pointDist(p, a);
+    const double pb = pointDist(p, b);
+    const double ab = pointDist(a, b);
+    const double c = clampUnit((pa * pa + pb * pb - ab * ab) / (2.0 * pa * pb));
+    if (c > hd::kOnSegSureOffCos)
+        return 0;  // the angle is far below a half turn: no need to measure it
+    const double phi = std::acos(c);
+    return std::fabs(2.0 * phi - hd::kOnSegTurn) < hd::kOnSegAngleTol ? 1 : 0;
+}
+
+int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v) {
+    if (count < 3)
+        return 0;
+    for (int k = 0; k < count; ++k) {
+        if (isPointOnSeg(p, v[k], v[(k + 1) % count]) != 0)
+            return 1;
+    }
+    for (int k = 0; k < count; ++k) {
+        if (pointDist2(p, v[k]) <= hd::kInFaceVertexDist2)
+            return 1;
+    }
+    // The area normal (Newell's sum, about the first vertex) gives every edge's angle its sign:
+    // it works for any simple polygon, whichever way round its first three vertices turn.
+    _s_hd_point_ area = {0.0, 0.0, 0.0};
+    for (int k = 1; k + 1 < count; ++k)
+        area = vecAdd(area, vecCross(vecSub(v[k], v[0]), vecSub(v[k + 1], v[0])));
+    area = vecNormalize(area);
+    if (area.x == 0.0 && area.y == 0.0 && area.z == 0.0)
+        return 0;
+    double sum = 0.0;
+    for (int k = 0; k < count; ++k) {
+        const _s_hd_point_ a = v[k];
+        const _s_hd_point_ b = v[(k + 1) % count];
+        const double da2 = pointDist2(p, a);
+        const double db2 = pointDist2(p, b);
+        const double ab2 = pointDist2(a, b);
+        const double angle =
+            std::acos(clampUnit((da2 + db2 - ab2) / (2.0 * std::sqrt(da2) * std::sqrt(db2))));
+        const double side = vecDot(vecCross(vecSub(a, p), vecSub(b, p)), area);
+        sum += side < 0.0 ? -angle : angle;
+    }
+    return std::fabs(std::fabs(sum) - hd::kInFaceTurn) < hd::kInFaceTurnTol ? 1 : 0;
+}
+
+int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
+    return std::fabs(vecDot(unitDir(b, a), n)) > hd::kPlaneParallelTol ? 1 : 0;
+}
+
+_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b) {
+    const _s_hd_point_ d = vecSub(b, a);
+    const double den = vecDot(n, d);
+    if (den == 0.0)
+        return {kNaN, kNaN, kNaN};
+    const double t = vecDot(n, vecSub(v0, a)) / den;
+    return linComb(1.0, a, t, d);
+}
+
+_s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
+                               _s_hd_point_ b) {
+    return linePlaneInter(triNormal(v0, v1, v2), v0, a, b);
+}
+
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d) {
+    ProjCrossing x = {true, a, c};
+    const double dx = b.x - a.x;
+    const double dy = b.y - a.y;
+    const double ex = d.x - c.x;
+    const double ey = d.y - c.y;
+    const double lineLen = std::sqrt(dx * dx + dy * dy);
+    const double edgeLen = std::sqrt(ex * ex + ey * ey);
+    const double den = det2(dx, dy, ex, ey);
+    if (!(lineLen > 0.0) || !(edgeLen > 0.0) ||
+        std::fabs(den) < hd::kProjParallelTol * lineLen * edgeLen)
+        return x;
+    const double wx = c.x - a.x;
+    const double wy = c.y - a.y;
+    x.parallel = false;
+    x.onLine = linComb(1.0, a, det2(wx, wy, ex, ey) / den, vecSub(b, a));
+    x.onEdge = linComb(1.0, c, det2(wx, wy, dx, dy) / den, vecSub(d, c));
+    return x;
+}
+
+// ---- faces --------------------------------------------------------------------------------------
+
+bool withinXYExtents(_s_hd_point_ p, const HDFace& f, double tol) {
+    return p.x >= f.xmin - tol && p.x <= f.xmax + tol && p.y >= f.ymin - tol && p.y <= f.ymax + tol;
+}
+
+bool readFace(const _s_hd_sect_* chain, HDFace& face) {
+    int count = 0;
+    for (const _s_hd_sect_* s = chain; s != nullptr && count < 4; s = s->next)
+        face.v[count++] = s->pt;
+    face.count = count;
+    if (count < 3)
+        return false;
+    face.xmax = face.xmin = face.v[0].x;
+    face.ymax = face.ymin = face.v[0].y;
+    face.zmax = face.zmin = face.v[0].z;
+    for (int k = 1; k < count; ++k) {
+        const _s_hd_point_ p = face.v[k];
+        face.xmax = std::fmax(face.xmax, p.x);
+        face.xmin = std::fmin(face.xmin, p.x);
+        face.ymax = std::fmax(face.ymax, p.y);
+        face.ymin = std::fmin(face.ymin, p.y);
+        face.zmax = std::fmax(face.zmax, p.z);
+        face.zmin = std::fmin(face.zmin, p.z);
+    }
+    face.normal = triNormal(face.v[0], face.v[1], face.v[2]);
+    return true;
+}
+
+void orientNearFirst(_s_hd_point_& p, _s_hd_point_& q) {
+    if (q.z - p.z <= 0.0) {
+        const _s_hd_point_ t = p;
+        p = q;
+        q = t;
+    }
+}
+
+bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q) {
+    return face.xmax >= std::fmin(p.x, q.x) && face.ymax >= std::fmin(p.y, q.y) &&
+           face.xmin <= std::fmax(p.x, q.x) && face.ymin <= std::fmax(p.y, q.y);
+}
+
+bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& from,
+                    _s_hd_point_& to) {
+    const _s_hd_point_ n = f.normal;
+    if (std::fabs(n.z) < hd::kEdgeOnNormalZ)
+        return false;  // seen edge-on (or no plane at all)
+
+    // A line in the face's own plane is never hidden by it.
+    const bool parallel = isLineCrossPlane(p, q, n) == 0;
+    if (parallel) {
+        bool inPlane = true;
+        for (int k = 0; k < 3 && inPlane; ++k)
+            inPlane = isLineCrossPlane(f.v[k], q, n) == 0 && isLineCrossPlane(f.v[k], p, n) == 0;
+        if (inPlane)
+            return false;
+    }
+
+    // A line seen end-on is a point of the drawing: hidden whole.
+    const _s_hd_point_ dir = unitDir(q, p);
+    if (std::fabs(dir.x) < hd::kEndOnTol && std::fabs(dir.y) < hd::kEndOnTol &&
+        std::fabs(std::fabs(dir.z) - 1.0) < hd::kEndOnTol) {
+        from = p;
+        to = q;
+        return true;
+    }
+
+    // The piercing point opens a piece unless it lies on an edge the line crosses in the
+    // drawing (the crossings below take care of it there) or at an end of the line.
+    bool opened = false;
+    _s_hd_point_ x = p;
+    if (!parallel) {
+        x = linePlaneInter(n, f.v[0], p, q);
+        if (withinXYExtents(x, f, hd::kPierceExtentTol) && isPointOnSeg(x, p, q) != 0 &&
+            isPointInFace(x, f.count, f.v) != 0) {
+            bool usable = true;
+            for (int k = 0; k < f.count; ++k) {
+                const _s_hd_point_ a = f.v[k];
+                const _s_hd_point_ b = f.v[(k + 1) % f.count];
+                if (isPointOnSeg(x, a, b) != 0) {
+                    usable = crossProjections(p, q, a, b).parallel;
+                    break;
+                }
+            }
+            opened = usable && !isSamePointFine(x, p) && !isSamePointFine(x, q);
+        }
+    }
+
+    const bool qBehind = endBehindFace(q, f);
+    if (opened && qBehind) {
+        from = x;
+        to = q;
+        return true;
+    }
+
+    _s_hd_point_ c1 = p;
+    _s_hd_point_ c2 = p;
+    const int crossings = outlineCrossings(p, q, f, c1, c2);
+    if (opened) {
+        if (crossings == 2) {
+            from = c1;
+            to = c2;
+            return true;
+        }
+        if (crossings == 1) {
+            const double dx = pointDist(x, p);
+            const double d1 = pointDist(c1, p);
+            if (std::fabs(dx - d1) <= hd::kMinPieceSpan)
+                return false;
+            from = dx < d1 ? x : c1;
+            to = dx < d1 ? c1 : x;
+            return true;
+        }
+        if (!endBehindFace(p, f))
+            return false;
+        from = p;
+        to = x;
+        return true;
+    }
+    if (!qBehind && crossings == 0)
+        return false;
+    const bool pBehind = endBehindFace(p, f);
+    if (qBehind) {
+        if (crossings == 0 && !pBehind)
+            return false;
+        from = pBehind ? p : c1;
+        to = q;
+        return true;
+    }
+    if (crossings == 2) {
+        from = pBehind ? p : c1;
+        to = c2;
+        return true;
+    }
+    if (crossings == 1 && pBehind) {
+        from = p;
+        to = c1;
+        return true;
+    }
+    return false;
+}
+
+}  // namespace geolib

@@ -1,0 +1,44 @@
+// Hidden-line engine of namespace geolib: face intersection between the objects of a view and
+// the hide pass that returns the visible pieces of their profile lines.
+//
+// The view is a parallel projection along Z: X and Y are the drawing plane, and of two points
+// with the same X and Y the one with the smaller Z is nearer and hides the other. Objects are
+// those of hd_tessellators.h (faces of three or four vertices; a face of more is read as its
+// first four, one of fewer hides nothing).
+//
+// Bad input: null objects in the array are skipped; a negative or zero count does nothing.
+// NaN or infinite coordinates never stop a call (nothing here converts a double to an
+// integer): a line with a NaN coordinate is hidden by nothing, and a face with one, or of no
+// area, hides nothing and meets nothing.
+#ifndef VOGEBASIC_HD_ENGINE_H
+#define VOGEBASIC_HD_ENGINE_H
+
+#include "VoGeBasicExport.h"
+#include "hd_records.h"
+
+namespace geolib {
+
+/// The hide pass over the n objects of objs. For each line of each object, every face of every
+/// object whose XY box touches the object's box (the object itself included, so a solid hides
+/// its own back edges) may hide pieces of the line; what is left is returned, one node per
+/// visible piece, the pieces of a line in order from its near end (smaller Z) and lines in
+/// object and list order, each node's owner set to its object's index in objs. Every line is
+/// re-oriented in place to run from its near end: a line of constant depth has its ends
+/// swapped at every call.
+/// Returns a new list owned by the caller; release it with releaseProline. Returns null when
+/// nothing is visible, when objs is null or n is 0 or less, and if an allocation fails (having
+/// released all it built).
+VOGEBASIC_API _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n);
+
+/// Registers obj in the caller's registry objs (count entries in use, room for max + 1: with
+/// count equal to max, obj is still stored at index max) and appends to obj's line list the
+/// segments along which its faces cut the faces of every registered object, obj itself last.
+/// Nothing changes when count is below 0 or above max (or is the largest int). Segments are
+/// kept only when obj already has a line; an object without faces is registered only.
+/// The new lines (owner -1) belong to obj. If an allocation fails, obj is registered but gets
+/// no new line.
+VOGEBASIC_API void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max);
+
+}  // namespace geolib
+
+#endif  // VOGEBASIC_HD_ENGINE_H

@@ -1,0 +1,342 @@
+#include "plant_scene.h"
+
+#include <cmath>
+
+namespace vgscene {
+
+namespace {
+
+constexpr double kDegToRad = 3.14159265358979323846 / 180.0;
+
+// A small deterministic generator (the standard distributions differ between libraries).
+class Rng {
+public:
+    explicit Rng(std::uint32_t seed) : s_(seed * 2654435761u + 0x9E3779B9u) {}
+    double uniform(double lo, double hi) { return lo + (hi - lo) * (next() / 4294967296.0); }
+    int pick(int count) { return static_cast<int>(next() % static_cast<std::uint32_t>(count)); }
+
+private:
+    std::uint32_t next() {
+        s_ ^= s_ << 13;
+        s_ ^= s_ >> 17;
+        s_ ^= s_ << 5;
+        return s_;
+    }
+    std::uint32_t s_;
+};
+
+struct W {  // a world point or direction
+    double x, y, z;
+};
+
+W add(W a, W b) {
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+W scale(double s, W a) {
+    return {s * a.x, s * a.y, s * a.z};
+}
+W unit(W a) {
+    const double l = std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
+    return {a.x / l, a.y / l, a.z / l};
+}
+
+// Collects primitives in world coordinates and stores them in drawing coordinates.
+class Builder {
+public:
+    explicit Builder(const View& view) : view_(view) {}
+
+    std::vector<Primitive> prims;
+
+    /// A box with its base corner at p, a along u, b along v (both horizontal, u turned yaw
+    /// degrees from east), height c up.
+    void block(W p, double a, double b, double c, double yawDeg) {
+        const double t = yawDeg * kDegToRad;
+        const W u{std::cos(t), std::sin(t), 0};
+        const W v{-std::sin(t), std::cos(t), 0};
+        box(p, a, b, c, u, v);
+    }
+
+    /// A box from its corner p along the unit directions u (length a) and v (b), height c
+    /// along u x v.
+    void box(W p, double a, double b, double c, W u, W v) {
+        Primitive prim;
+        prim.kind = Primitive::Kind::Box;
+        prim.a = a;
+        prim.b = b;
+        prim.c = c;
+        prim.p = toDrawing(p);
+        prim.u = dir(u);
+        prim.v = dir(v);
+        prim.n = 1;
+        prims.push_back(prim);
+    }
+
+    /// A straight member of square section w from a to b (columns, beams, braces).
+    void member(W a, W b, double w) {
+        const W d{b.x - a.x, b.y - a.y, b.z - a.z};
+        const double len = std::sqrt(d.x * d.x + d.y * d.y + d.z * d.z);
+        const W u = unit(d);
+        // A side direction square to the member: horizontal unless the member is vertical.
+        W side{-u.y, u.x, 0};
+        if (std::fabs(u.z) > 0.99)
+            side = {1, 0, 0};
+        side = unit(side);
+        const W up{u.y * side.z - u.z * side.y, u.z * side.x - u.x * side.z,
+                   u.x * side.y - u.y * side.x};
+        const W corner = add(a, add(scale(-0.5 * w, side), scale(-0.5 * w, up)));
+        box(corner, len, w, w, u, side);
+    }
+
+    /// A cylinder-like prism of n sides with radius r on the axis a -> b.
+    void prism(W a, W b, double r, int n) {
+        const W d = unit({b.x - a.x, b.y - a.y, b.z - a.z});
+        W radial{-d.y, d.x, 0};
+        if (std::fabs(d.z) > 0.99)
+            radial = {1, 0, 0};
+        radial = unit(radial);
+        Primitive prim;
+        prim.kind = Primitive::Kind::Prism;
+        prim.pa = toDrawing(a);
+        prim.pb = toDrawing(b);
+        prim.pc = toDrawing(add(a, scale(r, radial)));
+        prim.n = n;
+        prims.push_back(prim);
+    }
+
+    /// A flat disc of radius r at c with normal nrm.
+    void disc(W c, double r, W nrm) {
+        Primitive prim;
+        prim.kind = Primitive::Kind::Disc;
+        prim.center = toDrawing(c);
+        prim.normal = dir(nrm);
+        prim.a = r;
+        prims.push_back(prim);
+    }
+
+    /// A triangle pa, pb, pc extruded by h (saddles, supports, ramps).
+    void wedge(W pa, W pb, W pc, double h) {
+        Primitive prim;
+        prim.kind = Primitive::Kind::Wedge;
+        prim.pa = toDrawing(pa);
+        prim.pb = toDrawing(pb);
+        prim.pc = toDrawing(pc);
+        prim.c = h;
+        prims.push_back(prim);
+    }
+
+private:
+    Pt toDrawing(W p) const { return view_.point(p.x, p.y, p.z); }
+    Pt dir(W d) const {
+        const Pt o = view_.point(0, 0, 0);
+        const Pt q = view_.point(d.x, d.y, d.z);
+        return Pt{q.x - o.x, q.y - o.y, q.z - o.z};
+    }
+    View view_;
+};
+
+// ---- plant items, each placed at an origin o in world coordinates -----------------------------
+
+constexpr double kBay = 6.0;        // rack bay length along X
+constexpr double kRackWidth = 6.0;  // rack width along Y
+constexpr double kLevel1 = 5.0;     // first beam level
+constexpr double kLevel2 = 8.0;     // second beam level
+constexpr double kSteel = 0.35;     // section of columns and beams
+
+void rackBay(Builder& b, W o, bool brace) {
+    for (double y : {0.0, kRackWidth}) {
+        b.member(add(o, {0, y, 0}), add(o, {0, y, kLevel2 + kSteel}), kSteel);
+    }
+    for (double z : {kLevel1, kLevel2}) {
+        b.member(add(o, {0, 0, z}), add(o, {0, kRackWidth, z}), kSteel);  // cross beam
+        for (double y : {0.0, kRackWidth}) {
+            b.member(add(o, {0, y, z}), add(o, {kBay, y, z}), kSteel * 0.8);  // runner
+        }
+    }
+    if (brace)
+        b.member(add(o, {0, 0, 0.5}), add(o, {kBay, 0, kLevel1 - 0.3}), kSteel * 0.6);
+}
+
+void rackEnd(Builder& b, W o) {
+    for (double y : {0.0, kRackWidth}) {
+        b.member(add(o, {0, y, 0}), add(o, {0, y, kLevel2 + kSteel}), kSteel);
+    }
+    for (double z : {kLevel1, kLevel2})
+        b.member(add(o, {0, 0, z}), add(o, {0, kRackWidth, z}), kSteel);
+}
+
+// A pipe lying on a beam level along the rack; it sinks slightly into the beams it rests on.
+void rackPipe(Builder& b, W o, double length, double y, double z, double r) {
+    const double axisZ = z + 0.5 * kSteel + r - 0.02;
+    b.prism(add(o, {-0.5, y, axisZ}), add(o, {length + 0.5, y, axisZ}), r, 8);
+}
+
+void pump(Builder& b, W o, double yaw) {
+    b.block(o, 2.4, 1.0, 0.4, yaw);                                        // skid
+    b.block(add(o, {0.2, 0.2, 0.4}), 1.0, 0.6, 0.7, yaw);                  // motor
+    b.prism(add(o, {1.5, 0.5, 0.75}), add(o, {2.3, 0.5, 0.75}), 0.35, 8);  // casing
+}
+
+void verticalVessel(Builder& b, W o, double r, double h) {
+    b.prism(o, add(o, {0, 0, h}), r, 12);
+    b.disc(add(o, {0, 0, h}), r, {0, 0, 1});
+    b.block(add(o, {-r - 0.3, -r - 0.3, 0}), 2 * r + 0.6, 2 * r + 0.6, 0.3, 0);  // plinth
+}
+
+void horizontalDrum(Builder& b, W o, double r, double len) {
+    const double axisZ = 0.6 + r;
+    for (double x : {0.2 * len, 0.8 * len}) {
+        b.wedge(add(o, {x - 0.8, -0.3, 0}), add(o, {x + 0.8, -0.3, 0}), add(o, {x, -0.3, axisZ}),
+                0.6);
+    }
+    b.prism(add(o, {0, 0, axisZ}), add(o, {len, 0, axisZ}), r, 12);
+    b.disc(add(o, {0, 0, axisZ}), r, {-1, 0, 0});
+    b.disc(add(o, {len, 0, axisZ}), r, {1, 0, 0});
+}
+
+void building(Builder& b, W o, double a, double d, double h, double yaw) {
+    b.block(o, a, d, h, yaw);
+    b.block(add(o, {0.5, 0.5, h}), 1.2, 1.2, 0.8, yaw);  // roof unit, sitting on the roof
+}
+
+void tank(Builder& b, W o, double r, double h) {
+    b.prism(o, add(o, {0, 0, h}), r, 12);
+    b.disc(add(o, {0, 0, h}), r, {0, 0, 1});
+}
+
+// One unit of a plant: a rack of `bays` bays with pipes, equipment on both sides.
+void plantUnit(Builder& b, W o, int bays, Rng& rng) {
+    for (int i = 0; i < bays; ++i)
+        rackBay(b, add(o, {i * kBay, 0, 0}), i % 2 == 0);
+    rackEnd(b, add(o, {bays * kBay, 0, 0}));
+    const double len = bays * kBay;
+    for (int k = 0; k < 3; ++k) {
+        rackPipe(b, o, len, 0.8 + k * 1.6 + rng.uniform(0, 0.4), kLevel1, rng.uniform(0.15, 0.35));
+    }
+    rackPipe(b, o, len, 1.5 + rng.uniform(0, 2.5), kLevel2, rng.uniform(0.2, 0.4));
+    for (int i = 0; i < bays; i += 2) {
+        const W south = add(o, {i * kBay + rng.uniform(0, 2), -5.0 - rng.uniform(0, 3), 0});
+        const W north =
+            add(o, {i * kBay + rng.uniform(0, 2), kRackWidth + 3.0 + rng.uniform(0, 3), 0});
+        switch (rng.pick(4)) {
+            case 0:
+                pump(b, south, rng.uniform(-30, 30));
+                break;
+            case 1:
+                verticalVessel(b, south, rng.uniform(0.8, 1.5), rng.uniform(4, 9));
+                break;
+            case 2:
+                horizontalDrum(b, south, rng.uniform(0.7, 1.2), rng.uniform(4, 7));
+                break;
+            default:
+                building(b, south, rng.uniform(4, 7), rng.uniform(3, 4), rng.uniform(3, 5),
+                         rng.uniform(-10, 10));
+                break;
+        }
+        switch (rng.pick(3)) {
+            case 0:
+                tank(b, north, rng.uniform(1.5, 3.0), rng.uniform(4, 8));
+                break;
+            case 1:
+                pump(b, north, rng.uniform(150, 210));
+                break;
+            default:
+                verticalVessel(b, north, rng.uniform(0.6, 1.2), rng.uniform(3, 7));
+                break;
+        }
+    }
+}
+
+}  // namespace
+
+View View::oblique(double azimuthDeg, double elevationDeg) {
+    const double az = azimuthDeg * kDegToRad;
+    const double el = elevationDeg * kDegToRad;
+    // Depth runs from the viewer into the scene; right = depth x up; down = depth x right.
+    const W depth{-std::sin(az) * std::cos(el), std::cos(az) * std::cos(el), -std::sin(el)};
+    const W right = unit({depth.y * 1.0 - depth.z * 0.0, depth.z * 0.0 - depth.x * 1.0, 0.0});
+    const W down{depth.y * right.z - depth.z * right.y, depth.z * right.x - depth.x * right.z,
+                 depth.x * right.y - depth.y * right.x};
+    View v{};
+    const W rows[3] = {right, down, depth};
+    for (int i = 0; i < 3; ++i) {
+        v.r[i][0] = rows[i].x;
+        v.r[i][1] = rows[i].y;
+        v.r[i][2] = rows[i].z;
+    }
+    return v;
+}
+
+Pt View::point(double x, double y, double z) const {
+    return Pt{r[0][0] * x + r[0][1] * y + r[0][2] * z, r[1][0] * x + r[1][1] * y + r[1][2] * z,
+              r[2][0] * x + r[2][1] * y + r[2][2] * z};
+}
+
+std::vector<Primitive> builtinPlant() {
+    Builder b(View::oblique(30.0, 25.0));
+    // A rack of three bays with its pipes.
+    for (int i = 0; i < 3; ++i)
+        rackBay(b, {i * kBay, 0, 0}, i == 1);
+    rackEnd(b, {3 * kBay, 0, 0});
+    rackPipe(b, {0, 0, 0}, 3 * kBay, 1.2, kLevel1, 0.3);
+    rackPipe(b, {0, 0, 0}, 3 * kBay, 3.0, kLevel1, 0.25);
+    rackPipe(b, {0, 0, 0}, 3 * kBay, 2.2, kLevel2, 0.35);
+    // Two boxes, one behind the other.
+    b.block({2, -9, 0}, 3, 2, 2.5, 0);
+    b.block({3, -6, 0}, 3, 2, 4, 0);
+    // A box seen from its corner.
+    b.block({11, -8, 0}, 3, 3, 3, 45);
+    // A vertical vessel and a horizontal drum on saddles.
+    verticalVessel(b, {20, -4, 0}, 1.2, 7);
+    horizontalDrum(b, {8, 9, 0}, 1.0, 6);
+    pump(b, {1, 10, 0}, 0);
+    return b.prims;
+}
+
+std::vector<Primitive> generatePlant(int n, std::uint32_t seed) {
+    Builder b(View::oblique(35.0, 30.0));
+    Rng rng(seed);
+    const int bays = 8;
+    // Units on a square grid large enough for n primitives (about 110 per unit).
+    const int units = n <= 0 ? 1 : (n + 109) / 110;
+    const int side = static_cast<int>(std::ceil(std::sqrt(static_cast<double>(units))));
+    for (int k = 0; k < units || (n > 0 && static_cast<int>(b.prims.size()) < n); ++k) {
+        const W o{(k % side) * (bays * kBay + 12.0), (k / side) * 30.0, 0};
+        plantUnit(b, o, bays, rng);
+    }
+    if (n > 0 && static_cast<int>(b.prims.size()) > n)
+        b.prims.resize(static_cast<size_t>(n));
+    return b.prims;
+}
+
+geolib::_s_hd_prof_* tessellate(const Primitive& prim) {
+    switch (prim.kind) {
+        case Primitive::Kind::Box:
+            return geolib::ep_divide_box(prim.a, prim.b, prim.c, prim.p, prim.u, prim.v, prim.n);
+        case Primitive::Kind::Wedge:
+            return geolib::ep_divide_wed(prim.pa, prim.pb, prim.pc, prim.c);
+        case Primitive::Kind::Prism:
+            return geolib::ep_divide_pri(prim.pa, prim.pb, prim.pc, prim.n);
+        case Primitive::Kind::Disc:
+            return geolib::ep_divide_cir(prim.center, prim.a, prim.normal);
+    }
+    return nullptr;
+}
+
+std::vector<geolib::_s_hd_prof_*> tessellateAll(const std::vector<Primitive>& prims) {
+    std::vector<geolib::_s_hd_prof_*> objs;
+    objs.reserve(prims.size());
+    for (const Primitive& p : prims) {
+        geolib::_s_hd_prof_* o = tessellate(p);
+        if (o != nullptr)
+            objs.push_back(o);
+    }
+    return objs;
+}
+
+void releaseAll(std::vector<geolib::_s_hd_prof_*>& objs) {
+    for (geolib::_s_hd_prof_*& o : objs)
+        geolib::freeHDProfObjectPointer(o);
+    objs.clear();
+}
+
+}  // namespace vgscene
