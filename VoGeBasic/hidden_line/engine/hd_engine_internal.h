@@ -64,6 +64,11 @@ bool readFace(const _s_hd_sect_* chain, HDFace& face);
 /// that the near end comes first.
 void orientNearFirst(_s_hd_point_& p, _s_hd_point_& q);
 
+/// True when the line p -> q is seen end-on: its unit direction q - p is within kEndOnTol of
+/// the Z axis, so it projects to a point. Such a line is hidden whole by any face that hides
+/// at all.
+bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q);
+
 /// The part of the line p -> q (p the near end) hidden behind one face. Returns true and sets
 /// from -> to (running away from p, both on the line) when a piece is hidden; false otherwise.
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, _s_hd_point_& from,

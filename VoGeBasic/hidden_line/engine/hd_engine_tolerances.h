@@ -59,6 +59,24 @@ constexpr double kInFaceVertexDist2 = 0.00000001;
 constexpr double kInFaceTurnTol = 0.09;
 constexpr double kInFaceTurn = 6.283185307179586;
 
+// ---- pruning in the library's hide pass (changes no result) -------------------------------------
+
+/// A face hides a piece of a line that is not seen end-on only through a point within
+/// kBehindExtentTol (times sqrt 2, the box corner) of the face's XY extents, or within
+/// kPierceExtentTol of them and near the segment, or where an edge near the face crosses the
+/// segment. "Near" is what isPointOnSeg accepts: within kOnSegEndDist2 of an end, or where the
+/// angle falls short of a half turn by at most about 2.5e-4 rad, which is at most 2.5e-4 times
+/// the segment's length away (rounding of the cosine adds at most 1.2e-4 times its square root).
+/// The drawing-plane crossing of the line and an edge is computed to within 1e-6 of the two
+/// lengths. So the projected segment comes within kCullMarginAbs plus kCullMarginRel times the
+/// line's length and the face's size (X plus Y plus Z extent) of the face's XY extents whenever
+/// the face can hide a piece of it: 0.0424 + 3.6e-4 + 3.7e-4 (length + size) stays below.
+constexpr double kCullMarginAbs = 0.05;
+constexpr double kCullMarginRel = 0.001;
+/// Pruning is used only when every coordinate of the line and of the face is finite and within
+/// this of zero, so that rounding of positions (below 3e-7) stays far below the margins.
+constexpr double kCullCoordLimit = 1e9;
+
 // ---- face intersection --------------------------------------------------------------------------
 
 /// Two faces are parallel, and do not meet, when the absolute dot product of their unit normals

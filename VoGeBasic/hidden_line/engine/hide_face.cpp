@@ -211,6 +211,12 @@ bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q) {
            face.xmin <= std::fmax(p.x, q.x) && face.ymin <= std::fmax(p.y, q.y);
 }
 
+bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
+    const _s_hd_point_ dir = unitDir(q, p);
+    return std::fabs(dir.x) < hd::kEndOnTol && std::fabs(dir.y) < hd::kEndOnTol &&
+           std::fabs(std::fabs(dir.z) - 1.0) < hd::kEndOnTol;
+}
+
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& from,
                     _s_hd_point_& to) {
     const _s_hd_point_ n = f.normal;
@@ -228,9 +234,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
     }
 
     // A line seen end-on is a point of the drawing: hidden whole.
-    const _s_hd_point_ dir = unitDir(q, p);
-    if (std::fabs(dir.x) < hd::kEndOnTol && std::fabs(dir.y) < hd::kEndOnTol &&
-        std::fabs(std::fabs(dir.z) - 1.0) < hd::kEndOnTol) {
+    if (isSeenEndOn(p, q)) {
         from = p;
         to = q;
         return true;
