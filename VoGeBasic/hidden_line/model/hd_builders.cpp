@@ -26,10 +26,6 @@ int clampCurveChords(double n) {
     return static_cast<int>(n);
 }
 
-double snapComponent(double v) {
-    return std::fabs(v) < hd::kComponentSnap ? 0.0 : v;
-}
-
 _s_hd_sect_* mallocSectChain(const _s_hd_point_* pts, int count) {
     _s_hd_sect_* head = nullptr;
     _s_hd_sect_** link = &head;
@@ -60,24 +56,12 @@ void linkBehindLast(T* node, T* item) {
 
 // ---- point and vector helpers -------------------------------------------------------------------
 
-_s_hd_point_ vecSub(_s_hd_point_ a, _s_hd_point_ b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-_s_hd_point_ vecAdd(_s_hd_point_ a, _s_hd_point_ b) {
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-
 _s_hd_point_ vecScale(double s, _s_hd_point_ a) {
     return {s * a.x, s * a.y, s * a.z};
 }
 
 _s_hd_point_ vecNegate(_s_hd_point_ a) {
     return {-a.x, -a.y, -a.z};
-}
-
-_s_hd_point_ linComb(double s, _s_hd_point_ a, double t, _s_hd_point_ b) {
-    return {s * a.x + t * b.x, s * a.y + t * b.y, s * a.z + t * b.z};
 }
 
 _s_hd_point_ lerpPoint(double t, _s_hd_point_ a, _s_hd_point_ b) {
@@ -88,56 +72,6 @@ _s_hd_point_ mirrorPoint(_s_hd_point_ a, _s_hd_point_ c) {
     return {2.0 * c.x - a.x, 2.0 * c.y - a.y, 2.0 * c.z - a.z};
 }
 
-double vecDot(_s_hd_point_ a, _s_hd_point_ b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-double det2(double a, double b, double c, double d) {
-    return a * d - b * c;
-}
-
-_s_hd_point_ vecCross(_s_hd_point_ a, _s_hd_point_ b) {
-    return {det2(a.y, a.z, b.y, b.z), -det2(a.x, a.z, b.x, b.z), det2(a.x, a.y, b.x, b.y)};
-}
-
-double vecLength(_s_hd_point_ v) {
-    const double x = snapComponent(v.x);
-    const double y = snapComponent(v.y);
-    const double z = snapComponent(v.z);
-    const double q = x * x + y * y + z * z;
-    if (q <= hd::kNullLengthSq)
-        return 0.0;
-    return std::sqrt(q);
-}
-
-_s_hd_point_ vecNormalize(_s_hd_point_ v) {
-    const double len = vecLength(v);
-    if (len < hd::kUnitMinLength)
-        return {0.0, 0.0, 0.0};
-    return {v.x / len, v.y / len, v.z / len};
-}
-
-_s_hd_point_ unitDir(_s_hd_point_ a, _s_hd_point_ b) {
-    return vecNormalize(vecSub(a, b));
-}
-
-_s_hd_point_ unitCross(_s_hd_point_ a, _s_hd_point_ b) {
-    return vecNormalize(vecCross(a, b));
-}
-
-_s_hd_point_ triNormal(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c) {
-    return unitCross(vecSub(b, a), vecSub(c, a));
-}
-
-double pointDist(_s_hd_point_ a, _s_hd_point_ b) {
-    return vecLength(vecSub(a, b));
-}
-
-double pointDist2(_s_hd_point_ a, _s_hd_point_ b) {
-    const _s_hd_point_ d = vecSub(a, b);
-    return vecDot(d, d);
-}
-
 bool vecIsParallel(_s_hd_point_ a, _s_hd_point_ b) {
     return vecLength(vecCross(a, b)) < hd::kUnitMinLength;
 }
@@ -145,12 +79,6 @@ bool vecIsParallel(_s_hd_point_ a, _s_hd_point_ b) {
 bool isSamePoint(_s_hd_point_ a, _s_hd_point_ b) {
     return std::fabs(a.x - b.x) < hd::kSamePointTol && std::fabs(a.y - b.y) < hd::kSamePointTol &&
            std::fabs(a.z - b.z) < hd::kSamePointTol;
-}
-
-bool isSamePointFine(_s_hd_point_ a, _s_hd_point_ b) {
-    return std::fabs(a.x - b.x) < hd::kSamePointFineTol &&
-           std::fabs(a.y - b.y) < hd::kSamePointFineTol &&
-           std::fabs(a.z - b.z) < hd::kSamePointFineTol;
 }
 
 bool isFinitePoint(_s_hd_point_ p) {
