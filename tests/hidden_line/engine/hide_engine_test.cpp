@@ -58,23 +58,16 @@ void expectEngineMatchesReference(std::vector<_s_hd_prof_*> forEngine,
     }
 }
 
-// Scene sizes: the sanitizer build runs about ten times slower, so it checks smaller plants.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr int kSceneScale = 4;
-#else
-constexpr int kSceneScale = 1;
-#endif
-
 TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
     const struct {
         const char* id;
         std::vector<vgscene::Primitive> prims;
     } scenes[] = {
         {"built-in plant", vgscene::builtinPlant()},
-        {"150 primitives, seed 1", vgscene::generatePlant(150 / kSceneScale, 1)},
-        {"150 primitives, seed 7", vgscene::generatePlant(150 / kSceneScale, 7)},
-        {"400 primitives, seed 3", vgscene::generatePlant(400 / kSceneScale, 3)},
-        {"400 primitives, seed 11", vgscene::generatePlant(400 / kSceneScale, 11)},
+        {"150 primitives, seed 1", vgscene::generatePlant(150, 1)},
+        {"150 primitives, seed 7", vgscene::generatePlant(150, 7)},
+        {"400 primitives, seed 3", vgscene::generatePlant(400, 3)},
+        {"400 primitives, seed 11", vgscene::generatePlant(400, 11)},
     };
     for (const auto& s : scenes) {
         SCOPED_TRACE(s.id);
