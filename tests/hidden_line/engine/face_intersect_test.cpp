@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "hd_engine.h"
@@ -19,50 +20,47 @@ _s_hd_prof_* block(P lo, P hi) {
     return ep_divide_box(hi.x - lo.x, hi.y - lo.y, hi.z - lo.z, lo, {1, 0, 0}, {0, 1, 0}, 1);
 }
 
-int lineCount(const _s_hd_prof_* obj) {
-    return static_cast<int>(segsOf(obj->proline).size());
+// The lines appended behind the object's first `skip` lines.
+std::vector<Piece> linesAfter(const _s_hd_prof_* obj, size_t skip) {
+    std::vector<Piece> all = piecesOf(obj->proline);
+    return std::vector<Piece>(all.begin() + static_cast<long>(skip), all.end());
 }
 
-// The lines appended behind the object's first `skip` lines.
-std::vector<Seg> linesAfter(const _s_hd_prof_* obj, size_t skip) {
-    std::vector<Seg> all = segsOf(obj->proline);
-    return std::vector<Seg>(all.begin() + static_cast<long>(skip), all.end());
+// How many of the lines run from a to b, either way round.
+int countSame(const std::vector<Piece>& lines, P a, P b, double tol) {
+    int n = 0;
+    for (const Piece& l : lines)
+        n += sameSeg(l, a, b, tol) ? 1 : 0;
+    return n;
 }
 
 // Box A = [0, 2]^3 and box B poking through A's right side and top, registered in turn.
-struct PokingBoxes {
-    _s_hd_prof_* a;
-    _s_hd_prof_* b;
-    int count;
-};
-
-PokingBoxes registerPokingBoxes() {
-    PokingBoxes boxes = {block({0, 0, 0}, {2, 2, 2}), block({1, 0.5, 1}, {3, 1.5, 3}), 0};
+std::pair<_s_hd_prof_*, _s_hd_prof_*> registerPokingBoxes() {
     _s_hd_prof_* registry[3] = {};
-    kestFaceIntersect(boxes.a, registry, boxes.count, 2);
-    kestFaceIntersect(boxes.b, registry, boxes.count, 2);
-    return boxes;
+    int count = 0;
+    for (_s_hd_prof_* o : {block({0, 0, 0}, {2, 2, 2}), block({1, 0.5, 1}, {3, 1.5, 3})})
+        kestFaceIntersect(o, registry, count, 2);
+    return {registry[0], registry[1]};
 }
 
 TEST(GetFaceInterLine, ParallelWithinTheToleranceMeetsNothing) {
     // A square through y = 1 tilted about X by theta against the square at z = 0: the normals'
     // dot product is cos(theta), within 1e-6 of 1 below theta = 1.414e-3.
     const HDFace floor = faceOf(rect(0, 0, 2, 2, 0));
+    P a{}, b{};
     for (double theta : {1e-3, 2e-3}) {
         SCOPED_TRACE(theta);
         const double c = std::cos(theta);
         const double s = std::sin(theta);
         const HDFace tilted =
             faceOf({{0.5, 1 - c, -s}, {1.5, 1 - c, -s}, {1.5, 1 + c, s}, {0.5, 1 + c, s}});
-        P a{}, b{};
         const bool met = getFaceInterLine(floor, tilted, a, b);
         ASSERT_EQ(met, theta > 1.5e-3);
         if (met) {
-            EXPECT_TRUE(sameSeg({a, b}, {0.5, 1, 0}, {1.5, 1, 0}, 1e-9));
+            EXPECT_EQ(countSame({{a, b, -1}}, {0.5, 1, 0}, {1.5, 1, 0}, 1e-9), 1);
         }
     }
     // Faces that do not reach each other, and a face of no area, meet nothing.
-    P a{}, b{};
     const HDFace wall = faceOf({{5, 0, -1}, {5, 2, -1}, {5, 2, 1}, {5, 0, 1}});
     EXPECT_FALSE(getFaceInterLine(floor, wall, a, b));
     EXPECT_FALSE(getFaceInterLine(floor, faceOf(rect(0, 1, 2, 1, 0)), a, b));
@@ -70,7 +68,7 @@ TEST(GetFaceInterLine, ParallelWithinTheToleranceMeetsNothing) {
 
 TEST(KestFaceIntersect, RegistryBoundsAreKept) {
     _s_hd_prof_* obj = makeObject({}, {{{0, 0, 0}, {1, 0, 0}}});
-    _s_hd_prof_* registry[4] = {nullptr, nullptr, nullptr, nullptr};
+    _s_hd_prof_* registry[4] = {};
     const struct {
         int count, max;
         bool stored;
@@ -79,8 +77,6 @@ TEST(KestFaceIntersect, RegistryBoundsAreKept) {
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.count << " of " << c.max);
         int count = c.count;
-        if (c.count >= 0 && c.count <= 3)
-            registry[c.count] = nullptr;
         kestFaceIntersect(obj, registry, count, c.max);
         EXPECT_EQ(count, c.stored ? c.count + 1 : c.count);
         if (c.stored) {
@@ -95,44 +91,36 @@ TEST(KestFaceIntersect, RegistryBoundsAreKept) {
 
 TEST(KestFaceIntersect, InterpenetratingBoxesGainTheirIntersectionLoop) {
     // The loop is three segments on each of the two sides of A that B pokes through.
-    auto [a, b, count] = registerPokingBoxes();
-    EXPECT_EQ(count, 2);
-    EXPECT_EQ(lineCount(a), 12);  // axis-aligned: its own faces only touch, no self-segments
-    const std::vector<Seg> added = linesAfter(b, 12);
+    auto [a, b] = registerPokingBoxes();
+    Owned boxes{{a, b}};
+    EXPECT_EQ(piecesOf(a->proline).size(), 12u);  // axis-aligned: its faces only touch
+    const std::vector<Piece> added = linesAfter(b, 12);
     const std::vector<Seg> loop = {
         {{2, 0.5, 1}, {2, 0.5, 2}}, {{2, 1.5, 1}, {2, 1.5, 2}}, {{2, 0.5, 1}, {2, 1.5, 1}},
         {{1, 0.5, 2}, {2, 0.5, 2}}, {{1, 1.5, 2}, {2, 1.5, 2}}, {{1, 0.5, 2}, {1, 1.5, 2}},
     };
     ASSERT_EQ(added.size(), loop.size());
     for (const Seg& want : loop) {
-        int found = 0;
-        for (const Seg& got : added)
-            found += sameSeg(got, want.first, want.second, 1e-12) ? 1 : 0;
-        EXPECT_EQ(found, 1) << want.first.x << " " << want.first.y << " " << want.first.z;
+        EXPECT_EQ(countSame(added, want.first, want.second, 1e-12), 1)
+            << want.first.x << " " << want.first.y << " " << want.first.z;
     }
-    for (_s_hd_proline_* l = b->proline; l != nullptr; l = l->next)
-        EXPECT_EQ(l->owner, -1);
-    freeHDProfObjectPointer(a);
-    freeHDProfObjectPointer(b);
+    for (const Piece& l : added)
+        EXPECT_EQ(l.owner, -1);
 }
 
 TEST(KestFaceIntersect, TurnedBoxMeetsItselfAlongItsEdges) {
     // Turned, a box's neighbouring faces overlap in their extents: each pair, taken both ways,
     // adds a segment along the edge they share.
-    _s_hd_prof_* cube = cornerCube({0, 0, 0});
-    const std::vector<Seg> edges = segsOf(cube->proline);
+    Owned owned{{cornerCube({0, 0, 0})}};
+    _s_hd_prof_* cube = owned.objs[0];
+    const std::vector<Piece> edges = piecesOf(cube->proline);
     _s_hd_prof_* registry[1] = {};
     int count = 0;
     kestFaceIntersect(cube, registry, count, 0);
-    const std::vector<Seg> added = linesAfter(cube, 12);
+    const std::vector<Piece> added = linesAfter(cube, 12);
     EXPECT_EQ(added.size(), 24u);
-    for (const Seg& got : added) {
-        int onEdges = 0;
-        for (const Seg& e : edges)
-            onEdges += sameSeg(got, e.first, e.second, 1e-9) ? 1 : 0;
-        EXPECT_EQ(onEdges, 1);
-    }
-    freeHDProfObjectPointer(cube);
+    for (const Piece& got : added)
+        EXPECT_EQ(countSame(edges, got.a, got.b, 1e-9), 1);
 }
 
 TEST(KestFaceIntersect, ObjectsWithoutLinesOrFacesOnlyRegister) {
@@ -147,21 +135,20 @@ TEST(KestFaceIntersect, ObjectsWithoutLinesOrFacesOnlyRegister) {
     for (_s_hd_prof_* o : {box, bare, lines, static_cast<_s_hd_prof_*>(nullptr), nanFace})
         kestFaceIntersect(o, registry, count, 4);
     EXPECT_EQ(count, 5);
-    EXPECT_TRUE(bare->proline == nullptr && lineCount(lines) == 1 && lineCount(nanFace) == 1);
-    EXPECT_EQ(lineCount(box), 12);
+    EXPECT_TRUE(bare->proline == nullptr && piecesOf(lines->proline).size() == 1 &&
+                piecesOf(nanFace->proline).size() == 1 && piecesOf(box->proline).size() == 12);
     for (_s_hd_prof_* o : {box, bare, lines, nanFace})
         freeHDProfObjectPointer(o);
 }
 
 TEST(KestFaceIntersect, FailedAllocationAddsNoLineAndLeaksNothing) {
     vgtest::forEachAllocationFailure([] {
-        auto [a, b, count] = registerPokingBoxes();
+        auto [a, b] = registerPokingBoxes();
+        Owned boxes{{a, b}};
         if (a != nullptr && b != nullptr) {
-            const int lines = lineCount(b);
+            const size_t lines = piecesOf(b->proline).size();
             EXPECT_TRUE(lines == 12 || lines == 18) << lines;  // all the loop or none of it
         }
-        freeHDProfObjectPointer(a);
-        freeHDProfObjectPointer(b);
     });
 }
 

@@ -14,6 +14,7 @@
 #include "hd_tessellators.h"
 #include "hidden_line/engine/hd_engine_internal.h"
 #include "hidden_line/model/hd_builders.h"
+#include "support/geom_expect.h"
 
 namespace enginetest {
 
@@ -24,14 +25,18 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kCalcTol = 1e-12;
 
 inline bool near(P a, P b, double tol = kCalcTol) {
-    return std::fabs(a.x - b.x) <= tol && std::fabs(a.y - b.y) <= tol &&
-           std::fabs(a.z - b.z) <= tol;
+    return vgtest::near3(a, b, tol);
 }
 
+/// A line of a result or of an object's list.
+struct Piece {
+    P a, b;
+    int owner;
+};
+
 /// The same segment, either way round.
-inline bool sameSeg(const Seg& s, P a, P b, double tol = kCalcTol) {
-    return (near(s.first, a, tol) && near(s.second, b, tol)) ||
-           (near(s.first, b, tol) && near(s.second, a, tol));
+inline bool sameSeg(const Piece& s, P a, P b, double tol = kCalcTol) {
+    return (near(s.a, a, tol) && near(s.b, b, tol)) || (near(s.a, b, tol) && near(s.b, a, tol));
 }
 
 /// The rectangle [x0, x1] x [y0, y1] at depth z, counter-clockwise in the drawing plane.
@@ -39,73 +44,59 @@ inline std::vector<P> rect(double x0, double y0, double x1, double y1, double z)
     return {{x0, y0, z}, {x1, y0, z}, {x1, y1, z}, {x0, y1, z}};
 }
 
-/// A new vertex chain through the points.
-inline geolib::_s_hd_sect_* chainOf(const std::vector<P>& pts) {
-    geolib::_s_hd_sect_* head = nullptr;
-    for (auto p = pts.rbegin(); p != pts.rend(); ++p) {
-        geolib::_s_hd_sect_* node = geolib::mallocHDSect();
-        node->pt = *p;
-        node->next = head;
-        head = node;
-    }
-    return head;
-}
-
 /// The face as the engine reads it.
 inline geolib::HDFace faceOf(const std::vector<P>& pts) {
-    geolib::_s_hd_sect_* chain = chainOf(pts);
+    geolib::_s_hd_sect_* chain = pts.size() == 3
+                                     ? geolib::mallocTriSect(pts[0], pts[1], pts[2])
+                                     : geolib::mallocQuadSect(pts[0], pts[1], pts[2], pts[3]);
     geolib::HDFace f{};
     geolib::readFace(chain, f);
     geolib::freeHDSectPointer(chain);
     return f;
 }
 
-/// A new object with the faces and lines given, its box around all their points.
+/// A new object with the faces (three or four vertices) and lines given, its box around all
+/// their points.
 inline geolib::_s_hd_prof_* makeObject(const std::vector<std::vector<P>>& faces,
                                        const std::vector<Seg>& lines) {
-    geolib::_s_hd_prof_* obj = geolib::mallocHDProfObject();
-    geolib::initHDBox(obj->box);
+    geolib::HDProfDraft draft;
     bool seeded = false;
     auto grow = [&](P p) {
         if (seeded)
-            geolib::extendHDBox(p.x, p.y, p.z, obj->box);
+            draft.extendBox(p);
         else
-            geolib::setHDBox(p.x, p.y, p.z, obj->box);
+            draft.seedBox(p);
         seeded = true;
     };
     for (const auto& f : faces) {
-        geolib::_s_hd_prosect_* node = geolib::appendProsect(chainOf(f), obj->prosect);
-        if (obj->prosect == nullptr)
-            obj->prosect = node;
+        if (f.size() == 3)
+            draft.addTri(f[0], f[1], f[2]);
+        else
+            draft.addQuad(f[0], f[1], f[2], f[3]);
         for (P p : f)
             grow(p);
     }
     for (const Seg& l : lines) {
-        geolib::_s_hd_proline_* node = geolib::appendProline(l.first, l.second, obj->proline);
-        if (obj->proline == nullptr)
-            obj->proline = node;
+        draft.addLine(l.first, l.second);
         grow(l.first);
         grow(l.second);
     }
-    return obj;
+    return draft.finish();
 }
 
-struct Piece {
-    P a, b;
-    int owner;
+/// Objects released when it goes out of scope (never copied).
+struct Owned {
+    std::vector<geolib::_s_hd_prof_*> objs;
+    ~Owned() {
+        for (geolib::_s_hd_prof_* o : objs)
+            geolib::freeHDProfObjectPointer(o);
+    }
 };
 
 inline std::vector<Piece> piecesOf(const geolib::_s_hd_proline_* l) {
     std::vector<Piece> out;
     for (; l != nullptr; l = l->next)
         out.push_back({l->start, l->end, l->owner});
-    return out;
-}
-
-inline std::vector<Seg> segsOf(const geolib::_s_hd_proline_* l) {
-    std::vector<Seg> out;
-    for (; l != nullptr; l = l->next)
-        out.emplace_back(l->start, l->end);
     return out;
 }
 

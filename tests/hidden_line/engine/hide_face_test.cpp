@@ -1,30 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include "hidden_line/engine/hd_engine_fixtures.h"
 #include "hidden_line/engine/hd_engine_internal.h"
-#include "hidden_line/engine/hd_engine_tolerances.h"
 
 namespace {
 
 using namespace geolib;
 using namespace enginetest;
-
-// The piece of p -> q hidden behind the face, or none.
-struct Hidden {
-    bool found;
-    P from, to;
-};
-
-Hidden hiddenBy(P p, P q, const std::vector<P>& face) {
-    Hidden h{false, {}, {}};
-    orientNearFirst(p, q);
-    h.found = hideLineByFace(p, q, faceOf(face), h.from, h.to);
-    return h;
-}
 
 TEST(IsPointOnSeg, EndsMiddleAndTheAngleBand) {
     const P a = {0, 0, 0};
@@ -53,6 +38,8 @@ TEST(IsPointInFace, ConvexAndDentedFacesInEveryWindingAndStart) {
     const std::vector<P> square = rect(0, 0, 2, 2, 0);
     // A dart: its dent at (0.5, 1) leaves (0.25, 1) outside although it is within the extents.
     const std::vector<P> dart = {{0, 0, 0}, {2, 1, 0}, {0, 2, 0}, {0.5, 1, 0}};
+    // Upright faces (the face intersection meets them) work alike.
+    const std::vector<P> wall = {{0, 0, 0}, {0, 2, 0}, {0, 2, 2}, {0, 0, 2}};
     const struct {
         const std::vector<P>* face;
         P p;
@@ -61,7 +48,8 @@ TEST(IsPointInFace, ConvexAndDentedFacesInEveryWindingAndStart) {
         {&square, {1, 1, 0}, 1},         {&square, {3, 1, 0}, 0},    {&square, {1, 0, 0}, 1},
         {&square, {-5e-5, -5e-5, 0}, 1},  // edge, near vertex
         {&square, {-1e-4, -1e-4, 0}, 0}, {&dart, {1, 1, 0}, 1},      {&dart, {0.25, 1, 0}, 0},
-        {&dart, {1.5, 1.5, 0}, 0},       {&square, {1, kNaN, 0}, 0},
+        {&dart, {1.5, 1.5, 0}, 0},       {&square, {1, kNaN, 0}, 0}, {&wall, {0, 1, 1}, 1},
+        {&wall, {0, 3, 1}, 0},
     };
     for (const auto& c : cases) {
         std::vector<P> v = *c.face;
@@ -73,10 +61,6 @@ TEST(IsPointInFace, ConvexAndDentedFacesInEveryWindingAndStart) {
                 std::reverse(v.begin(), v.end());
         }
     }
-    // Upright faces (the face intersection meets them) work alike.
-    const std::vector<P> wall = {{0, 0, 0}, {0, 2, 0}, {0, 2, 2}, {0, 0, 2}};
-    EXPECT_EQ(isPointInFace({0, 1, 1}, 4, wall.data()), 1);
-    EXPECT_EQ(isPointInFace({0, 3, 1}, 4, wall.data()), 0);
     // A face of no area holds only its outline; fewer than three vertices hold nothing.
     const std::vector<P> flat = {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}};
     EXPECT_EQ(isPointInFace({1, 0.5, 0}, 3, flat.data()), 0);
@@ -91,103 +75,71 @@ TEST(IsLineCrossPlane, ParallelWithinTheTolerance) {
     EXPECT_EQ(isLineCrossPlane({0, 0, 0}, {0, 0, 0}, n), 0);  // no direction at all
 }
 
-TEST(GetLinePlaneInter, MeetsThePlaneOrGivesNaN) {
-    const P x = getLinePlaneInter({0, 0, 1}, {1, 0, 1}, {0, 1, 1}, {2, 3, 0}, {4, 5, 4});
-    EXPECT_TRUE(near(x, {2.5, 3.5, 1}));
-    const P none = getLinePlaneInter({0, 0, 1}, {1, 0, 1}, {0, 1, 1}, {2, 3, 0}, {4, 5, 0});
-    EXPECT_TRUE(std::isnan(none.x) && std::isnan(none.z));
-}
-
-TEST(HideLineByFace, LineBehindASquareLosesTheCoveredMiddle) {
-    const Hidden h = hiddenBy({-1, 1, 5}, {3, 1, 5}, rect(0, 0, 2, 2, 0));
-    ASSERT_TRUE(h.found);
-    // Constant depth: the near end is the second point; the piece runs away from it.
-    EXPECT_TRUE(near(h.from, {2, 1, 5}) && near(h.to, {0, 1, 5}));
-    EXPECT_FALSE(hiddenBy({-1, 1, -5}, {3, 1, -5}, rect(0, 0, 2, 2, 0)).found);  // in front
-    EXPECT_FALSE(hiddenBy({-1, 3, 5}, {3, 3, 5}, rect(0, 0, 2, 2, 0)).found);    // beside
-}
-
-TEST(HideLineByFace, PiercingLineIsHiddenFromThePiercingPoint) {
-    // Pierces at (1, 1, 0) and ends behind the face.
-    Hidden h = hiddenBy({0.5, 1, -1}, {1.5, 1, 1}, rect(0, 0, 2, 2, 0));
-    ASSERT_TRUE(h.found);
-    EXPECT_TRUE(near(h.from, {1, 1, 0}) && near(h.to, {1.5, 1, 1}));
-    // Pierces at (1, 1, 0) and leaves the face's outline at x = 2 behind it.
-    h = hiddenBy({0.5, 1, -0.5}, {3.5, 1, 2.5}, rect(0, 0, 2, 2, 0));
-    ASSERT_TRUE(h.found);
-    EXPECT_TRUE(near(h.from, {1, 1, 0}) && near(h.to, {2, 1, 1}));
-}
-
-TEST(HideLineByFace, CrossingOnTheLinesExtensionDoesNotCount) {
-    // From behind the face out past x = 2; the line's extension meets x = 0 at (0, 1, 4),
-    // also behind the face, which must not stretch the piece off the line.
-    const Hidden h = hiddenBy({1.5, 1, 5}, {3, 1, 6}, rect(0, 0, 2, 2, 0));
-    ASSERT_TRUE(h.found);
-    EXPECT_TRUE(near(h.from, {1.5, 1, 5}) && near(h.to, {2, 1, 16.0 / 3}));
-}
-
-TEST(HideLineByFace, LinesThatNoFaceHides) {
-    const std::vector<P> square = rect(0, 0, 2, 2, 0);
-    EXPECT_FALSE(hiddenBy({0.5, 0.5, 0}, {1.5, 1.5, 0}, square).found);  // in its plane
+TEST(HideLineByFace, HandCheckedLinesAndTheToleranceBoundaries) {
+    const std::vector<P> sq = rect(0, 0, 2, 2, 0);
     const std::vector<P> tilted = {{0, 0, 0}, {2, 0, 2}, {2, 2, 2}, {0, 2, 0}};
-    EXPECT_FALSE(hiddenBy({0.5, 1, 0.5}, {1.5, 1, 1.5}, tilted).found);  // in a tilted plane
-    // A face tilted until its normal's Z is below 0.0003 is seen edge-on and hides nothing; at
-    // twice that it still hides. eps is the normal's Z; the face is 10 deep and 10 * eps wide.
-    for (double eps : {1.5e-4, 6e-4}) {
-        SCOPED_TRACE(eps);
-        const std::vector<P> steep = {{0, 0, 0}, {2, 0, 0}, {2, 10 * eps, 10}, {0, 10 * eps, 10}};
-        EXPECT_EQ(hiddenBy({-1, 5 * eps, 20}, {3, 5 * eps, 20}, steep).found, eps > 3e-4);
-    }
-    // A face of no area.
-    EXPECT_FALSE(hiddenBy({-1, 1, 5}, {3, 1, 5}, rect(0, 1, 2, 1, 0)).found);
-}
-
-TEST(HideLineByFace, LevelDepthCountsAsBehind) {
-    // A line a hair in front of the face (within 0.0003) is hidden whole; clearly in front not.
-    for (double d : {1.5e-4, 6e-4}) {
-        SCOPED_TRACE(d);
-        const Hidden h = hiddenBy({0.5, 1, -d}, {1.5, 1, -d}, rect(0, 0, 2, 2, 0));
-        EXPECT_EQ(h.found, d < 3e-4);
-    }
-}
-
-TEST(HideLineByFace, EndOnLineIsHiddenWholeWithoutAnyInsideTest) {
-    // Within 0.0003 of the Z axis a line projects to a point: any face that gets to test it
-    // hides it whole, even one behind it. At twice the tolerance it is an ordinary line in
-    // front of the face.
-    for (double dx : {1.5e-4, 6e-4}) {
-        SCOPED_TRACE(dx);
-        const Hidden h = hiddenBy({1, 1, -2}, {1 + dx, 1, -1}, rect(0, 0, 2, 2, 0));
-        EXPECT_EQ(h.found, dx < 3e-4);
-        if (h.found) {
-            EXPECT_TRUE(near(h.from, {1, 1, -2}) && near(h.to, {1 + dx, 1, -1}));
-        }
-    }
-}
-
-TEST(HideLineByFace, SecondCrossingMustLieApartFromTheFirst) {
-    // A line behind the square clips its corner (2, 0); the crossings with the two edges lie
-    // s * sqrt(2) apart. Closer than 0.0005 they count as one and hide nothing.
-    for (double s : {1.77e-4, 7.07e-4}) {
-        SCOPED_TRACE(s);
-        const Hidden h = hiddenBy({1 - s, -1, 5}, {3, 1 + s, 5}, rect(0, 0, 2, 2, 0));
-        ASSERT_EQ(h.found, s * std::sqrt(2.0) > 5e-4);
-        if (h.found) {
-            EXPECT_TRUE(near(h.from, {2, s, 5}) && near(h.to, {2 - s, 0, 5}));
+    // Tilted until its normal's Z is e: 10 deep and 10 e wide.
+    auto steep = [](double e) {
+        return std::vector<P>{{0, 0, 0}, {2, 0, 0}, {2, 10 * e, 10}, {0, 10 * e, 10}};
+    };
+    const double in = 1.5e-4, out = 6e-4;       // half and twice the 0.0003 tolerances
+    const double yi = 5 * in, yo = 5 * out;     // halfway up steep(in), steep(out)
+    const double one = 1.77e-4, two = 7.07e-4;  // crossings 2.5e-4 and 1e-3 apart
+    const P none{};
+    const struct {
+        const char* id;
+        P p, q;
+        std::vector<P> face;
+        bool found;
+        P from, to;
+    } cases[] = {
+        // Constant depth: the near end is the second point; the piece runs away from it.
+        {"behind", {-1, 1, 5}, {3, 1, 5}, sq, true, {2, 1, 5}, {0, 1, 5}},
+        {"in front", {-1, 1, -5}, {3, 1, -5}, sq, false, none, none},
+        {"beside", {-1, 3, 5}, {3, 3, 5}, sq, false, none, none},
+        {"pierces, ends behind", {0.5, 1, -1}, {1.5, 1, 1}, sq, true, {1, 1, 0}, {1.5, 1, 1}},
+        {"pierces, leaves behind", {0.5, 1, -0.5}, {3.5, 1, 2.5}, sq, true, {1, 1, 0}, {2, 1, 1}},
+        // The extension meets x = 0 at (0, 1, 4), also behind: it must not stretch the piece.
+        {"extension", {1.5, 1, 5}, {3, 1, 6}, sq, true, {1.5, 1, 5}, {2, 1, 16.0 / 3}},
+        {"in its plane", {0.5, 0.5, 0}, {1.5, 1.5, 0}, sq, false, none, none},
+        {"in a tilted plane", {0.5, 1, 0.5}, {1.5, 1, 1.5}, tilted, false, none, none},
+        {"no area", {-1, 1, 5}, {3, 1, 5}, rect(0, 1, 2, 1, 0), false, none, none},
+        // A face whose normal's Z is below 0.0003 is seen edge-on and hides nothing.
+        {"edge-on", {-1, yi, 20}, {3, yi, 20}, steep(in), false, none, none},
+        {"facing", {-1, yo, 20}, {3, yo, 20}, steep(out), true, {2, yo, 20}, {0, yo, 20}},
+        // A line a hair in front (within 0.0003) is level with the face: hidden whole.
+        {"level", {0.5, 1, -in}, {1.5, 1, -in}, sq, true, {1.5, 1, -in}, {0.5, 1, -in}},
+        {"in front by a hair", {0.5, 1, -out}, {1.5, 1, -out}, sq, false, none, none},
+        // Within 0.0003 of the Z axis a line projects to a point: hidden whole, even by a face
+        // behind it.
+        {"end-on", {1, 1, -2}, {1 + in, 1, -1}, sq, true, {1, 1, -2}, {1 + in, 1, -1}},
+        {"not end-on", {1, 1, -2}, {1 + out, 1, -1}, sq, false, none, none},
+        // Clipping the corner (2, 0): crossings closer than 0.0005 count as one.
+        {"one", {1 - one, -1, 5}, {3, 1 + one, 5}, sq, false, none, none},
+        {"two", {1 - two, -1, 5}, {3, 1 + two, 5}, sq, true, {2, two, 5}, {2 - two, 0, 5}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.id);
+        P p = c.p, q = c.q, from{}, to{};
+        orientNearFirst(p, q);
+        const bool found = hideLineByFace(p, q, faceOf(c.face), from, to);
+        EXPECT_EQ(found, c.found);
+        if (found && c.found) {
+            EXPECT_TRUE(near(from, c.from) && near(to, c.to));
         }
     }
 }
 
 TEST(ReadFace, ReadsAtMostFourVerticesAndRefusesFewerThanThree) {
+    _s_hd_sect_* five = mallocQuadSect({0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0});
+    _s_hd_sect_* last = five->next->next->next;
+    last->next = mallocHDSect();
+    last->next->pt = {9, 9, 9};
     HDFace f{};
-    _s_hd_sect_* five = chainOf({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {9, 9, 9}});
     EXPECT_TRUE(readFace(five, f));
     EXPECT_TRUE(f.count == 4 && f.xmax == 1 && f.zmax == 0 && f.normal.z == 1);
-    _s_hd_sect_* two = chainOf({{0, 0, 0}, {1, 0, 0}});
-    EXPECT_FALSE(readFace(two, f));
-    EXPECT_FALSE(readFace(nullptr, f));
+    EXPECT_FALSE(readFace(last, f) || readFace(nullptr, f));  // two vertices, none
     freeHDSectPointer(five);
-    freeHDSectPointer(two);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "hd_engine.h"
@@ -18,89 +19,40 @@ using Pass = _s_hd_proline_* (*)(_s_hd_prof_**, int);
 // Every behaviour of the pass holds for the engine and for the reference alike.
 const Pass kPasses[] = {kestHideObject, kestHideObjectReference};
 
-_s_hd_proline_* listOf(const std::vector<Seg>& segs) {
-    ProlineChain chain;
-    for (const Seg& s : segs)
-        chain.append(s.first, s.second);
-    return chain.head;
-}
-
-std::vector<Seg> visibleOf(const std::vector<Seg>& hidden, P p, P q) {
-    _s_hd_proline_* visible = nullptr;
-    EXPECT_TRUE(getVisibleProline(listOf(hidden), p, q, visible));
-    std::vector<Seg> out = segsOf(visible);
-    for (const _s_hd_proline_* v = visible; v != nullptr; v = v->next)
-        EXPECT_EQ(v->owner, -1);
-    releaseProline(visible);
-    return out;
-}
-
-double length(const Seg& s) {
-    return std::sqrt(pointDist2(s.first, s.second));
-}
-
 TEST(GetVisibleProline, MergesSortsAndComplements) {
-    const P p = {0, 0, 0};
-    const P q = {10, 0, 0};
-    auto at = [](double x) { return P{x, 0, 0}; };
+    // Pieces of the line (0, 0, 0) -> (10, 0, 0), given by their x.
+    using Spans = std::vector<std::pair<double, double>>;
     const struct {
         const char* id;
-        std::vector<Seg> hidden;
-        std::vector<Seg> visible;
+        Spans hidden, visible;
     } cases[] = {
-        {"none hidden", {}, {{at(0), at(10)}}},
-        {"touching pieces merge",
-         {{at(2), at(4)}, {at(4), at(6)}},
-         {{at(0), at(2)}, {at(6), at(10)}}},
-        {"overlap, out of order",
-         {{at(5), at(8)}, {at(1), at(6)}},
-         {{at(0), at(1)}, {at(8), at(10)}}},
-        {"second inside first",
-         {{at(1), at(8)}, {at(3), at(4)}},
-         {{at(0), at(1)}, {at(8), at(10)}}},
-        {"first inside second",
-         {{at(3), at(4)}, {at(1), at(8)}},
-         {{at(0), at(1)}, {at(8), at(10)}}},
-        {"chain merged from the far end",
-         {{at(6), at(7)}, {at(2), at(3)}, {at(3), at(6)}},
-         {{at(0), at(2)}, {at(7), at(10)}}},
-        {"disjoint, gaps between",
-         {{at(4), at(5)}, {at(1), at(2)}, {at(7), at(10)}},
-         {{at(0), at(1)}, {at(2), at(4)}, {at(5), at(7)}}},
-        {"from the near end", {{at(0), at(3)}}, {{at(3), at(10)}}},
-        {"all of it", {{at(0), at(6)}, {at(5), at(10)}}, {}},
-        {"gap below the fine tolerance",
-         {{at(1), at(3)}, {at(3 + 4e-7), at(5)}},
-         {{at(0), at(1)}, {at(5), at(10)}}},
+        {"none hidden", {}, {{0, 10}}},
+        {"touching pieces merge", {{2, 4}, {4, 6}}, {{0, 2}, {6, 10}}},
+        {"overlap, out of order", {{5, 8}, {1, 6}}, {{0, 1}, {8, 10}}},
+        {"second inside first", {{1, 8}, {3, 4}}, {{0, 1}, {8, 10}}},
+        {"first inside second", {{3, 4}, {1, 8}}, {{0, 1}, {8, 10}}},
+        {"merged from the far end", {{6, 7}, {2, 3}, {3, 6}}, {{0, 2}, {7, 10}}},
+        {"gaps between", {{4, 5}, {1, 2}, {7, 10}}, {{0, 1}, {2, 4}, {5, 7}}},
+        {"from the near end", {{0, 3}}, {{3, 10}}},
+        {"all of it", {{0, 6}, {5, 10}}, {}},
+        {"gap below the fine tolerance", {{1, 3}, {3 + 4e-7, 5}}, {{0, 1}, {5, 10}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.id);
-        const std::vector<Seg> got = visibleOf(c.hidden, p, q);
-        ASSERT_EQ(got.size(), c.visible.size());
-        for (size_t i = 0; i < got.size(); ++i)
-            EXPECT_TRUE(near(got[i].first, c.visible[i].first) &&
-                        near(got[i].second, c.visible[i].second))
-                << i;
-    }
-}
-
-TEST(HideLineByProf, OrientsItsCopyAndTestsOnlyFacesWhoseExtentsTouch) {
-    // An end-on line is hidden by any face it gets to (no inside test): the triangle's
-    // extents reach it although the triangle itself does not.
-    _s_hd_prof_* tri = makeObject({{{0, 0, 0}, {4, 0, 0}, {4, 4, 0}}}, {});
-    for (double x : {1.0, 5.0}) {
-        SCOPED_TRACE(x);
         ProlineChain hidden;
-        const P a = {x, 3, 9};
-        const P b = {x, 3, 2};
-        ASSERT_TRUE(hideLineByProf(a, b, tri->prosect, hidden));
-        ASSERT_EQ(hidden.head != nullptr, x < 4);
-        if (hidden.head != nullptr) {
-            EXPECT_TRUE(near(hidden.head->start, b) && near(hidden.head->end, a));  // near first
+        for (const auto& s : c.hidden)
+            hidden.append({s.first, 0, 0}, {s.second, 0, 0});
+        _s_hd_proline_* visible = nullptr;
+        ASSERT_TRUE(getVisibleProline(hidden.head, {0, 0, 0}, {10, 0, 0}, visible));
+        const std::vector<Piece> got = piecesOf(visible);
+        releaseProline(visible);
+        ASSERT_EQ(got.size(), c.visible.size());
+        for (size_t i = 0; i < got.size(); ++i) {
+            EXPECT_TRUE(near(got[i].a, {c.visible[i].first, 0, 0}) &&
+                        near(got[i].b, {c.visible[i].second, 0, 0}) && got[i].owner == -1)
+                << i;
         }
-        releaseProline(hidden.head);
     }
-    freeHDProfObjectPointer(tri);
 }
 
 // The closed outline of a face as lines.
@@ -111,123 +63,108 @@ std::vector<Seg> outline(const std::vector<P>& face) {
     return out;
 }
 
+double length(const Piece& p) {
+    return std::sqrt(pointDist2(p.a, p.b));
+}
+
 double visibleLength(const std::vector<Piece>& pieces, int owner) {
     double total = 0;
     for (const Piece& p : pieces)
-        total += p.owner == owner ? length({p.a, p.b}) : 0.0;
+        total += p.owner == owner ? length(p) : 0.0;
     return total;
 }
 
 TEST(KestHideObject, NearSquareHidesTheCornerOfAFarSquare) {
     for (Pass pass : kPasses) {
-        _s_hd_prof_* nearSq = makeObject({rect(0, 0, 2, 2, 0)}, outline(rect(0, 0, 2, 2, 0)));
-        _s_hd_prof_* farSq = makeObject({rect(1, 1, 3, 3, 5)}, outline(rect(1, 1, 3, 3, 5)));
-        const std::vector<Piece> out = hide(pass, {nearSq, farSq});
+        Owned sq{{makeObject({rect(0, 0, 2, 2, 0)}, outline(rect(0, 0, 2, 2, 0))),
+                  makeObject({rect(1, 1, 3, 3, 5)}, outline(rect(1, 1, 3, 3, 5)))}};
+        const std::vector<Piece> out = hide(pass, sq.objs);
         EXPECT_NEAR(visibleLength(out, 0), 8, kCalcTol);
         EXPECT_NEAR(visibleLength(out, 1), 6, kCalcTol);  // its corner (1..2, 1..2) is behind
         EXPECT_EQ(out.size(), 8u);  // the far bottom and left edges keep one piece each
-        freeHDProfObjectPointer(nearSq);
-        freeHDProfObjectPointer(farSq);
     }
 }
 
 TEST(KestHideObject, CubeSeenFromACornerHidesItsOwnBackEdges) {
     for (Pass pass : kPasses) {
-        _s_hd_prof_* cube = cornerCube({1, 2, 3});
+        Owned cube{{cornerCube({1, 2, 3})}};
         // The far corner is C6, where the sixth line ends (u, v and w all point away from the
         // viewer).
-        const P far = segsOf(cube->proline)[5].second;
-        const std::vector<Piece> out = hide(pass, {cube});
+        const P far = piecesOf(cube.objs[0]->proline)[5].b;
+        const std::vector<Piece> out = hide(pass, cube.objs);
         ASSERT_EQ(out.size(), 9u);
         for (const Piece& piece : out) {
             EXPECT_EQ(piece.owner, 0);
             EXPECT_FALSE(near(piece.a, far, 1e-9) || near(piece.b, far, 1e-9));
-            EXPECT_NEAR(length({piece.a, piece.b}), 2, 1e-9);  // each visible edge whole
-            EXPECT_LE(piece.a.z, piece.b.z);                   // from its near end
+            EXPECT_NEAR(length(piece), 2, 1e-9);  // each visible edge whole
+            EXPECT_LE(piece.a.z, piece.b.z);      // from its near end
         }
-        freeHDProfObjectPointer(cube);
     }
 }
 
 TEST(KestHideObject, ConstantDepthLineIsReversedAtEveryCall) {
     for (Pass pass : kPasses) {
-        _s_hd_prof_* obj = makeObject({}, {{{0, 0, 1}, {1, 0, 1}}, {{0, 1, 2}, {0, 1, 1}}});
-        _s_hd_proline_* flat = obj->proline;
-        _s_hd_proline_* sloped = flat->next;
+        Owned obj{{makeObject({}, {{{0, 0, 1}, {1, 0, 1}}, {{0, 1, 2}, {0, 1, 1}}})}};
+        const _s_hd_proline_* flat = obj.objs[0]->proline;
         for (int call = 1; call <= 3; ++call) {
             SCOPED_TRACE(call);
-            hide(pass, {obj});
-            EXPECT_EQ(flat->start.x, call % 2 == 1 ? 1 : 0);          // swapped, back, swapped
-            EXPECT_TRUE(sloped->start.z == 1 && sloped->end.z == 2);  // near end first, kept
-        }
-        freeHDProfObjectPointer(obj);
-    }
-}
-
-TEST(KestHideObject, OwnersAreArrayIndicesAndNullEntriesAreSkipped) {
-    for (Pass pass : kPasses) {
-        _s_hd_prof_* a = makeObject({}, {{{0, 0, 0}, {1, 0, 0}}});
-        _s_hd_prof_* b = makeObject({}, {{{5, 0, 0}, {6, 0, 0}}, {{5, 1, 0}, {6, 1, 0}}});
-        const std::vector<Piece> out = hide(pass, {nullptr, a, nullptr, b});
-        ASSERT_EQ(out.size(), 3u);
-        EXPECT_TRUE(out[0].owner == 1 && out[1].owner == 3 && out[2].owner == 3);
-        freeHDProfObjectPointer(a);
-        freeHDProfObjectPointer(b);
-    }
-}
-
-TEST(KestHideObject, LineOnlyTouchingAnObjectsBoxIsNotTestedAgainstIt) {
-    // End-on lines (hidden whole by any face that tests them) just inside and exactly on the
-    // right side of a square's box: the pass tests a line only against boxes that overlap its
-    // range strictly.
-    for (Pass pass : kPasses) {
-        for (double x : {1.999, 2.0}) {
-            SCOPED_TRACE(x);
-            _s_hd_prof_* sq = makeObject({rect(0, 0, 2, 2, 0)}, {});
-            _s_hd_prof_* dot = makeObject({}, {{{x, 1, 1}, {x, 1, 2}}});
-            const std::vector<Piece> out = hide(pass, {sq, dot});
-            EXPECT_EQ(out.size(), x < 2 ? 0u : 1u);
-            freeHDProfObjectPointer(sq);
-            freeHDProfObjectPointer(dot);
+            hide(pass, obj.objs);
+            EXPECT_EQ(flat->start.x, call % 2 == 1 ? 1 : 0);  // swapped, back, swapped
+            EXPECT_TRUE(flat->next->start.z == 1 && flat->next->end.z == 2);  // near end first
         }
     }
 }
 
-TEST(KestHideObject, BadInputEndsAndHidesNothingWrongly) {
+TEST(KestHideObject, EndOnLineIsTestedOnlyAgainstBoxesAndFacesItsRangeReaches) {
+    // An end-on line is hidden whole by any face that tests it (no inside test). It is tested
+    // against objects whose box overlaps its range strictly (a touch is not enough), and there
+    // against the faces whose XY extents it reaches.
+    const struct {
+        double x, y;
+        bool hidden;
+    } cases[] = {
+        {1, 3, true},   // in the triangle's extents, outside the triangle
+        {5, 3, false},  // in the box, beyond both faces' extents
+        {7.999, 1, true},
+        {8, 1, false},  // just inside the box, on its right side
+    };
     for (Pass pass : kPasses) {
-        _s_hd_prof_* sq = makeObject({rect(0, 0, 2, 2, 0)}, outline(rect(0, 0, 2, 2, 0)));
-        _s_hd_prof_* objs[] = {sq};
-        EXPECT_EQ(pass(objs, 0), nullptr);
-        EXPECT_EQ(pass(objs, -1), nullptr);
-        EXPECT_EQ(pass(objs, INT_MIN), nullptr);
+        for (const auto& c : cases) {
+            SCOPED_TRACE(testing::Message() << c.x << " " << c.y);
+            Owned s{{makeObject({{{0, 0, 0}, {4, 0, 0}, {4, 4, 0}}, rect(6, 0, 8, 2, 0)}, {}),
+                     makeObject({}, {{{c.x, c.y, 1}, {c.x, c.y, 2}}})}};
+            EXPECT_EQ(hide(pass, s.objs).size(), c.hidden ? 0u : 1u);
+        }
+    }
+}
+
+TEST(KestHideObject, BadInputEndsAndOwnersStayArrayIndices) {
+    for (Pass pass : kPasses) {
+        // Null entries are skipped but keep their index. NaN in a face hides nothing; a NaN
+        // line comes back whole; a face of no area and an empty object change nothing.
+        Owned s{{nullptr, makeObject({rect(0, 0, 2, 2, 0)}, outline(rect(0, 0, 2, 2, 0))),
+                 makeObject({{{0, 0, -1}, {9, 0, -1}, {9, 9, kNaN}}}, {}), nullptr,
+                 makeObject({}, {{{1, 1, 5}, {kNaN, 1, 5}}}),
+                 makeObject({rect(0, 1, 2, 1, -1)}, {}), makeObject({}, {})}};
+        for (int n : {0, -1, INT_MIN})
+            EXPECT_EQ(pass(s.objs.data(), n), nullptr) << n;
         EXPECT_EQ(pass(nullptr, 5), nullptr);
-        // NaN in a face hides nothing; a NaN line comes back whole; a face of no area and an
-        // object with neither faces nor lines change nothing.
-        _s_hd_prof_* nanFace = makeObject({{{0, 0, -1}, {9, 0, -1}, {9, 9, kNaN}}}, {});
-        _s_hd_prof_* nanLine = makeObject({}, {{{1, 1, 5}, {kNaN, 1, 5}}});
-        _s_hd_prof_* flat = makeObject({rect(0, 1, 2, 1, -1)}, {});
-        _s_hd_prof_* empty = makeObject({}, {});
-        const std::vector<Piece> out = hide(pass, {sq, nanFace, nanLine, flat, empty});
-        EXPECT_NEAR(visibleLength(out, 0), 8, kCalcTol);
+        const std::vector<Piece> out = hide(pass, s.objs);
+        EXPECT_NEAR(visibleLength(out, 1), 8, kCalcTol);
         ASSERT_EQ(out.size(), 5u);
-        EXPECT_TRUE(out[4].owner == 2 && std::isnan(out[4].b.x + out[4].a.x));
-        for (_s_hd_prof_* o : {sq, nanFace, nanLine, flat, empty})
-            freeHDProfObjectPointer(o);
+        EXPECT_TRUE(out[4].owner == 4 && std::isnan(out[4].b.x + out[4].a.x));
     }
 }
 
 TEST(KestHideObject, ReleasesAllItBuiltWhenAnAllocationFails) {
     for (Pass pass : kPasses) {
-        _s_hd_prof_* nearBox = ep_divide_box(2, 2, 2, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 1);
-        _s_hd_prof_* farCube = cornerCube({1, 1, 5});
-        _s_hd_prof_* objs[] = {nearBox, farCube};
+        Owned s{
+            {ep_divide_box(2, 2, 2, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 1), cornerCube({1, 1, 5})}};
         const long mallocs = vgtest::forEachAllocationFailure([&] {
-            _s_hd_proline_* out = pass(objs, 2);
+            _s_hd_proline_* out = pass(s.objs.data(), 2);
             releaseProline(out);
         });
         EXPECT_GT(mallocs, 10);
-        freeHDProfObjectPointer(nearBox);
-        freeHDProfObjectPointer(farCube);
     }
 }
 
