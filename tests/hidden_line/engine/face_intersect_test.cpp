@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
-#include <utility>
 #include <vector>
 
 #include "hd_engine.h"
@@ -15,15 +15,11 @@ namespace {
 using namespace geolib;
 using namespace enginetest;
 
-// An axis-aligned box [x0, x1] x [y0, y1] x [z0, z1].
-_s_hd_prof_* block(P lo, P hi) {
-    return ep_divide_box(hi.x - lo.x, hi.y - lo.y, hi.z - lo.z, lo, {1, 0, 0}, {0, 1, 0}, 1);
-}
-
-// The lines appended behind the object's first `skip` lines.
-std::vector<Piece> linesAfter(const _s_hd_prof_* obj, size_t skip) {
+// The lines behind an object's first 12 (a box's own edges).
+std::vector<Piece> addedLines(const _s_hd_prof_* obj) {
     std::vector<Piece> all = piecesOf(obj->proline);
-    return std::vector<Piece>(all.begin() + static_cast<long>(skip), all.end());
+    all.erase(all.begin(), all.begin() + std::min<long>(12, static_cast<long>(all.size())));
+    return all;
 }
 
 // How many of the lines run from a to b, either way round.
@@ -34,13 +30,20 @@ int countSame(const std::vector<Piece>& lines, P a, P b, double tol) {
     return n;
 }
 
-// Box A = [0, 2]^3 and box B poking through A's right side and top, registered in turn.
-std::pair<_s_hd_prof_*, _s_hd_prof_*> registerPokingBoxes() {
-    _s_hd_prof_* registry[3] = {};
+// Registers the objects in turn with the registry bound max; returns the count.
+int registerAll(const std::vector<_s_hd_prof_*>& objs, int max) {
+    std::vector<_s_hd_prof_*> registry(objs.size() + 1, nullptr);
     int count = 0;
-    for (_s_hd_prof_* o : {block({0, 0, 0}, {2, 2, 2}), block({1, 0.5, 1}, {3, 1.5, 3})})
-        kestFaceIntersect(o, registry, count, 2);
-    return {registry[0], registry[1]};
+    for (_s_hd_prof_* o : objs)
+        kestFaceIntersect(o, registry.data(), count, max);
+    return count;
+}
+
+// Box A = [0, 2]^3 and box B poking through A's right side and top, registered in turn.
+void registerPokingBoxes(Owned& boxes) {
+    boxes.objs = {ep_divide_box(2, 2, 2, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 1),
+                  ep_divide_box(2, 1, 2, {1, 0.5, 1}, {1, 0, 0}, {0, 1, 0}, 1)};
+    registerAll(boxes.objs, 2);
 }
 
 TEST(GetFaceInterLine, ParallelWithinTheToleranceMeetsNothing) {
@@ -91,10 +94,10 @@ TEST(KestFaceIntersect, RegistryBoundsAreKept) {
 
 TEST(KestFaceIntersect, InterpenetratingBoxesGainTheirIntersectionLoop) {
     // The loop is three segments on each of the two sides of A that B pokes through.
-    auto [a, b] = registerPokingBoxes();
-    Owned boxes{{a, b}};
-    EXPECT_EQ(piecesOf(a->proline).size(), 12u);  // axis-aligned: its faces only touch
-    const std::vector<Piece> added = linesAfter(b, 12);
+    Owned boxes;
+    registerPokingBoxes(boxes);
+    EXPECT_EQ(piecesOf(boxes.objs[0]->proline).size(), 12u);  // axis-aligned: faces only touch
+    const std::vector<Piece> added = addedLines(boxes.objs[1]);
     const std::vector<Seg> loop = {
         {{2, 0.5, 1}, {2, 0.5, 2}}, {{2, 1.5, 1}, {2, 1.5, 2}}, {{2, 0.5, 1}, {2, 1.5, 1}},
         {{1, 0.5, 2}, {2, 0.5, 2}}, {{1, 1.5, 2}, {2, 1.5, 2}}, {{1, 0.5, 2}, {1, 1.5, 2}},
@@ -111,42 +114,34 @@ TEST(KestFaceIntersect, InterpenetratingBoxesGainTheirIntersectionLoop) {
 TEST(KestFaceIntersect, TurnedBoxMeetsItselfAlongItsEdges) {
     // Turned, a box's neighbouring faces overlap in their extents: each pair, taken both ways,
     // adds a segment along the edge they share.
-    Owned owned{{cornerCube({0, 0, 0})}};
-    _s_hd_prof_* cube = owned.objs[0];
-    const std::vector<Piece> edges = piecesOf(cube->proline);
-    _s_hd_prof_* registry[1] = {};
-    int count = 0;
-    kestFaceIntersect(cube, registry, count, 0);
-    const std::vector<Piece> added = linesAfter(cube, 12);
+    Owned cube{{cornerCube({0, 0, 0})}};
+    const std::vector<Piece> edges = piecesOf(cube.objs[0]->proline);
+    registerAll(cube.objs, 0);
+    const std::vector<Piece> added = addedLines(cube.objs[0]);
     EXPECT_EQ(added.size(), 24u);
     for (const Piece& got : added)
         EXPECT_EQ(countSame(edges, got.a, got.b, 1e-9), 1);
 }
 
 TEST(KestFaceIntersect, ObjectsWithoutLinesOrFacesOnlyRegister) {
-    // Faces that cut through the box but no line to attach the segments to.
-    _s_hd_prof_* box = block({0, 0, 0}, {2, 2, 2});
-    _s_hd_prof_* bare = makeObject({{{1, -1, 1}, {1, 3, 1}, {1, 3, 3}}}, {});
-    _s_hd_prof_* lines = makeObject({}, {{{0, 0, 0}, {5, 5, 5}}});
-    _s_hd_prof_* nanFace =
-        makeObject({{{1, -1, 1}, {1, 3, kNaN}, {1, 3, 3}}}, {{{1, 1, 1}, {1, 2, 2}}});
-    _s_hd_prof_* registry[5] = {};
-    int count = 0;
-    for (_s_hd_prof_* o : {box, bare, lines, static_cast<_s_hd_prof_*>(nullptr), nanFace})
-        kestFaceIntersect(o, registry, count, 4);
-    EXPECT_EQ(count, 5);
-    EXPECT_TRUE(bare->proline == nullptr && piecesOf(lines->proline).size() == 1 &&
-                piecesOf(nanFace->proline).size() == 1 && piecesOf(box->proline).size() == 12);
-    for (_s_hd_prof_* o : {box, bare, lines, nanFace})
-        freeHDProfObjectPointer(o);
+    // Faces that cut through the box but no line to attach the segments to; a null entry; a
+    // face with a NaN vertex.
+    Owned s{{ep_divide_box(2, 2, 2, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 1),
+             makeObject({{{1, -1, 1}, {1, 3, 1}, {1, 3, 3}}}, {}),
+             makeObject({}, {{{0, 0, 0}, {5, 5, 5}}}), nullptr,
+             makeObject({{{1, -1, 1}, {1, 3, kNaN}, {1, 3, 3}}}, {{{1, 1, 1}, {1, 2, 2}}})}};
+    EXPECT_EQ(registerAll(s.objs, 4), 5);
+    const size_t lines[] = {12, 0, 1, 0, 1};
+    for (size_t i = 0; i < 5; ++i)
+        EXPECT_EQ(piecesOf(s.objs[i] != nullptr ? s.objs[i]->proline : nullptr).size(), lines[i]);
 }
 
 TEST(KestFaceIntersect, FailedAllocationAddsNoLineAndLeaksNothing) {
     vgtest::forEachAllocationFailure([] {
-        auto [a, b] = registerPokingBoxes();
-        Owned boxes{{a, b}};
-        if (a != nullptr && b != nullptr) {
-            const size_t lines = piecesOf(b->proline).size();
+        Owned boxes;
+        registerPokingBoxes(boxes);
+        if (boxes.objs[0] != nullptr && boxes.objs[1] != nullptr) {
+            const size_t lines = piecesOf(boxes.objs[1]->proline).size();
             EXPECT_TRUE(lines == 12 || lines == 18) << lines;  // all the loop or none of it
         }
     });
