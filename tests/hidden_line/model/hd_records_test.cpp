@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
+#include "hidden_line/model/hd_builders.h"
 #include "support/alloc_hook.h"
 
 namespace {
@@ -13,28 +12,21 @@ using namespace geolib;
 TEST(HDRecords, ReleaseGivesBackEveryFaceVertexAndLineAndNullsTheCaller) {
     _s_hd_prof_* obj = mallocHDProfObject();
     ASSERT_TRUE(obj->prosect == nullptr && obj->proline == nullptr);
-    for (int f = 0; f < 3; ++f) {  // three faces of 3, 4 and 5 vertices, made by hand
-        auto* face = static_cast<_s_hd_prosect_*>(std::malloc(sizeof(_s_hd_prosect_)));
-        *face = {nullptr, 0, 0, obj->prosect};
-        for (int v = 0; v < f + 3; ++v) {
-            _s_hd_sect_* vertex = mallocHDSect();
-            ASSERT_EQ(vertex->next, nullptr);
-            vertex->next = face->sect;
-            face->sect = vertex;
-        }
-        obj->prosect = face;
-    }
-    obj->proline = static_cast<_s_hd_proline_*>(std::malloc(sizeof(_s_hd_proline_)));
-    obj->proline->next = nullptr;
+    const _s_hd_point_ o{0, 0, 0};
+    obj->prosect = appendProsect(mallocTriSect(o, o, o), nullptr);
+    appendProsect(mallocQuadSect(o, o, o, o), obj->prosect);
+    appendProsect(mallocQuadSect(o, o, o, o), obj->prosect);
+    obj->proline = appendProline(o, o, nullptr);
+    appendProline(o, o, obj->proline);
     vgtest::AllocationWatch watch;
     freeHDProfObjectPointer(obj);
     EXPECT_EQ(obj, nullptr);
-    EXPECT_EQ(watch.live(), -17);  // 12 vertices, 3 faces, 1 line and the object
+    EXPECT_EQ(watch.live(), -17);  // 11 vertices, 3 faces, 2 lines and the object
     freeHDProfObjectPointer(obj);  // a second release of the same variable does nothing
     EXPECT_EQ(watch.live(), -17);
     vgtest::forEachAllocationFailure([] {
-        _s_hd_prof_* o = mallocHDProfObject();
-        freeHDProfObjectPointer(o);
+        _s_hd_prof_* p = mallocHDProfObject();
+        freeHDProfObjectPointer(p);
         _s_hd_sect_* s = mallocHDSect();
         freeHDSectPointer(s);
     });
