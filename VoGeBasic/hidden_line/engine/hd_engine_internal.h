@@ -87,12 +87,17 @@ bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, Proli
 bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
                     ProlineChain& hidden);
 
+/// How getVisibleProline merges overlapping pieces. Restart: every pair is tried again from the
+/// head after each merge. SkipSettled: the same merges in the same order, without retrying the
+/// pairs that cannot have changed since they last failed.
+enum class MergeSchedule { Restart, SkipSettled };
+
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement
 /// on the line, pieces in order from p to q, each with owner -1; null when nothing is visible.
 /// With no hidden piece the whole line is visible. Returns false, having released the pieces
 /// and set visible to null, if an allocation fails.
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
-                       _s_hd_proline_*& visible);
+                       _s_hd_proline_*& visible, MergeSchedule schedule = MergeSchedule::Restart);
 
 /// The hide pass followed step by step: the reference that kestHideObject must match node for
 /// node. Same contract as kestHideObject.
@@ -115,6 +120,7 @@ bool boxOverlapsLineRange(const double* box, const LineRange& range);
 struct VisibleCollector {
     _s_hd_proline_* head = nullptr;
     _s_hd_proline_* tail = nullptr;
+    MergeSchedule schedule = MergeSchedule::Restart;
 
     /// Re-orients the stored line in place (near end first), appends the visible complement of
     /// its hidden pieces (consumed) with owner set to the object's index. Returns false, having
@@ -134,19 +140,20 @@ struct HideCandidate {
 /// included), and returns how many. The table has room for n entries, which is never exceeded.
 int touchingObjects(_s_hd_prof_* const* objs, int n, int i, HideCandidate* table);
 
-/// The frame of a hide pass: for each non-null object i, findCandidates(i, table) fills the
-/// candidate table (room for n entries) and returns the count; then for each line,
-/// hideLine(line, table, count, hidden) appends its hidden pieces (false on a failed
-/// allocation), the line is re-oriented and its visible pieces collected. Returns the visible
-/// list, or null (having released all it built) if an allocation fails.
+/// The frame of a hide pass (pieces merged by schedule): for each non-null object i,
+/// findCandidates(i, table) fills the candidate table (room for n entries) and returns the count;
+/// then for each line, hideLine(line, table, count, hidden) appends its hidden pieces (false on a
+/// failed allocation), the line is re-oriented and its visible pieces collected. Returns the
+/// visible list, or null (having released all it built) if an allocation fails.
 template <class FindCandidates, class HideLine>
 _s_hd_proline_* runHidePass(_s_hd_prof_** objs, int n, FindCandidates&& findCandidates,
-                            HideLine&& hideLine) {
+                            HideLine&& hideLine, MergeSchedule schedule = MergeSchedule::Restart) {
     auto* table =
         static_cast<HideCandidate*>(std::malloc(static_cast<size_t>(n) * sizeof(HideCandidate)));
     if (table == nullptr)
         return nullptr;
     VisibleCollector out;
+    out.schedule = schedule;
     for (int i = 0; i < n; ++i) {
         if (objs[i] == nullptr)
             continue;

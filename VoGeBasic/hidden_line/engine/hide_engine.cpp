@@ -165,7 +165,8 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
                 }
             }
             return true;
-        });
+        },
+        MergeSchedule::SkipSettled);
 }
 
 }  // namespace geolib

@@ -36,20 +36,38 @@ bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
 
 // Merges overlapping and touching pieces: pairs are tried in list order (A before B) and the
 // sweep starts again from the head after every merge, until a sweep changes nothing.
-void mergePieces(_s_hd_proline_* head) {
+//
+// With skipSettled, the same merges happen in the same order, but pairs that provably stay apart
+// are not tried again. absorbPiece depends only on the two pieces and changes nothing when it
+// fails, so a pair that failed keeps failing until one of its pieces changes. A piece is marked
+// settled once its row of a sweep (it against every later piece) has run without a merge: every
+// pair of two settled pieces has then failed since either last changed (the pairs with earlier
+// pieces ran earlier in the same sweep). A merge unsettles the absorbing piece and drops the
+// other, so the remaining settled pairs keep failing; exactly those pairs are skipped. The mark
+// is kept in the pieces' owner field, which the complement step overwrites.
+void mergePieces(_s_hd_proline_* head, bool skipSettled) {
+    constexpr int kUnsettled = 0;
+    constexpr int kSettled = 1;
+    for (_s_hd_proline_* a = head; a != nullptr && skipSettled; a = a->next)
+        a->owner = kUnsettled;
     bool changed = true;
     while (changed) {
         changed = false;
         for (_s_hd_proline_* a = head; a != nullptr && !changed; a = a->next) {
             for (_s_hd_proline_* prev = a; prev->next != nullptr; prev = prev->next) {
                 _s_hd_proline_* b = prev->next;
+                if (skipSettled && a->owner == kSettled && b->owner == kSettled)
+                    continue;
                 if (absorbPiece(a, b)) {
                     prev->next = b->next;
                     std::free(b);
+                    a->owner = skipSettled ? kUnsettled : a->owner;
                     changed = true;
                     break;
                 }
             }
+            if (skipSettled && !changed)
+                a->owner = kSettled;
         }
     }
 }
@@ -100,13 +118,13 @@ bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
 }
 
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
-                       _s_hd_proline_*& visible) {
+                       _s_hd_proline_*& visible, MergeSchedule schedule) {
     visible = nullptr;
     if (hidden == nullptr) {
         visible = appendProline(p, q, nullptr);
         return visible != nullptr;
     }
-    mergePieces(hidden);
+    mergePieces(hidden, schedule == MergeSchedule::SkipSettled);
     hidden = sortPieces(hidden, p);
 
     // The gaps between the hidden pieces, written over the pieces themselves: the k-th gap is
@@ -165,7 +183,7 @@ bool boxOverlapsLineRange(const double* box, const LineRange& range) {
 bool VisibleCollector::addLine(_s_hd_proline_* line, _s_hd_proline_* hidden, int owner) {
     orientNearFirst(line->start, line->end);
     _s_hd_proline_* visible = nullptr;
-    if (!getVisibleProline(hidden, line->start, line->end, visible))
+    if (!getVisibleProline(hidden, line->start, line->end, visible, schedule))
         return false;
     if (visible == nullptr)
         return true;
