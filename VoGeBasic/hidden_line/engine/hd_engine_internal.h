@@ -69,17 +69,59 @@ void orientNearFirst(_s_hd_point_& p, _s_hd_point_& q);
 /// at all.
 bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q);
 
+/// Remembers whether the point straight behind or in front of a line end lies inside a face,
+/// the costly part of telling whether the end is behind the face. The answer depends only on
+/// the end (to the bit) and the face, so a remembered one is exactly the one computed again;
+/// line ends shared by several lines (corners, chord ends) are then tested once per face.
+/// Faces are named by the caller's index. Not copyable.
+class BehindMemo {
+public:
+    BehindMemo() = default;
+    ~BehindMemo();
+    BehindMemo(const BehindMemo&) = delete;
+    BehindMemo& operator=(const BehindMemo&) = delete;
+
+    /// Forgets every answer (in constant time).
+    void forget();
+    /// The answer remembered for the end e and the face: 1 inside, 0 outside, -1 none.
+    int find(size_t face, _s_hd_point_ e) const;
+    /// Remembers the answer; when the table cannot grow it remembers nothing and failed()
+    /// becomes true.
+    void remember(size_t face, _s_hd_point_ e, bool inside);
+    bool failed() const { return failed_; }
+
+private:
+    struct Entry;
+    bool grow();
+
+    Entry* slots_ = nullptr;
+    size_t capacity_ = 0;  ///< a power of two, or 0
+    size_t used_ = 0;      ///< entries of the current generation
+    unsigned generation_ = 1;
+    bool failed_ = false;
+};
+
+/// Where hideLineByFace may look up and keep its behind tests: a memo and the face's index in
+/// it, or no memo.
+struct BehindMemoRef {
+    BehindMemo* memo = nullptr;
+    size_t face = 0;
+};
+
 /// The part of the line p -> q (p the near end) hidden behind one face. Returns true and sets
 /// from -> to (running away from p, both on the line) when a piece is hidden; false otherwise.
+/// With a memo the behind tests of the line's ends are looked up there first and kept there.
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, _s_hd_point_& from,
-                    _s_hd_point_& to);
+                    _s_hd_point_& to, BehindMemoRef memo = {});
 
 /// True when the face's XY extents and those of the line p-q overlap or touch.
 bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
 
 /// When the face's XY extents touch the line p -> q (p the near end) and it hides a piece of
-/// it, appends that piece to hidden. Returns false only if that allocation fails.
-bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden);
+/// it, appends that piece to hidden. Returns false only if that allocation fails (a memo that
+/// cannot grow is the caller's to check).
+bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden,
+                       BehindMemoRef memo = {});
 
 /// Tests the line (a copy, near end first) against every face of the list in order and
 /// appends the hidden pieces to hidden. Returns false, having appended what it could, if an

@@ -39,13 +39,21 @@ bool isFarFromSegment(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
 
 // True when the point straight behind or in front of e on the face's plane lies in the face
 // and e is behind that point or level with it.
-bool endBehindFace(_s_hd_point_ e, const HDFace& f) {
+bool endBehindFace(_s_hd_point_ e, const HDFace& f, BehindMemoRef memo) {
     const _s_hd_point_ up = {e.x, e.y, e.z + 1.0};
     const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up);
     // The cheap tests first: most faces fail them and never reach the angle sum.
-    return withinXYExtents(i, f, hd::kBehindExtentTol) &&
-           (i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol) &&
-           isPointInFace(i, f.count, f.v) != 0;
+    if (!withinXYExtents(i, f, hd::kBehindExtentTol) ||
+        !(i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol))
+        return false;
+    if (memo.memo == nullptr)
+        return isPointInFace(i, f.count, f.v) != 0;
+    const int known = memo.memo->find(memo.face, e);
+    if (known >= 0)
+        return known != 0;
+    const bool inside = isPointInFace(i, f.count, f.v) != 0;
+    memo.memo->remember(memo.face, e, inside);
+    return inside;
 }
 
 // The crossings of the face's outline that hide the line p -> q where they cross it: the
@@ -227,7 +235,7 @@ bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
 }
 
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& from,
-                    _s_hd_point_& to) {
+                    _s_hd_point_& to, BehindMemoRef memo) {
     const _s_hd_point_ n = f.normal;
     if (std::fabs(n.z) < hd::kEdgeOnNormalZ)
         return false;  // seen edge-on (or no plane at all)
@@ -270,7 +278,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
         }
     }
 
-    const bool qBehind = endBehindFace(q, f);
+    const bool qBehind = endBehindFace(q, f, memo);
     if (opened && qBehind) {
         from = x;
         to = q;
@@ -295,7 +303,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
             to = dx < d1 ? c1 : x;
             return true;
         }
-        if (!endBehindFace(p, f))
+        if (!endBehindFace(p, f, memo))
             return false;
         from = p;
         to = x;
@@ -303,7 +311,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
     }
     if (!qBehind && crossings == 0)
         return false;
-    const bool pBehind = endBehindFace(p, f);
+    const bool pBehind = endBehindFace(p, f, memo);
     if (qBehind) {
         if (crossings == 0 && !pBehind)
             return false;

@@ -98,10 +98,11 @@ _s_hd_proline_* sortPieces(_s_hd_proline_* list, _s_hd_point_ p) {
 
 }  // namespace
 
-bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden) {
+bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden,
+                       BehindMemoRef memo) {
     _s_hd_point_ from;
     _s_hd_point_ to;
-    if (!faceMeetsLineRange(face, p, q) || !hideLineByFace(p, q, face, from, to))
+    if (!faceMeetsLineRange(face, p, q) || !hideLineByFace(p, q, face, from, to, memo))
         return true;
     return hidden.append(from, to);
 }
