@@ -7,14 +7,44 @@
 #ifndef VOGEBASIC_HD_ENGINE_INTERNAL_H
 #define VOGEBASIC_HD_ENGINE_INTERNAL_H
 
+#include <cmath>
 #include <cstdlib>
 
 #include "hd_records.h"
+#include "hidden_line/engine/hd_engine_tolerances.h"
 #include "hidden_line/model/hd_builders.h"
 
 namespace geolib {
 
 // ---- numeric tests ------------------------------------------------------------------------------
+
+/// std::fmax and std::fmin, inline: a NaN argument gives the other one. Of two equal values
+/// either may come back; the callers only compare the result, so a zero's sign never matters.
+inline double maxOf(double a, double b) {
+    return a > b || b != b ? a : b;
+}
+inline double minOf(double a, double b) {
+    return a < b || b != b ? a : b;
+}
+
+/// The box of the segment a-b widened by a hundredth of the segment's largest extent and a
+/// thousandth of a unit. At a point outside it the angle the segment subtends is at least a
+/// fiftieth of a radian short of a half turn, and the point is far from both ends, so
+/// isPointOnSeg rejects it at once. NaN and infinite coordinates are never outside.
+struct SegmentReach {
+    double xlo, xhi, ylo, yhi, zlo, zhi;
+    bool excludes(_s_hd_point_ p) const {
+        return p.x < xlo || p.x > xhi || p.y < ylo || p.y > yhi || p.z < zlo || p.z > zhi;
+    }
+};
+inline SegmentReach segmentReach(_s_hd_point_ a, _s_hd_point_ b) {
+    const double margin =
+        hd::kOnSegRejectRel *
+            maxOf(std::fabs(b.x - a.x), maxOf(std::fabs(b.y - a.y), std::fabs(b.z - a.z))) +
+        hd::kOnSegRejectAbs;
+    return {minOf(a.x, b.x) - margin, maxOf(a.x, b.x) + margin, minOf(a.y, b.y) - margin,
+            maxOf(a.y, b.y) + margin, minOf(a.z, b.z) - margin, maxOf(a.z, b.z) + margin};
+}
 
 /// 1 when p lies on the segment a-b: p is an end (isSamePointFine or within squared distance
 /// 1e-9), or the segment subtends an angle of about pi at p (see hd_engine_tolerances.h).
@@ -131,7 +161,8 @@ bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
 
 /// How getVisibleProline merges overlapping pieces. Restart: every pair is tried again from the
 /// head after each merge. SkipSettled: the same merges in the same order, without retrying the
-/// pairs that cannot have changed since they last failed.
+/// pairs that cannot have changed since they last failed, and with pairs lying far apart
+/// turned down by their boxes alone.
 enum class MergeSchedule { Restart, SkipSettled };
 
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement

@@ -14,29 +14,6 @@ using geometry::clampUnit;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// std::fmax and std::fmin, inline: a NaN argument gives the other one. Of two equal values
-// either may come back; the callers only compare the result, so a zero's sign never matters.
-double maxOf(double a, double b) {
-    return a > b || b != b ? a : b;
-}
-double minOf(double a, double b) {
-    return a < b || b != b ? a : b;
-}
-
-// True when p lies outside the box of the segment a-b widened by a hundredth of the segment's
-// largest extent and a thousandth of a unit: the angle the segment subtends there is then at
-// least a fiftieth of a radian short of a half turn, and p is far from both ends, so the exact
-// test would reject p too. NaN and infinite coordinates never count as far.
-bool isFarFromSegment(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
-    const double margin =
-        hd::kOnSegRejectRel *
-            maxOf(std::fabs(b.x - a.x), maxOf(std::fabs(b.y - a.y), std::fabs(b.z - a.z))) +
-        hd::kOnSegRejectAbs;
-    return p.x < minOf(a.x, b.x) - margin || p.x > maxOf(a.x, b.x) + margin ||
-           p.y < minOf(a.y, b.y) - margin || p.y > maxOf(a.y, b.y) + margin ||
-           p.z < minOf(a.z, b.z) - margin || p.z > maxOf(a.z, b.z) + margin;
-}
-
 // True when the point straight behind or in front of e on the face's plane lies in the face
 // and e is behind that point or level with it.
 bool endBehindFace(_s_hd_point_ e, const HDFace& f, BehindMemoRef memo) {
@@ -98,7 +75,7 @@ int outlineCrossings(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_poin
 // ---- numeric tests ------------------------------------------------------------------------------
 
 int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
-    if (isFarFromSegment(p, a, b))
+    if (segmentReach(a, b).excludes(p))
         return 0;
     if (isSamePointFine(p, a) || isSamePointFine(p, b))
         return 1;

@@ -34,6 +34,16 @@ bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
     return false;
 }
 
+// True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach and an end
+// of A outside B's, so every isPointOnSeg it would ask answers 0 at once.
+bool piecesFarApart(const _s_hd_proline_* a, const _s_hd_proline_* b) {
+    const SegmentReach ra = segmentReach(a->start, a->end);
+    if (!ra.excludes(b->start) || !ra.excludes(b->end))
+        return false;
+    const SegmentReach rb = segmentReach(b->start, b->end);
+    return rb.excludes(a->start) || rb.excludes(a->end);
+}
+
 // Merges overlapping and touching pieces: pairs are tried in list order (A before B) and the
 // sweep starts again from the head after every merge, until a sweep changes nothing.
 //
@@ -44,7 +54,8 @@ bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
 // pair of two settled pieces has then failed since either last changed (the pairs with earlier
 // pieces ran earlier in the same sweep). A merge unsettles the absorbing piece and drops the
 // other, so the remaining settled pairs keep failing; exactly those pairs are skipped. The mark
-// is kept in the pieces' owner field, which the complement step overwrites.
+// is kept in the pieces' owner field, which the complement step overwrites. Pairs lying far
+// apart (piecesFarApart) are not tried either: they would fail.
 void mergePieces(_s_hd_proline_* head, bool skipSettled) {
     constexpr int kUnsettled = 0;
     constexpr int kSettled = 1;
@@ -56,7 +67,8 @@ void mergePieces(_s_hd_proline_* head, bool skipSettled) {
         for (_s_hd_proline_* a = head; a != nullptr && !changed; a = a->next) {
             for (_s_hd_proline_* prev = a; prev->next != nullptr; prev = prev->next) {
                 _s_hd_proline_* b = prev->next;
-                if (skipSettled && a->owner == kSettled && b->owner == kSettled)
+                if (skipSettled &&
+                    ((a->owner == kSettled && b->owner == kSettled) || piecesFarApart(a, b)))
                     continue;
                 if (absorbPiece(a, b)) {
                     prev->next = b->next;
