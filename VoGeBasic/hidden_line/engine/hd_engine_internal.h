@@ -138,11 +138,22 @@ struct BehindMemoRef {
     size_t face = 0;
 };
 
+/// A line p -> q (p the near end) with what the face tests ask of the line alone.
+struct HideLine {
+    _s_hd_point_ p, q;
+    _s_hd_point_ dir;  ///< unitDir(q, p)
+    bool endOn;        ///< isSeenEndOn(p, q)
+};
+HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q);
+
 /// The part of the line p -> q (p the near end) hidden behind one face. Returns true and sets
 /// from -> to (running away from p, both on the line) when a piece is hidden; false otherwise.
 /// With a memo the behind tests of the line's ends are looked up there first and kept there.
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, _s_hd_point_& from,
                     _s_hd_point_& to, BehindMemoRef memo = {});
+/// The same for a line prepared once for many faces.
+bool hideLineByFace(const HideLine& line, const HDFace& face, _s_hd_point_& from, _s_hd_point_& to,
+                    BehindMemoRef memo = {});
 
 /// True when the face's XY extents and those of the line p-q overlap or touch.
 bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
@@ -150,7 +161,7 @@ bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
 /// When the face's XY extents touch the line p -> q (p the near end) and it hides a piece of
 /// it, appends that piece to hidden. Returns false only if that allocation fails (a memo that
 /// cannot grow is the caller's to check).
-bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden,
+bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
                        BehindMemoRef memo = {});
 
 /// Tests the line (a copy, near end first) against every face of the list in order and

@@ -152,9 +152,11 @@ struct LinePrune {
     double length;  ///< 3-D length
 };
 
-LinePrune prepareLine(_s_hd_point_ p, _s_hd_point_ q) {
+LinePrune prepareLine(const HideLine& line) {
+    const _s_hd_point_ p = line.p;
+    const _s_hd_point_ q = line.q;
     LinePrune l{};
-    l.prunable = isBoundedPoint(p) && isBoundedPoint(q) && !isSeenEndOn(p, q);
+    l.prunable = isBoundedPoint(p) && isBoundedPoint(q) && !line.endOn;
     if (!l.prunable)
         return l;
     l.xmin = p.x < q.x ? p.x : q.x;
@@ -263,7 +265,8 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
             _s_hd_point_ p = line->start;
             _s_hd_point_ q = line->end;
             orientNearFirst(p, q);
-            const LinePrune prune = prepareLine(p, q);
+            const HideLine prepared = hideLineOf(p, q);
+            const LinePrune prune = prepareLine(prepared);
             for (int c = 0; c < candidates; ++c) {
                 const int j = table[c].index;
                 if (!boxOverlapsLineRange(objs[j]->box, range))
@@ -271,7 +274,7 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
                 for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
                     if (faceTooFarFromLine(*f, prune))
                         continue;
-                    if (!appendHiddenPiece(p, q, f->face, hidden, {&memo, cache.indexOf(f)}) ||
+                    if (!appendHiddenPiece(prepared, f->face, hidden, {&memo, cache.indexOf(f)}) ||
                         memo.failed())
                         return false;
                 }

@@ -14,6 +14,11 @@ using geometry::clampUnit;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
+// True when the unit direction dir is not parallel to the plane of unit normal n.
+bool crossesPlane(_s_hd_point_ dir, _s_hd_point_ n) {
+    return std::fabs(vecDot(dir, n)) > hd::kPlaneParallelTol;
+}
+
 // True when the point straight behind or in front of e on the face's plane lies in the face
 // and e is behind that point or level with it.
 bool endBehindFace(_s_hd_point_ e, const HDFace& f, BehindMemoRef memo) {
@@ -126,7 +131,7 @@ int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v) {
 }
 
 int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
-    return std::fabs(vecDot(unitDir(b, a), n)) > hd::kPlaneParallelTol ? 1 : 0;
+    return crossesPlane(unitDir(b, a), n) ? 1 : 0;
 }
 
 _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b) {
@@ -211,14 +216,25 @@ bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
            std::fabs(std::fabs(dir.z) - 1.0) < hd::kEndOnTol;
 }
 
+HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q) {
+    return {p, q, unitDir(q, p), isSeenEndOn(p, q)};
+}
+
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& from,
                     _s_hd_point_& to, BehindMemoRef memo) {
+    return hideLineByFace(hideLineOf(p, q), f, from, to, memo);
+}
+
+bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _s_hd_point_& to,
+                    BehindMemoRef memo) {
+    const _s_hd_point_ p = line.p;
+    const _s_hd_point_ q = line.q;
     const _s_hd_point_ n = f.normal;
     if (std::fabs(n.z) < hd::kEdgeOnNormalZ)
         return false;  // seen edge-on (or no plane at all)
 
     // A line in the face's own plane is never hidden by it.
-    const bool parallel = isLineCrossPlane(p, q, n) == 0;
+    const bool parallel = !crossesPlane(line.dir, n);
     if (parallel) {
         bool inPlane = true;
         for (int k = 0; k < 3 && inPlane; ++k)
@@ -228,7 +244,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
     }
 
     // A line seen end-on is a point of the drawing: hidden whole.
-    if (isSeenEndOn(p, q)) {
+    if (line.endOn) {
         from = p;
         to = q;
         return true;

@@ -110,11 +110,11 @@ _s_hd_proline_* sortPieces(_s_hd_proline_* list, _s_hd_point_ p) {
 
 }  // namespace
 
-bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden,
+bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
                        BehindMemoRef memo) {
     _s_hd_point_ from;
     _s_hd_point_ to;
-    if (!faceMeetsLineRange(face, p, q) || !hideLineByFace(p, q, face, from, to, memo))
+    if (!faceMeetsLineRange(face, line.p, line.q) || !hideLineByFace(line, face, from, to, memo))
         return true;
     return hidden.append(from, to);
 }
@@ -124,7 +124,7 @@ bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
     orientNearFirst(a, b);
     for (const _s_hd_prosect_* f = faces; f != nullptr; f = f->next) {
         HDFace face;
-        if (readFace(f->sect, face) && !appendHiddenPiece(a, b, face, hidden))
+        if (readFace(f->sect, face) && !appendHiddenPiece(hideLineOf(a, b), face, hidden))
             return false;
     }
     return true;
