@@ -34,10 +34,9 @@ bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
     return false;
 }
 
-// True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach and an end
-// of A outside B's, so every isPointOnSeg it would ask answers 0 at once.
-bool piecesFarApart(const _s_hd_proline_* a, const _s_hd_proline_* b) {
-    const SegmentReach ra = segmentReach(a->start, a->end);
+// True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach (ra) and an
+// end of A outside B's, so every isPointOnSeg it would ask answers 0 at once.
+bool piecesFarApart(const _s_hd_proline_* a, const SegmentReach& ra, const _s_hd_proline_* b) {
     if (!ra.excludes(b->start) || !ra.excludes(b->end))
         return false;
     const SegmentReach rb = segmentReach(b->start, b->end);
@@ -65,10 +64,12 @@ void mergePieces(_s_hd_proline_* head, bool skipSettled) {
     while (changed) {
         changed = false;
         for (_s_hd_proline_* a = head; a != nullptr && !changed; a = a->next) {
+            // A's reach holds for its whole row: a merge ends the row.
+            const SegmentReach ra = segmentReach(a->start, a->end);
             for (_s_hd_proline_* prev = a; prev->next != nullptr; prev = prev->next) {
                 _s_hd_proline_* b = prev->next;
                 if (skipSettled &&
-                    ((a->owner == kSettled && b->owner == kSettled) || piecesFarApart(a, b)))
+                    ((a->owner == kSettled && b->owner == kSettled) || piecesFarApart(a, ra, b)))
                     continue;
                 if (absorbPiece(a, b)) {
                     prev->next = b->next;
