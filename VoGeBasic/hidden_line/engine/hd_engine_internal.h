@@ -72,6 +72,19 @@ struct ProjCrossing {
 };
 ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d);
 
+/// A segment's run a -> b in the drawing plane and its length.
+struct FlatRun {
+    double dx, dy, len;
+};
+inline FlatRun flatRunOf(_s_hd_point_ a, _s_hd_point_ b) {
+    const double dx = b.x - a.x;
+    const double dy = b.y - a.y;
+    return {dx, dy, std::sqrt(dx * dx + dy * dy)};
+}
+/// crossProjections with the runs of a -> b and c -> d already worked out.
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
+                              const FlatRun& line, const FlatRun& edge);
+
 // ---- faces --------------------------------------------------------------------------------------
 
 /// A face as the engine reads it: its vertices in order (at most four), their extents and the
@@ -131,29 +144,45 @@ private:
     bool failed_ = false;
 };
 
-/// Where hideLineByFace may look up and keep its behind tests: a memo and the face's index in
-/// it, or no memo.
-struct BehindMemoRef {
+/// What the face tests ask of one face alone, worked out once (edge k runs from v[k] to
+/// v[(k + 1) mod count]).
+struct FacePrep {
+    SegmentReach reach[4];  ///< segmentReach of each edge
+    double len2[4];         ///< each edge's squared length (pointDist2)
+    FlatRun run[4];         ///< each edge's run in the drawing plane
+    _s_hd_point_ area;      ///< the unit area normal that isPointInFace signs its angles by
+};
+void prepareFaceTests(const HDFace& face, FacePrep& prep);
+/// isPointInFace(p, face.count, face.v) with the face's data prepared.
+int isPointInFace(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
+
+/// What hideLineByFace may use beyond the face itself: a memo of behind tests and the face's
+/// index in it, and the face's prepared data. Either may be absent.
+struct FaceTestAids {
     BehindMemo* memo = nullptr;
     size_t face = 0;
+    const FacePrep* prep = nullptr;
 };
 
 /// A line p -> q (p the near end) with what the face tests ask of the line alone.
 struct HideLine {
     _s_hd_point_ p, q;
-    _s_hd_point_ dir;  ///< unitDir(q, p)
-    bool endOn;        ///< isSeenEndOn(p, q)
+    _s_hd_point_ dir;    ///< unitDir(q, p)
+    bool endOn;          ///< isSeenEndOn(p, q)
+    SegmentReach reach;  ///< segmentReach(p, q)
+    FlatRun run;         ///< flatRunOf(p, q)
 };
 HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q);
 
 /// The part of the line p -> q (p the near end) hidden behind one face. Returns true and sets
 /// from -> to (running away from p, both on the line) when a piece is hidden; false otherwise.
-/// With a memo the behind tests of the line's ends are looked up there first and kept there.
+/// With a memo the behind tests of the line's ends are looked up there first and kept there;
+/// with prepared data the face's own part of each test is taken from it.
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, _s_hd_point_& from,
-                    _s_hd_point_& to, BehindMemoRef memo = {});
+                    _s_hd_point_& to, FaceTestAids aids = {});
 /// The same for a line prepared once for many faces.
 bool hideLineByFace(const HideLine& line, const HDFace& face, _s_hd_point_& from, _s_hd_point_& to,
-                    BehindMemoRef memo = {});
+                    FaceTestAids aids = {});
 
 /// True when the face's XY extents and those of the line p-q overlap or touch.
 bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
@@ -162,7 +191,7 @@ bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
 /// it, appends that piece to hidden. Returns false only if that allocation fails (a memo that
 /// cannot grow is the caller's to check).
 bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
-                       BehindMemoRef memo = {});
+                       FaceTestAids aids = {});
 
 /// Tests the line (a copy, near end first) against every face of the list in order and
 /// appends the hidden pieces to hidden. Returns false, having appended what it could, if an

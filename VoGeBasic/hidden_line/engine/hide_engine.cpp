@@ -121,16 +121,19 @@ bool isBoundedPoint(_s_hd_point_ p) {
            std::fabs(p.z) <= hd::kCullCoordLimit;
 }
 
-// A face read once, with what the pruning test needs: its XY box as centre and half sizes
-// and its size; prunable is false when a vertex is not bounded (NaN included).
+// A face read once, with its prepared test data and what the pruning test needs: its XY box
+// as centre and half sizes and its size; prunable is false when a vertex is not bounded (NaN
+// included).
 struct CachedFace {
     HDFace face;
+    FacePrep prep;
     bool prunable;
     double cx, cy, hx, hy, size;
 };
 
 void prepareFace(CachedFace& c) {
     const HDFace& f = c.face;
+    prepareFaceTests(f, c.prep);
     c.prunable = true;
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
@@ -274,7 +277,8 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
                 for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
                     if (faceTooFarFromLine(*f, prune))
                         continue;
-                    if (!appendHiddenPiece(prepared, f->face, hidden, {&memo, cache.indexOf(f)}) ||
+                    if (!appendHiddenPiece(prepared, f->face, hidden,
+                                           {&memo, cache.indexOf(f), &f->prep}) ||
                         memo.failed())
                         return false;
                 }

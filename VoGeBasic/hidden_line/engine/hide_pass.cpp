@@ -112,10 +112,10 @@ _s_hd_proline_* sortPieces(_s_hd_proline_* list, _s_hd_point_ p) {
 }  // namespace
 
 bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
-                       BehindMemoRef memo) {
+                       FaceTestAids aids) {
     _s_hd_point_ from;
     _s_hd_point_ to;
-    if (!faceMeetsLineRange(face, line.p, line.q) || !hideLineByFace(line, face, from, to, memo))
+    if (!faceMeetsLineRange(face, line.p, line.q) || !hideLineByFace(line, face, from, to, aids))
         return true;
     return hidden.append(from, to);
 }
