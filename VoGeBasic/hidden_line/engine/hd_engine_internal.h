@@ -57,6 +57,10 @@ int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
 int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v);
 /// 1 when the direction from a to b is not parallel to the plane of unit normal n.
 int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n);
+/// True when the unit direction dir is not parallel to the plane of unit normal n.
+inline bool crossesPlane(_s_hd_point_ dir, _s_hd_point_ n) {
+    return std::fabs(vecDot(dir, n)) > hd::kPlaneParallelTol;
+}
 /// The point where the infinite line through a and b meets the plane through v0, v1 and v2.
 /// NaN coordinates when the line is parallel to that plane or the three points span none.
 _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
@@ -150,6 +154,7 @@ struct FacePrep {
     SegmentReach reach[4];  ///< segmentReach of each edge
     double len2[4];         ///< each edge's squared length (pointDist2)
     FlatRun run[4];         ///< each edge's run in the drawing plane
+    _s_hd_point_ dir[4];    ///< each edge's unit direction, unitDir(v[k + 1], v[k])
     _s_hd_point_ area;      ///< the unit area normal that isPointInFace signs its angles by
 };
 void prepareFaceTests(const HDFace& face, FacePrep& prep);
@@ -292,6 +297,11 @@ _s_hd_proline_* runHidePass(_s_hd_prof_** objs, int n, FindCandidates&& findCand
 /// of one pierces the other (edges of f first). Returns true and sets a -> b when there are two;
 /// false for parallel faces, a face without a plane, or fewer than two points.
 bool getFaceInterLine(const HDFace& f, const HDFace& g, _s_hd_point_& a, _s_hd_point_& b);
+/// The same with both faces' data prepared (prepareFaceTests).
+bool getFaceInterLine(const HDFace& f, const FacePrep& fp, const HDFace& g, const FacePrep& gp,
+                      _s_hd_point_& a, _s_hd_point_& b);
+/// isPointOnSeg(p, a, b) with the segment's reach worked out already.
+bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach);
 
 }  // namespace geolib
 

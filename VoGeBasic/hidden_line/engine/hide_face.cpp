@@ -14,11 +14,6 @@ using geometry::clampUnit;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// True when the unit direction dir is not parallel to the plane of unit normal n.
-bool crossesPlane(_s_hd_point_ dir, _s_hd_point_ n) {
-    return std::fabs(vecDot(dir, n)) > hd::kPlaneParallelTol;
-}
-
 // isPointOnSeg past its first step: p is known to lie within the segment's reach.
 int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
     if (isSamePointFine(p, a) || isSamePointFine(p, b))
@@ -33,11 +28,6 @@ int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
         return 0;  // the angle is far below a half turn: no need to measure it
     const double phi = std::acos(c);
     return std::fabs(2.0 * phi - hd::kOnSegTurn) < hd::kOnSegAngleTol ? 1 : 0;
-}
-
-// isPointOnSeg(p, a, b) with the segment's reach worked out already.
-bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach) {
-    return !reach.excludes(p) && isPointOnSegInReach(p, a, b) != 0;
 }
 
 // The unit area normal of the polygon (Newell's sum, about the first vertex); zero for a
@@ -159,6 +149,10 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
 
 // ---- numeric tests ------------------------------------------------------------------------------
 
+bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach) {
+    return !reach.excludes(p) && isPointOnSegInReach(p, a, b) != 0;
+}
+
 int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
     return onSegWithin(p, a, b, segmentReach(a, b)) ? 1 : 0;
 }
@@ -188,6 +182,7 @@ void prepareFaceTests(const HDFace& f, FacePrep& prep) {
         prep.reach[k] = segmentReach(a, b);
         prep.len2[k] = pointDist2(a, b);
         prep.run[k] = flatRunOf(a, b);
+        prep.dir[k] = unitDir(b, a);
     }
     prep.area = areaNormal(f.count, f.v);
 }

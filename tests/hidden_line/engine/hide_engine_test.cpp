@@ -163,15 +163,17 @@ std::vector<_s_hd_prof_*> awkwardScene(std::uint32_t seed) {
     return objs;
 }
 
-// The engine's faces carry prepared edge data: the inside test and the whole face test must
-// answer with them exactly as without, on and just off vertices and edges (the vertex and
-// on-edge tolerances straddled) and in between.
+// The engine's faces carry prepared edge data: the inside test, the whole face test and the
+// intersection of two faces must answer with them exactly as without, on and just off vertices
+// and edges (the vertex and on-edge tolerances straddled) and in between.
 TEST(KestHideObject, PreparedFacesAnswerAsPlainOnes) {
     Lcg r(5);
+    HDFace last{};
+    FacePrep lastPrep{};
     for (int n = 0; n < 300; ++n) {
         SCOPED_TRACE(n);
         using enginetest::P;
-        const P c = {r.in(-2, 2), r.in(-2, 2), r.in(-2, 2)};
+        const P c = {r.in(-1, 1), r.in(-1, 1), r.in(-1, 1)};
         const double s = r.chance(0.3) ? r.in(1e-3, 0.05) : r.in(0.05, 3);
         const P a = {c.x + s, c.y + r.in(-s, s), c.z + r.in(-s, s)};
         const P b = {c.x + r.in(-s, s), c.y + s, c.z + r.in(-s, s)};
@@ -184,6 +186,20 @@ TEST(KestHideObject, PreparedFacesAnswerAsPlainOnes) {
         freeHDSectPointer(chain);
         FacePrep prep;
         prepareFaceTests(face, prep);
+        if (n > 0) {  // this face against the one before, both ways round
+            for (int order = 0; order < 2; ++order) {
+                const HDFace& f = order == 0 ? face : last;
+                const HDFace& g = order == 0 ? last : face;
+                P ends[4] = {};
+                const bool plain = getFaceInterLine(f, g, ends[0], ends[1]);
+                EXPECT_EQ(getFaceInterLine(f, order == 0 ? prep : lastPrep, g,
+                                           order == 0 ? lastPrep : prep, ends[2], ends[3]),
+                          plain);
+                EXPECT_TRUE(samePoint(ends[0], ends[2]) && samePoint(ends[1], ends[3]));
+            }
+        }
+        last = face;
+        lastPrep = prep;
         for (int k = 0; k < 40; ++k) {
             const P u = face.v[k % face.count];
             const P w = face.v[(k + 1) % face.count];
