@@ -38,7 +38,7 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
                       const FacePrep* ep, const FacePrep* pp) {
     for (int k = 0; k < e.count; ++k) {
         const _s_hd_point_ a = e.v[k];
-        const _s_hd_point_ b = e.v[(k + 1) % e.count];
+        const _s_hd_point_ b = e.v[nextVertex(k, e.count)];
         // An edge parallel to the plane meets it nowhere, or everywhere along a shared edge: the
         // edges across it give that segment's ends.
         if (ep != nullptr ? !crossesPlane(ep->dir[k], plane.normal)

@@ -91,6 +91,12 @@ ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s
 
 // ---- faces --------------------------------------------------------------------------------------
 
+/// The vertex after vertex k (0 <= k < count) of a closed polygon: (k + 1) mod count, without
+/// a division.
+inline int nextVertex(int k, int count) {
+    return k + 1 < count ? k + 1 : 0;
+}
+
 /// A face as the engine reads it: its vertices in order (at most four), their extents and the
 /// unit normal of the first three.
 struct HDFace {
@@ -169,6 +175,12 @@ struct FaceTestAids {
     const FacePrep* prep = nullptr;
 };
 
+/// The X and Y range of a line.
+struct LineRange {
+    double xmin, xmax, ymin, ymax;
+};
+LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b);
+
 /// A line p -> q (p the near end) with what the face tests ask of the line alone.
 struct HideLine {
     _s_hd_point_ p, q;
@@ -176,6 +188,7 @@ struct HideLine {
     bool endOn;          ///< isSeenEndOn(p, q)
     SegmentReach reach;  ///< segmentReach(p, q)
     FlatRun run;         ///< flatRunOf(p, q)
+    LineRange range;     ///< lineRangeOf(p, q)
 };
 HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q);
 
@@ -191,6 +204,8 @@ bool hideLineByFace(const HideLine& line, const HDFace& face, _s_hd_point_& from
 
 /// True when the face's XY extents and those of the line p-q overlap or touch.
 bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
+/// The same with the line's range worked out already (lineRangeOf).
+bool faceMeetsLineRange(const HDFace& face, const LineRange& range);
 
 /// When the face's XY extents touch the line p -> q (p the near end) and it hides a piece of
 /// it, appends that piece to hidden. Returns false only if that allocation fails (a memo that
@@ -226,11 +241,6 @@ _s_hd_proline_* kestHideObjectReference(_s_hd_prof_** objs, int n);
 /// True when the XY boxes (X max, X min, Y max, Y min, ...) of two objects overlap or touch.
 bool xyBoxesTouch(const double* a, const double* b);
 
-/// The X and Y range of a line.
-struct LineRange {
-    double xmin, xmax, ymin, ymax;
-};
-LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b);
 /// True when an object's box overlaps the line's range strictly (a mere touch does not count).
 bool boxOverlapsLineRange(const double* box, const LineRange& range);
 

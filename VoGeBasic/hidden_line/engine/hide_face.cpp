@@ -59,7 +59,7 @@ int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point
     double sum = 0.0;
     for (int k = 0; k < count; ++k) {
         const _s_hd_point_ a = v[k];
-        const _s_hd_point_ b = v[(k + 1) % count];
+        const _s_hd_point_ b = v[nextVertex(k, count)];
         const double da2 = pointDist2(p, a);
         const double db2 = pointDist2(p, b);
         const double ab2 = len2(k);
@@ -78,13 +78,13 @@ bool inFace(_s_hd_point_ p, const HDFace& f, const FaceTestAids& aids) {
 }
 bool onEdge(_s_hd_point_ p, const HDFace& f, int k, const FaceTestAids& aids) {
     const _s_hd_point_ a = f.v[k];
-    const _s_hd_point_ b = f.v[(k + 1) % f.count];
+    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
     return aids.prep != nullptr ? onSegWithin(p, a, b, aids.prep->reach[k])
                                 : isPointOnSeg(p, a, b) != 0;
 }
 ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
     const _s_hd_point_ a = f.v[k];
-    const _s_hd_point_ b = f.v[(k + 1) % f.count];
+    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
     return crossProjections(line.p, line.q, a, b, line.run,
                             aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, b));
 }
@@ -162,8 +162,8 @@ int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v) {
         return 0;
     return pointInPolygon(
         p, count, v, areaNormal(count, v),
-        [&](int k) { return isPointOnSeg(p, v[k], v[(k + 1) % count]) != 0; },
-        [&](int k) { return pointDist2(v[k], v[(k + 1) % count]); });
+        [&](int k) { return isPointOnSeg(p, v[k], v[nextVertex(k, count)]) != 0; },
+        [&](int k) { return pointDist2(v[k], v[nextVertex(k, count)]); });
 }
 
 int isPointInFace(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) {
@@ -171,14 +171,14 @@ int isPointInFace(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) {
         return 0;
     return pointInPolygon(
         p, f.count, f.v, prep.area,
-        [&](int k) { return onSegWithin(p, f.v[k], f.v[(k + 1) % f.count], prep.reach[k]); },
+        [&](int k) { return onSegWithin(p, f.v[k], f.v[nextVertex(k, f.count)], prep.reach[k]); },
         [&](int k) { return prep.len2[k]; });
 }
 
 void prepareFaceTests(const HDFace& f, FacePrep& prep) {
     for (int k = 0; k < f.count; ++k) {
         const _s_hd_point_ a = f.v[k];
-        const _s_hd_point_ b = f.v[(k + 1) % f.count];
+        const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
         prep.reach[k] = segmentReach(a, b);
         prep.len2[k] = pointDist2(a, b);
         prep.run[k] = flatRunOf(a, b);
@@ -262,8 +262,12 @@ void orientNearFirst(_s_hd_point_& p, _s_hd_point_& q) {
 }
 
 bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q) {
-    return face.xmax >= std::fmin(p.x, q.x) && face.ymax >= std::fmin(p.y, q.y) &&
-           face.xmin <= std::fmax(p.x, q.x) && face.ymin <= std::fmax(p.y, q.y);
+    return faceMeetsLineRange(face, lineRangeOf(p, q));
+}
+
+bool faceMeetsLineRange(const HDFace& face, const LineRange& range) {
+    return face.xmax >= range.xmin && face.ymax >= range.ymin && face.xmin <= range.xmax &&
+           face.ymin <= range.ymax;
 }
 
 bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
@@ -273,7 +277,13 @@ bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
 }
 
 HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q) {
-    return {p, q, unitDir(q, p), isSeenEndOn(p, q), segmentReach(p, q), flatRunOf(p, q)};
+    return {p,
+            q,
+            unitDir(q, p),
+            isSeenEndOn(p, q),
+            segmentReach(p, q),
+            flatRunOf(p, q),
+            lineRangeOf(p, q)};
 }
 
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& from,

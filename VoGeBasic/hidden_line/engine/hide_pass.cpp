@@ -115,7 +115,7 @@ bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& h
                        FaceTestAids aids) {
     _s_hd_point_ from;
     _s_hd_point_ to;
-    if (!faceMeetsLineRange(face, line.p, line.q) || !hideLineByFace(line, face, from, to, aids))
+    if (!faceMeetsLineRange(face, line.range) || !hideLineByFace(line, face, from, to, aids))
         return true;
     return hidden.append(from, to);
 }
