@@ -219,18 +219,33 @@ bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& h
 bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
                     ProlineChain& hidden);
 
-/// How getVisibleProline merges overlapping pieces. Restart: every pair is tried again from the
-/// head after each merge. SkipSettled: the same merges in the same order, without retrying the
-/// pairs that cannot have changed since they last failed, and with pairs lying far apart
-/// turned down by their boxes alone.
-enum class MergeSchedule { Restart, SkipSettled };
+/// Working room for merging a line's hidden pieces without retrying the pairs that provably
+/// stay apart; it grows to the most pieces a line has. Not copyable.
+class MergeScratch {
+public:
+    struct Piece;
+    MergeScratch() = default;
+    ~MergeScratch();
+    MergeScratch(const MergeScratch&) = delete;
+    MergeScratch& operator=(const MergeScratch&) = delete;
+
+    /// Room for n pieces; false, keeping what it had, if it cannot grow.
+    bool reserve(size_t n);
+    Piece* pieces() { return pieces_; }
+
+private:
+    Piece* pieces_ = nullptr;
+    size_t capacity_ = 0;
+};
 
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement
 /// on the line, pieces in order from p to q, each with owner -1; null when nothing is visible.
-/// With no hidden piece the whole line is visible. Returns false, having released the pieces
+/// With no hidden piece the whole line is visible. Without scratch every pair of pieces is tried
+/// again from the head after each merge; with it, the same merges happen in the same order
+/// without retrying pairs that provably stay apart. Returns false, having released the pieces
 /// and set visible to null, if an allocation fails.
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
-                       _s_hd_proline_*& visible, MergeSchedule schedule = MergeSchedule::Restart);
+                       _s_hd_proline_*& visible, MergeScratch* scratch = nullptr);
 
 /// The hide pass followed step by step: the reference that kestHideObject must match node for
 /// node. Same contract as kestHideObject.
@@ -248,7 +263,7 @@ bool boxOverlapsLineRange(const double* box, const LineRange& range);
 struct VisibleCollector {
     _s_hd_proline_* head = nullptr;
     _s_hd_proline_* tail = nullptr;
-    MergeSchedule schedule = MergeSchedule::Restart;
+    MergeScratch* scratch = nullptr;  ///< handed to getVisibleProline
 
     /// Re-orients the stored line in place (near end first), appends the visible complement of
     /// its hidden pieces (consumed) with owner set to the object's index. Returns false, having
@@ -268,20 +283,20 @@ struct HideCandidate {
 /// included), and returns how many. The table has room for n entries, which is never exceeded.
 int touchingObjects(_s_hd_prof_* const* objs, int n, int i, HideCandidate* table);
 
-/// The frame of a hide pass (pieces merged by schedule): for each non-null object i,
+/// The frame of a hide pass (pieces merged with scratch, if any): for each non-null object i,
 /// findCandidates(i, table) fills the candidate table (room for n entries) and returns the count;
 /// then for each line, hideLine(line, table, count, hidden) appends its hidden pieces (false on a
 /// failed allocation), the line is re-oriented and its visible pieces collected. Returns the
 /// visible list, or null (having released all it built) if an allocation fails.
 template <class FindCandidates, class HideLine>
 _s_hd_proline_* runHidePass(_s_hd_prof_** objs, int n, FindCandidates&& findCandidates,
-                            HideLine&& hideLine, MergeSchedule schedule = MergeSchedule::Restart) {
+                            HideLine&& hideLine, MergeScratch* scratch = nullptr) {
     auto* table =
         static_cast<HideCandidate*>(std::malloc(static_cast<size_t>(n) * sizeof(HideCandidate)));
     if (table == nullptr)
         return nullptr;
     VisibleCollector out;
-    out.schedule = schedule;
+    out.scratch = scratch;
     for (int i = 0; i < n; ++i) {
         if (objs[i] == nullptr)
             continue;

@@ -256,6 +256,7 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
         return nullptr;
     // Kept for one object's lines at a time: they are what share ends.
     BehindMemo memo;
+    MergeScratch scratch;
     return runHidePass(
         objs, n,
         [&](int i, HideCandidate* table) {
@@ -285,7 +286,7 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
             }
             return true;
         },
-        MergeSchedule::SkipSettled);
+        &scratch);
 }
 
 }  // namespace geolib
