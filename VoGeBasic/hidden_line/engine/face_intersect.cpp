@@ -32,18 +32,24 @@ bool extentsOverlap(const HDFace& f, const HDFace& g) {
 }
 
 // Adds to pts (kept so far: kept) the points where the edges of e pierce the face `plane`.
-// Returns true once two distinct points are kept.
-bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, int& kept) {
+// Returns true once two distinct points are kept. With ep and pp (the faces' prepared data,
+// both or neither) the faces' own parts of the tests are taken from them.
+bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, int& kept,
+                      const FacePrep* ep, const FacePrep* pp) {
     for (int k = 0; k < e.count; ++k) {
         const _s_hd_point_ a = e.v[k];
-        const _s_hd_point_ b = e.v[(k + 1) % e.count];
+        const _s_hd_point_ b = e.v[nextVertex(k, e.count)];
         // An edge parallel to the plane meets it nowhere, or everywhere along a shared edge: the
         // edges across it give that segment's ends.
-        if (isLineCrossPlane(a, b, plane.normal) == 0)
+        if (ep != nullptr ? !crossesPlane(ep->dir[k], plane.normal)
+                          : isLineCrossPlane(a, b, plane.normal) == 0)
             continue;
         const _s_hd_point_ x = linePlaneInter(plane.normal, plane.v[0], a, b);
-        if (isPointOnSeg(x, a, b) == 0 || !withinXYExtents(x, plane, hd::kPierceExtentTol) ||
-            isPointInFace(x, plane.count, plane.v) == 0)
+        if (ep != nullptr ? !onSegWithin(x, a, b, ep->reach[k]) : isPointOnSeg(x, a, b) == 0)
+            continue;
+        if (!withinXYExtents(x, plane, hd::kPierceExtentTol) ||
+            (pp != nullptr ? isPointInFace(x, plane, *pp)
+                           : isPointInFace(x, plane.count, plane.v)) == 0)
             continue;
         if (kept == 1 && isSamePointFine(x, pts[0]))
             continue;
@@ -54,40 +60,58 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
     return false;
 }
 
-// The faces of obj, read once for all the registered objects. Null if the object has no face
-// to read or an allocation fails; count says how many were read.
-HDFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
+// A face read for intersection, with its prepared data.
+struct PreparedFace {
+    HDFace face;
+    FacePrep prep;
+};
+
+// The faces of obj, read and prepared once for all the registered objects. Null if the object
+// has no face to read or an allocation fails; count says how many were read.
+PreparedFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
     count = 0;
     ok = true;
     size_t total = 0;
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next)
         ++total;
-    auto* faces = static_cast<HDFace*>(std::malloc(total * sizeof(HDFace)));
+    auto* faces = static_cast<PreparedFace*>(std::malloc(total * sizeof(PreparedFace)));
     if (faces == nullptr) {
         ok = false;
         return nullptr;
     }
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
-        if (readFace(f->sect, faces[count]))
+        if (readFace(f->sect, faces[count].face)) {
+            prepareFaceTests(faces[count].face, faces[count].prep);
             ++count;
+        }
     }
     return faces;
 }
 
-}  // namespace
-
-bool getFaceInterLine(const HDFace& f, const HDFace& g, _s_hd_point_& a, _s_hd_point_& b) {
+bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
+                   _s_hd_point_& a, _s_hd_point_& b) {
     if (isZero(f.normal) || isZero(g.normal))
         return false;
     if (std::fabs(std::fabs(vecDot(f.normal, g.normal)) - 1.0) < hd::kParallelFacesTol)
         return false;
     _s_hd_point_ pts[2];
     int kept = 0;
-    if (!collectPiercings(f, g, pts, kept) && !collectPiercings(g, f, pts, kept))
+    if (!collectPiercings(f, g, pts, kept, fp, gp) && !collectPiercings(g, f, pts, kept, gp, fp))
         return false;
     a = pts[0];
     b = pts[1];
     return true;
+}
+
+}  // namespace
+
+bool getFaceInterLine(const HDFace& f, const HDFace& g, _s_hd_point_& a, _s_hd_point_& b) {
+    return faceInterLine(f, nullptr, g, nullptr, a, b);
+}
+
+bool getFaceInterLine(const HDFace& f, const FacePrep& fp, const HDFace& g, const FacePrep& gp,
+                      _s_hd_point_& a, _s_hd_point_& b) {
+    return faceInterLine(f, &fp, g, &gp, a, b);
 }
 
 void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max) {
@@ -100,7 +124,7 @@ void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max
         return;
     int ownCount = 0;
     bool ok = true;
-    HDFace* own = readFaces(obj, ownCount, ok);
+    PreparedFace* own = readFaces(obj, ownCount, ok);
     if (!ok)
         return;
     ProlineChain found;
@@ -109,13 +133,19 @@ void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max
         if (other == nullptr || !boxesTouch(other->box, obj->box))
             continue;
         for (const _s_hd_prosect_* fs = other->prosect; fs != nullptr && ok; fs = fs->next) {
-            HDFace f;
-            if (!readFace(fs->sect, f))
+            PreparedFace f;
+            if (!readFace(fs->sect, f.face))
                 continue;
+            bool prepared = false;  // only once a face of obj comes near
             for (int g = 0; g < ownCount && ok; ++g) {
+                if (!extentsOverlap(f.face, own[g].face))
+                    continue;
+                if (!prepared)
+                    prepareFaceTests(f.face, f.prep);
+                prepared = true;
                 _s_hd_point_ a;
                 _s_hd_point_ b;
-                if (extentsOverlap(f, own[g]) && getFaceInterLine(f, own[g], a, b))
+                if (getFaceInterLine(f.face, f.prep, own[g].face, own[g].prep, a, b))
                     ok = found.append(a, b);
             }
         }

@@ -7,14 +7,44 @@
 #ifndef VOGEBASIC_HD_ENGINE_INTERNAL_H
 #define VOGEBASIC_HD_ENGINE_INTERNAL_H
 
+#include <cmath>
 #include <cstdlib>
 
 #include "hd_records.h"
+#include "hidden_line/engine/hd_engine_tolerances.h"
 #include "hidden_line/model/hd_builders.h"
 
 namespace geolib {
 
 // ---- numeric tests ------------------------------------------------------------------------------
+
+/// std::fmax and std::fmin, inline: a NaN argument gives the other one. Of two equal values
+/// either may come back; the callers only compare the result, so a zero's sign never matters.
+inline double maxOf(double a, double b) {
+    return a > b || b != b ? a : b;
+}
+inline double minOf(double a, double b) {
+    return a < b || b != b ? a : b;
+}
+
+/// The box of the segment a-b widened by a hundredth of the segment's largest extent and a
+/// thousandth of a unit. At a point outside it the angle the segment subtends is at least a
+/// fiftieth of a radian short of a half turn, and the point is far from both ends, so
+/// isPointOnSeg rejects it at once. NaN and infinite coordinates are never outside.
+struct SegmentReach {
+    double xlo, xhi, ylo, yhi, zlo, zhi;
+    bool excludes(_s_hd_point_ p) const {
+        return p.x < xlo || p.x > xhi || p.y < ylo || p.y > yhi || p.z < zlo || p.z > zhi;
+    }
+};
+inline SegmentReach segmentReach(_s_hd_point_ a, _s_hd_point_ b) {
+    const double margin =
+        hd::kOnSegRejectRel *
+            maxOf(std::fabs(b.x - a.x), maxOf(std::fabs(b.y - a.y), std::fabs(b.z - a.z))) +
+        hd::kOnSegRejectAbs;
+    return {minOf(a.x, b.x) - margin, maxOf(a.x, b.x) + margin, minOf(a.y, b.y) - margin,
+            maxOf(a.y, b.y) + margin, minOf(a.z, b.z) - margin, maxOf(a.z, b.z) + margin};
+}
 
 /// 1 when p lies on the segment a-b: p is an end (isSamePointFine or within squared distance
 /// 1e-9), or the segment subtends an angle of about pi at p (see hd_engine_tolerances.h).
@@ -27,6 +57,10 @@ int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
 int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v);
 /// 1 when the direction from a to b is not parallel to the plane of unit normal n.
 int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n);
+/// True when the unit direction dir is not parallel to the plane of unit normal n.
+inline bool crossesPlane(_s_hd_point_ dir, _s_hd_point_ n) {
+    return std::fabs(vecDot(dir, n)) > hd::kPlaneParallelTol;
+}
 /// The point where the infinite line through a and b meets the plane through v0, v1 and v2.
 /// NaN coordinates when the line is parallel to that plane or the three points span none.
 _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
@@ -42,7 +76,26 @@ struct ProjCrossing {
 };
 ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d);
 
+/// A segment's run a -> b in the drawing plane and its length.
+struct FlatRun {
+    double dx, dy, len;
+};
+inline FlatRun flatRunOf(_s_hd_point_ a, _s_hd_point_ b) {
+    const double dx = b.x - a.x;
+    const double dy = b.y - a.y;
+    return {dx, dy, std::sqrt(dx * dx + dy * dy)};
+}
+/// crossProjections with the runs of a -> b and c -> d already worked out.
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
+                              const FlatRun& line, const FlatRun& edge);
+
 // ---- faces --------------------------------------------------------------------------------------
+
+/// The vertex after vertex k (0 <= k < count) of a closed polygon: (k + 1) mod count, without
+/// a division.
+inline int nextVertex(int k, int count) {
+    return k + 1 < count ? k + 1 : 0;
+}
 
 /// A face as the engine reads it: its vertices in order (at most four), their extents and the
 /// unit normal of the first three.
@@ -69,17 +122,96 @@ void orientNearFirst(_s_hd_point_& p, _s_hd_point_& q);
 /// at all.
 bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q);
 
+/// Remembers whether the point straight behind or in front of a line end lies inside a face,
+/// the costly part of telling whether the end is behind the face. The answer depends only on
+/// the end (to the bit) and the face, so a remembered one is exactly the one computed again;
+/// line ends shared by several lines (corners, chord ends) are then tested once per face.
+/// Faces are named by the caller's index. Not copyable.
+class BehindMemo {
+public:
+    BehindMemo() = default;
+    ~BehindMemo();
+    BehindMemo(const BehindMemo&) = delete;
+    BehindMemo& operator=(const BehindMemo&) = delete;
+
+    /// Forgets every answer (in constant time).
+    void forget();
+    /// The answer remembered for the end e and the face: 1 inside, 0 outside, -1 none.
+    int find(size_t face, _s_hd_point_ e) const;
+    /// Remembers the answer; when the table cannot grow it remembers nothing and failed()
+    /// becomes true.
+    void remember(size_t face, _s_hd_point_ e, bool inside);
+    bool failed() const { return failed_; }
+
+private:
+    struct Entry;
+    bool grow();
+
+    Entry* slots_ = nullptr;
+    size_t capacity_ = 0;  ///< a power of two, or 0
+    size_t used_ = 0;      ///< entries of the current generation
+    unsigned generation_ = 1;
+    bool failed_ = false;
+};
+
+/// What the face tests ask of one face alone, worked out once (edge k runs from v[k] to
+/// v[(k + 1) mod count]).
+struct FacePrep {
+    SegmentReach reach[4];  ///< segmentReach of each edge
+    double len2[4];         ///< each edge's squared length (pointDist2)
+    FlatRun run[4];         ///< each edge's run in the drawing plane
+    _s_hd_point_ dir[4];    ///< each edge's unit direction, unitDir(v[k + 1], v[k])
+    _s_hd_point_ area;      ///< the unit area normal that isPointInFace signs its angles by
+};
+void prepareFaceTests(const HDFace& face, FacePrep& prep);
+/// isPointInFace(p, face.count, face.v) with the face's data prepared.
+int isPointInFace(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
+
+/// What hideLineByFace may use beyond the face itself: a memo of behind tests and the face's
+/// index in it, and the face's prepared data. Either may be absent.
+struct FaceTestAids {
+    BehindMemo* memo = nullptr;
+    size_t face = 0;
+    const FacePrep* prep = nullptr;
+};
+
+/// The X and Y range of a line.
+struct LineRange {
+    double xmin, xmax, ymin, ymax;
+};
+LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b);
+
+/// A line p -> q (p the near end) with what the face tests ask of the line alone.
+struct HideLine {
+    _s_hd_point_ p, q;
+    _s_hd_point_ dir;    ///< unitDir(q, p)
+    bool endOn;          ///< isSeenEndOn(p, q)
+    SegmentReach reach;  ///< segmentReach(p, q)
+    FlatRun run;         ///< flatRunOf(p, q)
+    LineRange range;     ///< lineRangeOf(p, q)
+};
+HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q);
+
 /// The part of the line p -> q (p the near end) hidden behind one face. Returns true and sets
 /// from -> to (running away from p, both on the line) when a piece is hidden; false otherwise.
+/// With a memo the behind tests of the line's ends are looked up there first and kept there;
+/// with prepared data the face's own part of each test is taken from it.
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, _s_hd_point_& from,
-                    _s_hd_point_& to);
+                    _s_hd_point_& to, FaceTestAids aids = {});
+/// The same for a line prepared once for many faces.
+bool hideLineByFace(const HideLine& line, const HDFace& face, _s_hd_point_& from, _s_hd_point_& to,
+                    FaceTestAids aids = {});
 
 /// True when the face's XY extents and those of the line p-q overlap or touch.
 bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
+/// The same with the line's range worked out already (lineRangeOf).
+bool faceMeetsLineRange(const HDFace& face, const LineRange& range);
 
 /// When the face's XY extents touch the line p -> q (p the near end) and it hides a piece of
-/// it, appends that piece to hidden. Returns false only if that allocation fails.
-bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden);
+/// it, appends that piece to hidden. Returns false only if that allocation fails (a memo that
+/// cannot grow is the caller's to check).
+bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
+                       FaceTestAids aids = {});
 
 /// Tests the line (a copy, near end first) against every face of the list in order and
 /// appends the hidden pieces to hidden. Returns false, having appended what it could, if an
@@ -87,12 +219,33 @@ bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, Proli
 bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
                     ProlineChain& hidden);
 
+/// Working room for merging a line's hidden pieces without retrying the pairs that provably
+/// stay apart; it grows to the most pieces a line has. Not copyable.
+class MergeScratch {
+public:
+    struct Piece;
+    MergeScratch() = default;
+    ~MergeScratch();
+    MergeScratch(const MergeScratch&) = delete;
+    MergeScratch& operator=(const MergeScratch&) = delete;
+
+    /// Room for n pieces; false, keeping what it had, if it cannot grow.
+    bool reserve(size_t n);
+    Piece* pieces() { return pieces_; }
+
+private:
+    Piece* pieces_ = nullptr;
+    size_t capacity_ = 0;
+};
+
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement
 /// on the line, pieces in order from p to q, each with owner -1; null when nothing is visible.
-/// With no hidden piece the whole line is visible. Returns false, having released the pieces
+/// With no hidden piece the whole line is visible. Without scratch every pair of pieces is tried
+/// again from the head after each merge; with it, the same merges happen in the same order
+/// without retrying pairs that provably stay apart. Returns false, having released the pieces
 /// and set visible to null, if an allocation fails.
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
-                       _s_hd_proline_*& visible);
+                       _s_hd_proline_*& visible, MergeScratch* scratch = nullptr);
 
 /// The hide pass followed step by step: the reference that kestHideObject must match node for
 /// node. Same contract as kestHideObject.
@@ -103,11 +256,6 @@ _s_hd_proline_* kestHideObjectReference(_s_hd_prof_** objs, int n);
 /// True when the XY boxes (X max, X min, Y max, Y min, ...) of two objects overlap or touch.
 bool xyBoxesTouch(const double* a, const double* b);
 
-/// The X and Y range of a line.
-struct LineRange {
-    double xmin, xmax, ymin, ymax;
-};
-LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b);
 /// True when an object's box overlaps the line's range strictly (a mere touch does not count).
 bool boxOverlapsLineRange(const double* box, const LineRange& range);
 
@@ -115,6 +263,7 @@ bool boxOverlapsLineRange(const double* box, const LineRange& range);
 struct VisibleCollector {
     _s_hd_proline_* head = nullptr;
     _s_hd_proline_* tail = nullptr;
+    MergeScratch* scratch = nullptr;  ///< handed to getVisibleProline
 
     /// Re-orients the stored line in place (near end first), appends the visible complement of
     /// its hidden pieces (consumed) with owner set to the object's index. Returns false, having
@@ -134,19 +283,20 @@ struct HideCandidate {
 /// included), and returns how many. The table has room for n entries, which is never exceeded.
 int touchingObjects(_s_hd_prof_* const* objs, int n, int i, HideCandidate* table);
 
-/// The frame of a hide pass: for each non-null object i, findCandidates(i, table) fills the
-/// candidate table (room for n entries) and returns the count; then for each line,
-/// hideLine(line, table, count, hidden) appends its hidden pieces (false on a failed
-/// allocation), the line is re-oriented and its visible pieces collected. Returns the visible
-/// list, or null (having released all it built) if an allocation fails.
+/// The frame of a hide pass (pieces merged with scratch, if any): for each non-null object i,
+/// findCandidates(i, table) fills the candidate table (room for n entries) and returns the count;
+/// then for each line, hideLine(line, table, count, hidden) appends its hidden pieces (false on a
+/// failed allocation), the line is re-oriented and its visible pieces collected. Returns the
+/// visible list, or null (having released all it built) if an allocation fails.
 template <class FindCandidates, class HideLine>
 _s_hd_proline_* runHidePass(_s_hd_prof_** objs, int n, FindCandidates&& findCandidates,
-                            HideLine&& hideLine) {
+                            HideLine&& hideLine, MergeScratch* scratch = nullptr) {
     auto* table =
         static_cast<HideCandidate*>(std::malloc(static_cast<size_t>(n) * sizeof(HideCandidate)));
     if (table == nullptr)
         return nullptr;
     VisibleCollector out;
+    out.scratch = scratch;
     for (int i = 0; i < n; ++i) {
         if (objs[i] == nullptr)
             continue;
@@ -172,6 +322,11 @@ _s_hd_proline_* runHidePass(_s_hd_prof_** objs, int n, FindCandidates&& findCand
 /// of one pierces the other (edges of f first). Returns true and sets a -> b when there are two;
 /// false for parallel faces, a face without a plane, or fewer than two points.
 bool getFaceInterLine(const HDFace& f, const HDFace& g, _s_hd_point_& a, _s_hd_point_& b);
+/// The same with both faces' data prepared (prepareFaceTests).
+bool getFaceInterLine(const HDFace& f, const FacePrep& fp, const HDFace& g, const FacePrep& gp,
+                      _s_hd_point_& a, _s_hd_point_& b);
+/// isPointOnSeg(p, a, b) with the segment's reach worked out already.
+bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach);
 
 }  // namespace geolib
 

@@ -2,13 +2,117 @@
 // read once per call instead of once per line, and pairs of a line and a face that provably
 // yield no hidden piece skipped before the face test.
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 #include "hd_engine.h"
 #include "hidden_line/engine/hd_engine_internal.h"
 #include "hidden_line/engine/hd_engine_tolerances.h"
 
 namespace geolib {
+
+struct BehindMemo::Entry {
+    std::uint64_t x, y, z;  ///< the line end's coordinates, bit for bit
+    size_t face;
+    unsigned generation;  ///< 0: empty; an entry of an older generation is forgotten
+    bool inside;
+};
+
+namespace {
+
+// The memo's first table, and the load (one slot in two) at which it doubles.
+constexpr size_t kMemoFirstCapacity = 1024;
+
+std::uint64_t bitsOf(double v) {
+    std::uint64_t b;
+    std::memcpy(&b, &v, sizeof b);
+    return b;
+}
+
+size_t memoSlot(size_t face, std::uint64_t x, std::uint64_t y, std::uint64_t z, size_t mask) {
+    std::uint64_t h = x * 0x9E3779B97F4A7C15ULL;
+    h ^= (y + (h << 6) + (h >> 2)) * 0xC2B2AE3D27D4EB4FULL;
+    h ^= (z + (h << 6) + (h >> 2)) * 0x165667B19E3779F9ULL;
+    h ^= static_cast<std::uint64_t>(face) * 0x27D4EB2F165667C5ULL;
+    h ^= h >> 31;
+    return static_cast<size_t>(h) & mask;
+}
+
+}  // namespace
+
+BehindMemo::~BehindMemo() {
+    std::free(slots_);
+}
+
+void BehindMemo::forget() {
+    used_ = 0;
+    if (++generation_ != 0)
+        return;
+    // After a wrap of the counter every slot is emptied, so no old entry can come back.
+    for (size_t k = 0; k < capacity_; ++k)
+        slots_[k].generation = 0;
+    generation_ = 1;
+}
+
+int BehindMemo::find(size_t face, _s_hd_point_ e) const {
+    if (capacity_ == 0)
+        return -1;
+    const std::uint64_t x = bitsOf(e.x);
+    const std::uint64_t y = bitsOf(e.y);
+    const std::uint64_t z = bitsOf(e.z);
+    const size_t mask = capacity_ - 1;
+    for (size_t k = memoSlot(face, x, y, z, mask);; k = (k + 1) & mask) {
+        const Entry& s = slots_[k];
+        if (s.generation != generation_)
+            return -1;
+        if (s.face == face && s.x == x && s.y == y && s.z == z)
+            return s.inside ? 1 : 0;
+    }
+}
+
+void BehindMemo::remember(size_t face, _s_hd_point_ e, bool inside) {
+    if (failed_ || ((used_ + 1) * 2 > capacity_ && !grow()))
+        return;
+    const std::uint64_t x = bitsOf(e.x);
+    const std::uint64_t y = bitsOf(e.y);
+    const std::uint64_t z = bitsOf(e.z);
+    const size_t mask = capacity_ - 1;
+    size_t k = memoSlot(face, x, y, z, mask);
+    while (slots_[k].generation == generation_)
+        k = (k + 1) & mask;
+    slots_[k] = {x, y, z, face, generation_, inside};
+    ++used_;
+}
+
+bool BehindMemo::grow() {
+    const size_t capacity = capacity_ == 0 ? kMemoFirstCapacity : 2 * capacity_;
+    if (capacity > SIZE_MAX / 2 / sizeof(Entry)) {
+        failed_ = true;
+        return false;
+    }
+    auto* slots = static_cast<Entry*>(std::malloc(capacity * sizeof(Entry)));
+    if (slots == nullptr) {
+        failed_ = true;
+        return false;
+    }
+    for (size_t k = 0; k < capacity; ++k)
+        slots[k].generation = 0;
+    const size_t mask = capacity - 1;
+    for (size_t k = 0; k < capacity_; ++k) {
+        const Entry& s = slots_[k];
+        if (s.generation != generation_)
+            continue;
+        size_t at = memoSlot(s.face, s.x, s.y, s.z, mask);
+        while (slots[at].generation != 0)
+            at = (at + 1) & mask;
+        slots[at] = s;
+    }
+    std::free(slots_);
+    slots_ = slots;
+    capacity_ = capacity;
+    return true;
+}
 
 namespace {
 
@@ -17,16 +121,19 @@ bool isBoundedPoint(_s_hd_point_ p) {
            std::fabs(p.z) <= hd::kCullCoordLimit;
 }
 
-// A face read once, with what the pruning test needs: its XY box as centre and half sizes
-// and its size; prunable is false when a vertex is not bounded (NaN included).
+// A face read once, with its prepared test data and what the pruning test needs: its XY box
+// as centre and half sizes and its size; prunable is false when a vertex is not bounded (NaN
+// included).
 struct CachedFace {
     HDFace face;
+    FacePrep prep;
     bool prunable;
     double cx, cy, hx, hy, size;
 };
 
 void prepareFace(CachedFace& c) {
     const HDFace& f = c.face;
+    prepareFaceTests(f, c.prep);
     c.prunable = true;
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
@@ -48,9 +155,11 @@ struct LinePrune {
     double length;  ///< 3-D length
 };
 
-LinePrune prepareLine(_s_hd_point_ p, _s_hd_point_ q) {
+LinePrune prepareLine(const HideLine& line) {
+    const _s_hd_point_ p = line.p;
+    const _s_hd_point_ q = line.q;
     LinePrune l{};
-    l.prunable = isBoundedPoint(p) && isBoundedPoint(q) && !isSeenEndOn(p, q);
+    l.prunable = isBoundedPoint(p) && isBoundedPoint(q) && !line.endOn;
     if (!l.prunable)
         return l;
     l.xmin = p.x < q.x ? p.x : q.x;
@@ -129,6 +238,7 @@ public:
     }
 
     const CachedFace* begin(int i) const { return faces_ + first_[i]; }
+    size_t indexOf(const CachedFace* f) const { return static_cast<size_t>(f - faces_); }
     const CachedFace* end(int i) const { return faces_ + first_[i + 1]; }
 
 private:
@@ -144,15 +254,23 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
     FaceCache cache;
     if (!cache.build(objs, n))
         return nullptr;
+    // Kept for one object's lines at a time: they are what share ends.
+    BehindMemo memo;
+    MergeScratch scratch;
     return runHidePass(
-        objs, n, [&](int i, HideCandidate* table) { return touchingObjects(objs, n, i, table); },
+        objs, n,
+        [&](int i, HideCandidate* table) {
+            memo.forget();
+            return touchingObjects(objs, n, i, table);
+        },
         [&](const _s_hd_proline_* line, const HideCandidate* table, int candidates,
             ProlineChain& hidden) {
             const LineRange range = lineRangeOf(line->start, line->end);
             _s_hd_point_ p = line->start;
             _s_hd_point_ q = line->end;
             orientNearFirst(p, q);
-            const LinePrune prune = prepareLine(p, q);
+            const HideLine prepared = hideLineOf(p, q);
+            const LinePrune prune = prepareLine(prepared);
             for (int c = 0; c < candidates; ++c) {
                 const int j = table[c].index;
                 if (!boxOverlapsLineRange(objs[j]->box, range))
@@ -160,12 +278,15 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
                 for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
                     if (faceTooFarFromLine(*f, prune))
                         continue;
-                    if (!appendHiddenPiece(p, q, f->face, hidden))
+                    if (!appendHiddenPiece(prepared, f->face, hidden,
+                                           {&memo, cache.indexOf(f), &f->prep}) ||
+                        memo.failed())
                         return false;
                 }
             }
             return true;
-        });
+        },
+        &scratch);
 }
 
 }  // namespace geolib

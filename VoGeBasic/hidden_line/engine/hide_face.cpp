@@ -14,50 +14,110 @@ using geometry::clampUnit;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// std::fmax and std::fmin, inline: a NaN argument gives the other one. Of two equal values
-// either may come back; the callers only compare the result, so a zero's sign never matters.
-double maxOf(double a, double b) {
-    return a > b || b != b ? a : b;
-}
-double minOf(double a, double b) {
-    return a < b || b != b ? a : b;
+// isPointOnSeg past its first step: p is known to lie within the segment's reach.
+int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
+    if (isSamePointFine(p, a) || isSamePointFine(p, b))
+        return 1;
+    if (pointDist2(p, a) <= hd::kOnSegEndDist2 || pointDist2(p, b) <= hd::kOnSegEndDist2)
+        return 1;
+    const double pa = pointDist(p, a);
+    const double pb = pointDist(p, b);
+    const double ab = pointDist(a, b);
+    const double c = clampUnit((pa * pa + pb * pb - ab * ab) / (2.0 * pa * pb));
+    if (c > hd::kOnSegSureOffCos)
+        return 0;  // the angle is far below a half turn: no need to measure it
+    const double phi = std::acos(c);
+    return std::fabs(2.0 * phi - hd::kOnSegTurn) < hd::kOnSegAngleTol ? 1 : 0;
 }
 
-// True when p lies outside the box of the segment a-b widened by a hundredth of the segment's
-// largest extent and a thousandth of a unit: the angle the segment subtends there is then at
-// least a fiftieth of a radian short of a half turn, and p is far from both ends, so the exact
-// test would reject p too. NaN and infinite coordinates never count as far.
-bool isFarFromSegment(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
-    const double margin =
-        hd::kOnSegRejectRel *
-            maxOf(std::fabs(b.x - a.x), maxOf(std::fabs(b.y - a.y), std::fabs(b.z - a.z))) +
-        hd::kOnSegRejectAbs;
-    return p.x < minOf(a.x, b.x) - margin || p.x > maxOf(a.x, b.x) + margin ||
-           p.y < minOf(a.y, b.y) - margin || p.y > maxOf(a.y, b.y) + margin ||
-           p.z < minOf(a.z, b.z) - margin || p.z > maxOf(a.z, b.z) + margin;
+// The unit area normal of the polygon (Newell's sum, about the first vertex); zero for a
+// polygon of no area.
+_s_hd_point_ areaNormal(int count, const _s_hd_point_* v) {
+    _s_hd_point_ area = {0.0, 0.0, 0.0};
+    for (int k = 1; k + 1 < count; ++k)
+        area = vecAdd(area, vecCross(vecSub(v[k], v[0]), vecSub(v[k + 1], v[0])));
+    return vecNormalize(area);
+}
+
+// isPointInFace for a polygon of at least three vertices, with its unit area normal, edge k's
+// on-edge test onEdge(k) and squared length len2(k) supplied.
+template <class OnEdge, class EdgeLen2>
+int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point_ area,
+                   OnEdge&& onEdge, EdgeLen2&& len2) {
+    for (int k = 0; k < count; ++k) {
+        if (onEdge(k))
+            return 1;
+    }
+    for (int k = 0; k < count; ++k) {
+        if (pointDist2(p, v[k]) <= hd::kInFaceVertexDist2)
+            return 1;
+    }
+    // The area normal gives every edge's angle its sign: it works for any simple polygon,
+    // whichever way round its first three vertices turn.
+    if (area.x == 0.0 && area.y == 0.0 && area.z == 0.0)
+        return 0;
+    double sum = 0.0;
+    for (int k = 0; k < count; ++k) {
+        const _s_hd_point_ a = v[k];
+        const _s_hd_point_ b = v[nextVertex(k, count)];
+        const double da2 = pointDist2(p, a);
+        const double db2 = pointDist2(p, b);
+        const double ab2 = len2(k);
+        const double angle =
+            std::acos(clampUnit((da2 + db2 - ab2) / (2.0 * std::sqrt(da2) * std::sqrt(db2))));
+        const double side = vecDot(vecCross(vecSub(a, p), vecSub(b, p)), area);
+        sum += side < 0.0 ? -angle : angle;
+    }
+    return std::fabs(std::fabs(sum) - hd::kInFaceTurn) < hd::kInFaceTurnTol ? 1 : 0;
+}
+
+// The face tests with or without the face's prepared data.
+bool inFace(_s_hd_point_ p, const HDFace& f, const FaceTestAids& aids) {
+    return (aids.prep != nullptr ? isPointInFace(p, f, *aids.prep)
+                                 : isPointInFace(p, f.count, f.v)) != 0;
+}
+bool onEdge(_s_hd_point_ p, const HDFace& f, int k, const FaceTestAids& aids) {
+    const _s_hd_point_ a = f.v[k];
+    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+    return aids.prep != nullptr ? onSegWithin(p, a, b, aids.prep->reach[k])
+                                : isPointOnSeg(p, a, b) != 0;
+}
+ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
+    const _s_hd_point_ a = f.v[k];
+    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+    return crossProjections(line.p, line.q, a, b, line.run,
+                            aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, b));
 }
 
 // True when the point straight behind or in front of e on the face's plane lies in the face
 // and e is behind that point or level with it.
-bool endBehindFace(_s_hd_point_ e, const HDFace& f) {
+bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
     const _s_hd_point_ up = {e.x, e.y, e.z + 1.0};
     const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up);
     // The cheap tests first: most faces fail them and never reach the angle sum.
-    return withinXYExtents(i, f, hd::kBehindExtentTol) &&
-           (i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol) &&
-           isPointInFace(i, f.count, f.v) != 0;
+    if (!withinXYExtents(i, f, hd::kBehindExtentTol) ||
+        !(i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol))
+        return false;
+    if (aids.memo == nullptr)
+        return inFace(i, f, aids);
+    const int known = aids.memo->find(aids.face, e);
+    if (known >= 0)
+        return known != 0;
+    const bool inside = inFace(i, f, aids);
+    aids.memo->remember(aids.face, e, inside);
+    return inside;
 }
 
 // The crossings of the face's outline that hide the line p -> q where they cross it: the
 // edge is nearer than the line there, or level with it. Returns how many (0 to 2); c1 is the
 // nearer to p.
-int outlineCrossings(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& c1,
-                     _s_hd_point_& c2) {
+int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& aids,
+                     _s_hd_point_& c1, _s_hd_point_& c2) {
+    const _s_hd_point_ p = line.p;
+    const _s_hd_point_ q = line.q;
     int found = 0;
     for (int k = 0; k < f.count; ++k) {
-        const _s_hd_point_ a = f.v[k];
-        const _s_hd_point_ b = f.v[(k + 1) % f.count];
-        const ProjCrossing x = crossProjections(p, q, a, b);
+        const ProjCrossing x = crossEdge(line, f, k, aids);
         if (x.parallel)
             continue;
         const _s_hd_point_ k3 = x.onLine;
@@ -67,7 +127,7 @@ int outlineCrossings(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_poin
             continue;
         // Only where the edge crosses the segment itself: a crossing of its extension would
         // give a piece that leaves the line.
-        if (isPointOnSeg(x.onEdge, a, b) == 0 || isPointOnSeg(k3, p, q) == 0)
+        if (!onEdge(x.onEdge, f, k, aids) || !onSegWithin(k3, p, q, line.reach))
             continue;
         if (found == 0) {
             c1 = k3;
@@ -89,59 +149,46 @@ int outlineCrossings(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_poin
 
 // ---- numeric tests ------------------------------------------------------------------------------
 
+bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach) {
+    return !reach.excludes(p) && isPointOnSegInReach(p, a, b) != 0;
+}
+
 int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
-    if (isFarFromSegment(p, a, b))
-        return 0;
-    if (isSamePointFine(p, a) || isSamePointFine(p, b))
-        return 1;
-    if (pointDist2(p, a) <= hd::kOnSegEndDist2 || pointDist2(p, b) <= hd::kOnSegEndDist2)
-        return 1;
-    const double pa = pointDist(p, a);
-    const double pb = pointDist(p, b);
-    const double ab = pointDist(a, b);
-    const double c = clampUnit((pa * pa + pb * pb - ab * ab) / (2.0 * pa * pb));
-    if (c > hd::kOnSegSureOffCos)
-        return 0;  // the angle is far below a half turn: no need to measure it
-    const double phi = std::acos(c);
-    return std::fabs(2.0 * phi - hd::kOnSegTurn) < hd::kOnSegAngleTol ? 1 : 0;
+    return onSegWithin(p, a, b, segmentReach(a, b)) ? 1 : 0;
 }
 
 int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v) {
     if (count < 3)
         return 0;
-    for (int k = 0; k < count; ++k) {
-        if (isPointOnSeg(p, v[k], v[(k + 1) % count]) != 0)
-            return 1;
-    }
-    for (int k = 0; k < count; ++k) {
-        if (pointDist2(p, v[k]) <= hd::kInFaceVertexDist2)
-            return 1;
-    }
-    // The area normal (Newell's sum, about the first vertex) gives every edge's angle its sign:
-    // it works for any simple polygon, whichever way round its first three vertices turn.
-    _s_hd_point_ area = {0.0, 0.0, 0.0};
-    for (int k = 1; k + 1 < count; ++k)
-        area = vecAdd(area, vecCross(vecSub(v[k], v[0]), vecSub(v[k + 1], v[0])));
-    area = vecNormalize(area);
-    if (area.x == 0.0 && area.y == 0.0 && area.z == 0.0)
+    return pointInPolygon(
+        p, count, v, areaNormal(count, v),
+        [&](int k) { return isPointOnSeg(p, v[k], v[nextVertex(k, count)]) != 0; },
+        [&](int k) { return pointDist2(v[k], v[nextVertex(k, count)]); });
+}
+
+int isPointInFace(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) {
+    if (f.count < 3)
         return 0;
-    double sum = 0.0;
-    for (int k = 0; k < count; ++k) {
-        const _s_hd_point_ a = v[k];
-        const _s_hd_point_ b = v[(k + 1) % count];
-        const double da2 = pointDist2(p, a);
-        const double db2 = pointDist2(p, b);
-        const double ab2 = pointDist2(a, b);
-        const double angle =
-            std::acos(clampUnit((da2 + db2 - ab2) / (2.0 * std::sqrt(da2) * std::sqrt(db2))));
-        const double side = vecDot(vecCross(vecSub(a, p), vecSub(b, p)), area);
-        sum += side < 0.0 ? -angle : angle;
+    return pointInPolygon(
+        p, f.count, f.v, prep.area,
+        [&](int k) { return onSegWithin(p, f.v[k], f.v[nextVertex(k, f.count)], prep.reach[k]); },
+        [&](int k) { return prep.len2[k]; });
+}
+
+void prepareFaceTests(const HDFace& f, FacePrep& prep) {
+    for (int k = 0; k < f.count; ++k) {
+        const _s_hd_point_ a = f.v[k];
+        const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+        prep.reach[k] = segmentReach(a, b);
+        prep.len2[k] = pointDist2(a, b);
+        prep.run[k] = flatRunOf(a, b);
+        prep.dir[k] = unitDir(b, a);
     }
-    return std::fabs(std::fabs(sum) - hd::kInFaceTurn) < hd::kInFaceTurnTol ? 1 : 0;
+    prep.area = areaNormal(f.count, f.v);
 }
 
 int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
-    return std::fabs(vecDot(unitDir(b, a), n)) > hd::kPlaneParallelTol ? 1 : 0;
+    return crossesPlane(unitDir(b, a), n) ? 1 : 0;
 }
 
 _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b) {
@@ -159,22 +206,21 @@ _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2
 }
 
 ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d) {
+    return crossProjections(a, b, c, d, flatRunOf(a, b), flatRunOf(c, d));
+}
+
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
+                              const FlatRun& line, const FlatRun& edge) {
     ProjCrossing x = {true, a, c};
-    const double dx = b.x - a.x;
-    const double dy = b.y - a.y;
-    const double ex = d.x - c.x;
-    const double ey = d.y - c.y;
-    const double lineLen = std::sqrt(dx * dx + dy * dy);
-    const double edgeLen = std::sqrt(ex * ex + ey * ey);
-    const double den = det2(dx, dy, ex, ey);
-    if (!(lineLen > 0.0) || !(edgeLen > 0.0) ||
-        std::fabs(den) < hd::kProjParallelTol * lineLen * edgeLen)
+    const double den = det2(line.dx, line.dy, edge.dx, edge.dy);
+    if (!(line.len > 0.0) || !(edge.len > 0.0) ||
+        std::fabs(den) < hd::kProjParallelTol * line.len * edge.len)
         return x;
     const double wx = c.x - a.x;
     const double wy = c.y - a.y;
     x.parallel = false;
-    x.onLine = linComb(1.0, a, det2(wx, wy, ex, ey) / den, vecSub(b, a));
-    x.onEdge = linComb(1.0, c, det2(wx, wy, dx, dy) / den, vecSub(d, c));
+    x.onLine = linComb(1.0, a, det2(wx, wy, edge.dx, edge.dy) / den, vecSub(b, a));
+    x.onEdge = linComb(1.0, c, det2(wx, wy, line.dx, line.dy) / den, vecSub(d, c));
     return x;
 }
 
@@ -216,8 +262,12 @@ void orientNearFirst(_s_hd_point_& p, _s_hd_point_& q) {
 }
 
 bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q) {
-    return face.xmax >= std::fmin(p.x, q.x) && face.ymax >= std::fmin(p.y, q.y) &&
-           face.xmin <= std::fmax(p.x, q.x) && face.ymin <= std::fmax(p.y, q.y);
+    return faceMeetsLineRange(face, lineRangeOf(p, q));
+}
+
+bool faceMeetsLineRange(const HDFace& face, const LineRange& range) {
+    return face.xmax >= range.xmin && face.ymax >= range.ymin && face.xmin <= range.xmax &&
+           face.ymin <= range.ymax;
 }
 
 bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
@@ -226,14 +276,31 @@ bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
            std::fabs(std::fabs(dir.z) - 1.0) < hd::kEndOnTol;
 }
 
+HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q) {
+    return {p,
+            q,
+            unitDir(q, p),
+            isSeenEndOn(p, q),
+            segmentReach(p, q),
+            flatRunOf(p, q),
+            lineRangeOf(p, q)};
+}
+
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& from,
-                    _s_hd_point_& to) {
+                    _s_hd_point_& to, FaceTestAids aids) {
+    return hideLineByFace(hideLineOf(p, q), f, from, to, aids);
+}
+
+bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _s_hd_point_& to,
+                    FaceTestAids aids) {
+    const _s_hd_point_ p = line.p;
+    const _s_hd_point_ q = line.q;
     const _s_hd_point_ n = f.normal;
     if (std::fabs(n.z) < hd::kEdgeOnNormalZ)
         return false;  // seen edge-on (or no plane at all)
 
     // A line in the face's own plane is never hidden by it.
-    const bool parallel = isLineCrossPlane(p, q, n) == 0;
+    const bool parallel = !crossesPlane(line.dir, n);
     if (parallel) {
         bool inPlane = true;
         for (int k = 0; k < 3 && inPlane; ++k)
@@ -243,7 +310,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
     }
 
     // A line seen end-on is a point of the drawing: hidden whole.
-    if (isSeenEndOn(p, q)) {
+    if (line.endOn) {
         from = p;
         to = q;
         return true;
@@ -255,14 +322,12 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
     _s_hd_point_ x = p;
     if (!parallel) {
         x = linePlaneInter(n, f.v[0], p, q);
-        if (withinXYExtents(x, f, hd::kPierceExtentTol) && isPointOnSeg(x, p, q) != 0 &&
-            isPointInFace(x, f.count, f.v) != 0) {
+        if (withinXYExtents(x, f, hd::kPierceExtentTol) && onSegWithin(x, p, q, line.reach) &&
+            inFace(x, f, aids)) {
             bool usable = true;
             for (int k = 0; k < f.count; ++k) {
-                const _s_hd_point_ a = f.v[k];
-                const _s_hd_point_ b = f.v[(k + 1) % f.count];
-                if (isPointOnSeg(x, a, b) != 0) {
-                    usable = crossProjections(p, q, a, b).parallel;
+                if (onEdge(x, f, k, aids)) {
+                    usable = crossEdge(line, f, k, aids).parallel;
                     break;
                 }
             }
@@ -270,7 +335,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
         }
     }
 
-    const bool qBehind = endBehindFace(q, f);
+    const bool qBehind = endBehindFace(q, f, aids);
     if (opened && qBehind) {
         from = x;
         to = q;
@@ -279,7 +344,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
 
     _s_hd_point_ c1 = p;
     _s_hd_point_ c2 = p;
-    const int crossings = outlineCrossings(p, q, f, c1, c2);
+    const int crossings = outlineCrossings(line, f, aids, c1, c2);
     if (opened) {
         if (crossings == 2) {
             from = c1;
@@ -295,7 +360,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
             to = dx < d1 ? c1 : x;
             return true;
         }
-        if (!endBehindFace(p, f))
+        if (!endBehindFace(p, f, aids))
             return false;
         from = p;
         to = x;
@@ -303,7 +368,7 @@ bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point
     }
     if (!qBehind && crossings == 0)
         return false;
-    const bool pBehind = endBehindFace(p, f);
+    const bool pBehind = endBehindFace(p, f, aids);
     if (qBehind) {
         if (crossings == 0 && !pBehind)
             return false;

@@ -1,6 +1,7 @@
 // The hide pass line by line: a line against the faces of one object, the visible complement of
 // a line's hidden pieces, and the whole pass as a plain reference.
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 
 #include "hidden_line/engine/hd_engine_internal.h"
@@ -54,6 +55,90 @@ void mergePieces(_s_hd_proline_* head) {
     }
 }
 
+}  // namespace
+
+struct MergeScratch::Piece {
+    _s_hd_proline_* node;
+    SegmentReach reach;  ///< the piece's reach (segmentReach), kept up to date
+    bool settled;        ///< its row of a sweep ran without a merge since it last changed
+};
+
+MergeScratch::~MergeScratch() {
+    std::free(pieces_);
+}
+
+bool MergeScratch::reserve(size_t n) {
+    if (n <= capacity_)
+        return true;
+    if (n > SIZE_MAX / 2 / sizeof(Piece))
+        return false;
+    const size_t capacity = n < 2 * capacity_ ? 2 * capacity_ : n;
+    auto* pieces = static_cast<Piece*>(std::malloc(capacity * sizeof(Piece)));
+    if (pieces == nullptr)
+        return false;
+    std::free(pieces_);
+    pieces_ = pieces;
+    capacity_ = capacity;
+    return true;
+}
+
+namespace {
+
+// True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach and an end of
+// A outside B's, so every isPointOnSeg it would ask answers 0 at once.
+bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) {
+    return a.reach.excludes(b.node->start) && a.reach.excludes(b.node->end) &&
+           (b.reach.excludes(a.node->start) || b.reach.excludes(a.node->end));
+}
+
+// mergePieces with the same merges in the same order, but without trying the pairs that
+// provably stay apart. absorbPiece depends only on the two pieces and changes nothing when it
+// fails, so a pair that failed keeps failing until one of its pieces changes. A piece is marked
+// settled once its row of a sweep (it against every later piece) has run without a merge: every
+// pair of two settled pieces has then failed since either last changed (the pairs with earlier
+// pieces ran earlier in the same sweep). A merge unsettles the absorbing piece and drops the
+// other, so the remaining settled pairs keep failing; those pairs are skipped, and so are pairs
+// lying far apart (piecesFarApart), which would fail. Returns false, changing nothing, if the
+// scratch cannot hold the pieces.
+bool mergePiecesSkippingSettled(_s_hd_proline_* head, MergeScratch& scratch) {
+    size_t n = 0;
+    for (const _s_hd_proline_* h = head; h != nullptr; h = h->next)
+        ++n;
+    if (!scratch.reserve(n))
+        return false;
+    MergeScratch::Piece* pieces = scratch.pieces();
+    size_t at = 0;
+    for (_s_hd_proline_* h = head; h != nullptr; h = h->next)
+        pieces[at++] = {h, segmentReach(h->start, h->end), false};
+    bool changed = true;
+    while (changed) {
+        changed = false;
+        for (size_t i = 0; i < n && !changed; ++i) {
+            MergeScratch::Piece& a = pieces[i];
+            for (size_t j = i + 1; j < n; ++j) {
+                const MergeScratch::Piece& b = pieces[j];
+                if ((a.settled && b.settled) || piecesFarApart(a, b) ||
+                    !absorbPiece(a.node, b.node))
+                    continue;
+                std::free(b.node);
+                for (size_t k = j; k + 1 < n; ++k)
+                    pieces[k] = pieces[k + 1];
+                --n;
+                a.reach = segmentReach(a.node->start, a.node->end);
+                a.settled = false;
+                changed = true;
+                break;
+            }
+            if (!changed)
+                a.settled = true;
+        }
+    }
+    for (size_t k = 0; k + 1 < n; ++k)
+        pieces[k].node->next = pieces[k + 1].node;
+    pieces[n - 1].node->next = nullptr;  // the head is never dropped: n stays at least 1
+    return true;
+}
+
 // Selection sort by the squared distance of each piece's start from p; of equal distances the
 // earlier piece comes first.
 _s_hd_proline_* sortPieces(_s_hd_proline_* list, _s_hd_point_ p) {
@@ -80,10 +165,11 @@ _s_hd_proline_* sortPieces(_s_hd_proline_* list, _s_hd_point_ p) {
 
 }  // namespace
 
-bool appendHiddenPiece(_s_hd_point_ p, _s_hd_point_ q, const HDFace& face, ProlineChain& hidden) {
+bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
+                       FaceTestAids aids) {
     _s_hd_point_ from;
     _s_hd_point_ to;
-    if (!faceMeetsLineRange(face, p, q) || !hideLineByFace(p, q, face, from, to))
+    if (!faceMeetsLineRange(face, line.range) || !hideLineByFace(line, face, from, to, aids))
         return true;
     return hidden.append(from, to);
 }
@@ -93,20 +179,25 @@ bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
     orientNearFirst(a, b);
     for (const _s_hd_prosect_* f = faces; f != nullptr; f = f->next) {
         HDFace face;
-        if (readFace(f->sect, face) && !appendHiddenPiece(a, b, face, hidden))
+        if (readFace(f->sect, face) && !appendHiddenPiece(hideLineOf(a, b), face, hidden))
             return false;
     }
     return true;
 }
 
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
-                       _s_hd_proline_*& visible) {
+                       _s_hd_proline_*& visible, MergeScratch* scratch) {
     visible = nullptr;
     if (hidden == nullptr) {
         visible = appendProline(p, q, nullptr);
         return visible != nullptr;
     }
-    mergePieces(hidden);
+    if (scratch == nullptr) {
+        mergePieces(hidden);
+    } else if (!mergePiecesSkippingSettled(hidden, *scratch)) {
+        releaseProline(hidden);
+        return false;
+    }
     hidden = sortPieces(hidden, p);
 
     // The gaps between the hidden pieces, written over the pieces themselves: the k-th gap is
@@ -165,7 +256,7 @@ bool boxOverlapsLineRange(const double* box, const LineRange& range) {
 bool VisibleCollector::addLine(_s_hd_proline_* line, _s_hd_proline_* hidden, int owner) {
     orientNearFirst(line->start, line->end);
     _s_hd_proline_* visible = nullptr;
-    if (!getVisibleProline(hidden, line->start, line->end, visible))
+    if (!getVisibleProline(hidden, line->start, line->end, visible, scratch))
         return false;
     if (visible == nullptr)
         return true;

@@ -163,6 +163,62 @@ std::vector<_s_hd_prof_*> awkwardScene(std::uint32_t seed) {
     return objs;
 }
 
+// The engine's faces carry prepared edge data: the inside test, the whole face test and the
+// intersection of two faces must answer with them exactly as without, on and just off vertices
+// and edges (the vertex and on-edge tolerances straddled) and in between.
+TEST(KestHideObject, PreparedFacesAnswerAsPlainOnes) {
+    Lcg r(5);
+    HDFace last{};
+    FacePrep lastPrep{};
+    for (int n = 0; n < 300; ++n) {
+        SCOPED_TRACE(n);
+        using enginetest::P;
+        const P c = {r.in(-1, 1), r.in(-1, 1), r.in(-1, 1)};
+        const double s = r.chance(0.3) ? r.in(1e-3, 0.05) : r.in(0.05, 3);
+        const P a = {c.x + s, c.y + r.in(-s, s), c.z + r.in(-s, s)};
+        const P b = {c.x + r.in(-s, s), c.y + s, c.z + r.in(-s, s)};
+        P d = {a.x + b.x - c.x, a.y + b.y - c.y, a.z + b.z - c.z + r.in(-0.1, 0.1) * s};
+        if (r.chance(0.1))
+            d = {2 * a.x - c.x, 2 * a.y - c.y, 2 * a.z - c.z};  // no area
+        _s_hd_sect_* chain = r.chance(0.5) ? mallocTriSect(c, a, b) : mallocQuadSect(c, a, b, d);
+        HDFace face;
+        ASSERT_TRUE(readFace(chain, face));
+        freeHDSectPointer(chain);
+        FacePrep prep;
+        prepareFaceTests(face, prep);
+        if (n > 0) {  // this face against the one before, both ways round
+            for (int order = 0; order < 2; ++order) {
+                const HDFace& f = order == 0 ? face : last;
+                const HDFace& g = order == 0 ? last : face;
+                P ends[4] = {};
+                const bool plain = getFaceInterLine(f, g, ends[0], ends[1]);
+                EXPECT_EQ(getFaceInterLine(f, order == 0 ? prep : lastPrep, g,
+                                           order == 0 ? lastPrep : prep, ends[2], ends[3]),
+                          plain);
+                EXPECT_TRUE(samePoint(ends[0], ends[2]) && samePoint(ends[1], ends[3]));
+            }
+        }
+        last = face;
+        lastPrep = prep;
+        for (int k = 0; k < 40; ++k) {
+            const P u = face.v[k % face.count];
+            const P w = face.v[(k + 1) % face.count];
+            const double t = k < 8 ? 0.0 : r.in(-0.2, 1.2);
+            const double off = r.chance(0.5) ? 0.0 : r.in(-3e-4, 3e-4);
+            const P x = {u.x + t * (w.x - u.x) + off, u.y + t * (w.y - u.y) - off,
+                         u.z + t * (w.z - u.z)};
+            EXPECT_EQ(isPointInFace(x, face, prep), isPointInFace(x, face.count, face.v));
+            const P y = {x.x + r.in(-2, 2), x.y + r.in(-2, 2), x.z + r.in(-2, 2)};
+            P from[2] = {};
+            P to[2] = {};
+            const HideLine line = hideLineOf(x.z <= y.z ? x : y, x.z <= y.z ? y : x);
+            const bool plain = hideLineByFace(line, face, from[0], to[0]);
+            EXPECT_EQ(hideLineByFace(line, face, from[1], to[1], {nullptr, 0, &prep}), plain);
+            EXPECT_TRUE(samePoint(from[0], from[1]) && samePoint(to[0], to[1]));
+        }
+    }
+}
+
 TEST(KestHideObject, MatchesTheReferenceOnAwkwardScenes) {
     for (std::uint32_t seed : {1u, 2u, 3u}) {
         SCOPED_TRACE(seed);
