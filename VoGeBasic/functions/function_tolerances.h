@@ -3,6 +3,8 @@
 #ifndef VOGEBASIC_FUNCTION_TOLERANCES_H
 #define VOGEBASIC_FUNCTION_TOLERANCES_H
 
+#include "geometry/geometry_tolerances.h"
+
 namespace geolib {
 namespace functions {
 
@@ -29,7 +31,7 @@ constexpr double kCollinearSine = 1e-9;
 
 /// pi and the full turn as the doubles nearest to them.
 constexpr double kPi = 3.141592653589793;
-constexpr double kFullTurn = 6.283185307179586;
+using geometry::kFullTurn;
 
 }  // namespace functions
 }  // namespace geolib
