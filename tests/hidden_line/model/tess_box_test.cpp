@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
+#include <cmath>
+#include <string>
 #include <vector>
 
 #include "clip_records.h"
 #include "hd_tessellators.h"
 #include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/hd_walk.h"
+#include "hidden_line/model/solid_checks.h"
 #include "support/alloc_hook.h"
 
 namespace {
@@ -40,6 +44,41 @@ TEST(EpDivideBox, CornersLinesAndFacesComeInTheFixedOrder) {
     expectBox(flat, {4, 0, 0, 0, 0, 0});
     EXPECT_EQ(facesOf(flat).size(), 6u);
     freeHDProfObjectPointer(flat);
+}
+
+// A box turned every way is a closed solid wound outward whose lines are its twelve sharp
+// edges; drawn alone it shows its outline and its front edges, nothing inside.
+TEST(EpDivideBox, TurnedEveryWayItIsAClosedSolidDrawnAsADraughtsmanDrawsIt) {
+    const auto dirs = randomUnitVectors(40, 7);
+    for (std::size_t i = 0; i + 1 < dirs.size(); ++i) {
+        const P u = dirs[i];
+        // v: the next direction made square to u.
+        const P w = dirs[i + 1];
+        const double d = u.x * w.x + u.y * w.y + u.z * w.z;
+        P v{w.x - d * u.x, w.y - d * u.y, w.z - d * u.z};
+        const double l = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
+        if (l < 0.1)
+            continue;
+        v = {v.x / l, v.y / l, v.z / l};
+        _s_hd_prof_* box = ep_divide_box(3, 2, 1, {1, -2, 5}, u, v, 1);
+        const std::string what = "box " + std::to_string(i);
+        expectWellFormedFaces(box, what.c_str());
+        expectClosedOutward(box, what.c_str());
+        expectBoxHolds(box, what.c_str());
+        expectLinesAreEdges(
+            box, [](P, P) { return true; }, what.c_str());
+        std::vector<P> corners;
+        for (const auto& f : solid::faces(box))
+            corners.insert(corners.end(), f.begin(), f.end());
+        auto onEdge = [box](P p) {
+            double best = HUGE_VAL;
+            for (const auto& e : solid::lines(box->proline))
+                best = std::min(best, solid::distToSegment(p, e.first, e.second));
+            return best;
+        };
+        expectDrawingTrue(box, onEdge, corners, 1e-9, what.c_str());
+        freeHDProfObjectPointer(box);
+    }
 }
 
 TEST(EpDivideWed, CornersLinesAndFacesInTheFixedOrderWithTagsOneToFive) {
