@@ -33,6 +33,9 @@ VOGEBASIC_API _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n);
 /// Registers obj in the caller's registry objs (count entries in use, room for max + 1: with
 /// count equal to max, obj is still stored at index max) and appends to obj's line list the
 /// segments along which its faces cut the faces of every registered object, obj itself last.
+/// Faces that share an edge, or whose edges overlap, add no segment along it: a solid's own
+/// edges are not drawn again, and the seams between the faces of a curved surface not at all.
+/// Faces that cut through each other, of two objects or of one, add theirs.
 /// Nothing changes when count is below 0 or above max (or is the largest int). Segments are
 /// kept only when obj already has a line; an object without faces is registered only.
 /// The new lines (owner -1) belong to obj. If an allocation fails, obj is registered but gets

@@ -88,6 +88,17 @@ PreparedFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
     return faces;
 }
 
+// True when the segment a -> b runs along one edge of the face (both ends on it).
+bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face) {
+    for (int k = 0; k < face.count; ++k) {
+        const _s_hd_point_ v = face.v[k];
+        const _s_hd_point_ w = face.v[nextVertex(k, face.count)];
+        if (isPointOnSeg(a, v, w) != 0 && isPointOnSeg(b, v, w) != 0)
+            return true;
+    }
+    return false;
+}
+
 bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
                    _s_hd_point_& a, _s_hd_point_& b) {
     if (isZero(f.normal) || isZero(g.normal))
@@ -97,6 +108,11 @@ bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const F
     _s_hd_point_ pts[2];
     int kept = 0;
     if (!collectPiercings(f, g, pts, kept, fp, gp) && !collectPiercings(g, f, pts, kept, gp, fp))
+        return false;
+    // Two faces that share an edge meet along it, and so do neighbouring faces of one smooth
+    // surface: that is no intersection line. The edge is drawn already where it is an edge of
+    // the solid, and a seam of a curved surface must not be drawn at all.
+    if (runsAlongEdge(pts[0], pts[1], f) && runsAlongEdge(pts[0], pts[1], g))
         return false;
     a = pts[0];
     b = pts[1];

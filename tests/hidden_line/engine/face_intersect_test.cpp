@@ -111,16 +111,24 @@ TEST(KestFaceIntersect, InterpenetratingBoxesGainTheirIntersectionLoop) {
         EXPECT_EQ(l.owner, -1);
 }
 
-TEST(KestFaceIntersect, TurnedBoxMeetsItselfAlongItsEdges) {
-    // Turned, a box's neighbouring faces overlap in their extents: each pair, taken both ways,
-    // adds a segment along the edge they share.
-    Owned cube{{cornerCube({0, 0, 0})}};
-    const std::vector<Piece> edges = piecesOf(cube.objs[0]->proline);
-    registerAll(cube.objs, 0);
-    const std::vector<Piece> added = addedLines(cube.objs[0]);
-    EXPECT_EQ(added.size(), 24u);
-    for (const Piece& got : added)
-        EXPECT_EQ(countSame(edges, got.a, got.b, 1e-9), 1);
+TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo) {
+    // Turned, a box's neighbouring faces overlap in their extents and meet along the edge they
+    // share; so do the faces of two turned boxes standing edge to edge. Neither adds a line.
+    const double h = std::sqrt(0.5);
+    Owned boxes{{cornerCube({5, 5, 5}),
+                 ep_divide_box(1, 1, 1, {0, 0, 0}, {h, h, 0}, {0, 0.6, 0.8}, 1),
+                 ep_divide_box(1, 1, 1, {0, 0, 0}, {h, h, 0}, {0, -0.6, -0.8}, 1)}};
+    registerAll(boxes.objs, 3);
+    for (const _s_hd_prof_* box : boxes.objs)
+        EXPECT_EQ(piecesOf(box->proline).size(), 12u);
+    // Two faces of one object that pass through each other meet along their crossing.
+    Owned cross{{makeObject({{{-1, 0, -1}, {1, 0, -1}, {1, 0, 1}, {-1, 0, 1}},
+                             {{0, -1, -1}, {0, 1, -1}, {0, 1, 1}, {0, -1, 1}}},
+                            {{{-1, 0, -1}, {1, 0, -1}}})}};
+    registerAll(cross.objs, 1);
+    const std::vector<Piece> lines = piecesOf(cross.objs[0]->proline);
+    ASSERT_EQ(lines.size(), 3u);  // the line, and the crossing found from each face's side
+    EXPECT_EQ(countSame(lines, {0, 0, -1}, {0, 0, 1}, 1e-12), 2);
 }
 
 TEST(KestFaceIntersect, ObjectsWithoutLinesOrFacesOnlyRegister) {
