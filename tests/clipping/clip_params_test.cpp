@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <limits>
 
 #include "clipping/clip_test_support.h"
 #include "support/alloc_hook.h"
@@ -157,6 +158,16 @@ TEST(FindFitParamt, FirstIntervalHoldingAnEndOrLyingWithin) {
 // angle 0 are disjoint: random cuts on a full circle, each list checked against a sampling of
 // the circle.
 TEST(ArcIntervals, StayInTheTurnAndTheirGapsAreTheirComplement) {
+    {  // Ends that are no numbers (or, for an arc, no angles) are refused.
+        paramt* list = listOf({{0, 1}});
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        const double inf = std::numeric_limits<double>::infinity();
+        EXPECT_FALSE(subParamt(list, nan, 0.5, false));
+        EXPECT_FALSE(subParamt(list, 0.2, nan, true));
+        EXPECT_FALSE(subParamt(list, 0.2, inf, true));
+        EXPECT_TRUE(sameIntervals(intervalsOf(list), {{0, 1}}, 0.0));
+        freeParamt(list);
+    }
     {  // A cut through angle 0 that shortens an interval through angle 0.
         paramt* list = listOf({{3.92699, 0}});
         EXPECT_TRUE(subParamt(list, 5.49779, 0, true));
