@@ -149,9 +149,8 @@ bool subParamt(paramt*& list, double a, double b, bool isArc) {
 }
 
 bool cutPipeParamt(line_cut* lc, double a, double b) {
-    if (lc != nullptr)
-        subParamt(lc->params, a, b, false);
-    return true;
+    // A refused range is no failure for the line form; a split without memory is.
+    return lc == nullptr || clip::removeInterval(lc->params, a, b, false) != CutResult::noMemory;
 }
 
 bool cutArcParamt(arc_cut* ac, double a, double b) {

@@ -22,9 +22,9 @@ namespace geolib {
 /// for a line range with a > b, and when splitting an interval needs an allocation that fails
 /// (that interval is then left whole and the walk ends there); otherwise true.
 VOGEBASIC_API bool subParamt(paramt*& list, double a, double b, bool isArc);
-/// subParamt(lc->params, a, b, false). Returns true always, even when the range was refused
-/// (kept deliberately: callers of the line form never see a refusal); a null piece is left
-/// alone.
+/// subParamt(lc->params, a, b, false). Returns true even when the range was refused (kept
+/// deliberately: callers of the line form never see a refusal); a null piece is left alone.
+/// Returns false only when splitting an interval needed an allocation that failed.
 VOGEBASIC_API bool cutPipeParamt(line_cut* lc, double a, double b);
 /// subParamt(ac->params, a, b, true) and its result. Returns false for a null arc.
 VOGEBASIC_API bool cutArcParamt(arc_cut* ac, double a, double b);

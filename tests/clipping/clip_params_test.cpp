@@ -219,4 +219,33 @@ TEST(ArcIntervals, StayInTheTurnAndTheirGapsAreTheirComplement) {
     }
 }
 
+// Every allocating interval function, each allocation failing in turn: the failure value
+// (null, or false from the cut forms, whose list is then left whole) and nothing leaked.
+TEST(IntervalFunctions, EveryFailedAllocationLeavesNothingBehind) {
+    paramt* arcs = listOf({{4, 1}, {2, 3}});
+    vgtest::forEachAllocationFailure([&] { freeParamt(getHideParamt(arcs, 0, kTwoPi, true)); });
+    freeParamt(arcs);
+    const double c[3] = {0, 0, 0};
+    arc_cut* ac = mallocArcCut(c, 1.0, 0.0, kTwoPi);
+    ASSERT_TRUE(cutArcParamt(ac, 1, 2) && cutArcParamt(ac, 3, 4));
+    vgtest::forEachAllocationFailure([&] { freeParamt(getHideParamArc(ac)); });
+    freeArcCut(ac);
+    vgtest::forEachAllocationFailure([] {
+        line_cut* lc = mallocLineCut(VoGePoint3D(0, 0, 0), VoGePoint3D(1, 0, 0));
+        if (lc == nullptr)
+            return;
+        const bool ok = cutPipeParamt(lc, 0.2, 0.4);
+        EXPECT_EQ(ok, lc->params->next != nullptr);  // split, or reported and left whole
+        freeLineCut(lc);
+    });
+    vgtest::forEachAllocationFailure([&c] {
+        arc_cut* a = mallocArcCut(c, 1.0, 0.0, kTwoPi);
+        if (a == nullptr)
+            return;
+        const bool ok = cutArcParamt(a, 1, 2);
+        EXPECT_EQ(ok, a->params->next != nullptr);
+        freeArcCut(a);
+    });
+}
+
 }  // namespace

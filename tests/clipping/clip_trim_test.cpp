@@ -253,4 +253,27 @@ TEST(PolygonTrimLine, PieceLeavingOverACornerFromAnEdgesLineStaysVisibleOutside)
     freeConvex(far);
 }
 
+// Several pieces over several polygons, the point form of polygonTrimLine, circles as chords
+// and trimmed: each allocation failing in turn gives the failure value and leaks nothing.
+TEST(Trimming, EveryFailedAllocationLeavesNothingBehind) {
+    convex* polys = square(0, 0, 2);
+    polys->next = square(4, -1, 2);
+    polys->next->next = polygonOf({{10, 1}, {9, 2}, {8, 1}, {9, 0}});
+    vgtest::forEachAllocationFailure([&] {
+        line_cut* pieces = mallocLineCut(VoGePoint3D(-1, 1, 0), VoGePoint3D(11, 1, 0));
+        if (pieces == nullptr)
+            return;
+        pieces->next = mallocLineCut(VoGePoint3D(-1, 0.5, 0), VoGePoint3D(11, 0.7, 0));
+        if (pieces->next != nullptr)
+            convexTrimLineSeg(polys, pieces);
+        freeLineCut(pieces);
+    });
+    vgtest::forEachAllocationFailure(
+        [&] { freeLineCut(polygonTrimLine(polys, VoGePoint3D(-1, 1, 0), VoGePoint3D(11, 1, 0))); });
+    double c[3] = {5, 1, 0};
+    vgtest::forEachAllocationFailure([&] { freeLineCut(divide_circle2line(c, 3, 0.5, 100)); });
+    vgtest::forEachAllocationFailure([&] { freeArcCut(polygonTrimCircle(polys, c, 3)); });
+    freeConvex(polys);
+}
+
 }  // namespace
