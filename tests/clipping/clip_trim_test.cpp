@@ -237,6 +237,16 @@ TEST(PolygonTrimLine, PieceLeavingOverACornerFromAnEdgesLineStaysVisibleOutside)
     EXPECT_GT(u0, u1);  // within the side tolerance of the start: nothing to report
     freeConvex(sq);
 
+    // A piece starting within the side tolerance of a sliver's corner and leaving it: one end
+    // outside, no crossing recorded; it only touches the sliver and keeps all.
+    convex* sliver = polygonOf({{-14.207762942594581, 0.0001}, {-1e-9, -1e-9}, {0.0001, 0.0003}});
+    line_cut* touching =
+        polygonTrimLine(sliver, VoGePoint3D(0.0001, 0.0001, 0), VoGePoint3D(-9.04, -25, 0));
+    ASSERT_NE(touching, nullptr);
+    EXPECT_TRUE(sameIntervals(intervalsOf(touching->params), {{0, 1}}, 0.0));
+    freeLineCut(touching);
+    freeConvex(sliver);
+
     // A triangle with a corner beyond 1e150 overflows the side values: the call ends and the
     // intervals stay sorted within [0, 1].
     convex* far = polygonOf({{0, 0}, {-1e155, -1e155}, {1, 0}});
