@@ -1,16 +1,18 @@
-# Install rules: library, public headers under <prefix>/include/VoGeBasic, a CMake package
+# Install rules: library, public headers under <prefix>/include/VoGeBasic (consumers include
+# <VoGeBasic/VoGeBasic.h> with <prefix>/include on their path), a CMake package
 # (find_package(VoGeBasic CONFIG), target VoGeBasic::VoGeBasic) and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS VoGeBasic EXPORT VoGeBasicTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VoGeBasic)
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/VoGeBasic/include/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VoGeBasic
   FILES_MATCHING PATTERN "*.h")
+install(FILES ${VOGEBASIC_GENERATED_INCLUDE}/VoGeBasicVersion.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VoGeBasic)
 
 set(VOGEBASIC_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/VoGeBasic)
 install(EXPORT VoGeBasicTargets

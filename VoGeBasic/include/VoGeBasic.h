@@ -1,10 +1,12 @@
 // VoGeBasic: the geometry library of the plant-design drawing system.
 //
-// The one header a drawing program includes; it brings in the whole exported interface.
+// The one header a drawing program includes (#include <VoGeBasic/VoGeBasic.h> once installed);
+// it brings in the whole exported interface and the version macros.
 #ifndef VOGEBASIC_H
 #define VOGEBASIC_H
 
 #include "VoGeBasicExport.h"
+#include "VoGeBasicVersion.h"
 
 // Geometry classes
 #include "VoGeCircle3d.h"

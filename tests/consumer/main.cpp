@@ -1,8 +1,11 @@
-// Uses the installed library through its one public header; exits 0 when the results hold.
+// Uses the installed library through its one public header, included as <VoGeBasic/...>;
+// exits 0 when the results hold.
 #include <cmath>
 #include <cstdio>
 
-#include "VoGeBasic.h"
+#include <VoGeBasic/VoGeBasic.h>
+#include <VoGeBasic/hd_engine.h>  // a single header by its own name, included again
+#include <cstring>
 
 int main() {
     VoGeMatrix3D rot;
@@ -17,6 +20,12 @@ int main() {
         std::puts("normalisation went wrong");
         return 1;
     }
+#ifdef EXPECTED_VERSION
+    if (std::strcmp(VOGEBASIC_VERSION_STRING, EXPECTED_VERSION) != 0) {
+        std::puts("the version header does not match the package's version");
+        return 1;
+    }
+#endif
     std::puts("consumer ok");
     return 0;
 }

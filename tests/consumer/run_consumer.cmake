@@ -12,8 +12,24 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
-if(NOT EXISTS ${prefix}/include/VoGeBasic/VoGeBasic.h)
-  message(FATAL_ERROR "VoGeBasic.h not installed under include/VoGeBasic")
+if(NOT EXISTS ${prefix}/include/VoGeBasic/VoGeBasic.h OR
+   NOT EXISTS ${prefix}/include/VoGeBasic/VoGeBasicVersion.h)
+  message(FATAL_ERROR "VoGeBasic.h or VoGeBasicVersion.h not installed under include/VoGeBasic")
+endif()
+# Nothing but the VoGeBasic folder in include/: no header of generic name on a user's path.
+file(GLOB loose ${prefix}/include/*.h)
+if(loose)
+  message(FATAL_ERROR "headers installed straight into include/: ${loose}")
+endif()
+# The exported package names one include directory, <prefix>/include, and no empty link entry.
+file(GLOB_RECURSE targets ${prefix}/*/VoGeBasicTargets.cmake)
+file(READ "${targets}" exported)
+string(REGEX MATCH "INTERFACE_INCLUDE_DIRECTORIES \"([^\"]*)\"" found "${exported}")
+if(NOT CMAKE_MATCH_1 STREQUAL "\${_IMPORT_PREFIX}/include")
+  message(FATAL_ERROR "exported include directories: '${CMAKE_MATCH_1}'")
+endif()
+if(exported MATCHES "LINK_ONLY:>")
+  message(FATAL_ERROR "the exported package carries an empty link entry")
 endif()
 run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G ${GENERATOR}
     -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_BUILD_TYPE=Release
