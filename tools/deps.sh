@@ -1,13 +1,21 @@
 #!/usr/bin/env bash
 # Installs what building and testing VoGeBasic needs on a Debian machine, when it is missing:
-# compiler, CMake, Ninja, GoogleTest and Google Benchmark (with --fuzz: clang with libFuzzer).
+# compiler, CMake, Ninja, GoogleTest and Google Benchmark (with --fuzz or --docs, the extras).
 # Does nothing when all are there.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev pkgconf binutils)
-# With --fuzz: clang and its runtime libraries (libFuzzer, the sanitizers) for the fuzz preset.
-if [[ "${1:-}" == "--fuzz" ]]; then
-  packages=(clang libclang-rt-dev)
+# Extras instead of the build tools: --fuzz, clang and its runtime libraries (libFuzzer, the
+# sanitizers) for the fuzz preset; --docs, Doxygen for the API reference.
+if (($# > 0)); then
+  packages=()
+  for extra in "$@"; do
+    case "$extra" in
+      --fuzz) packages+=(clang libclang-rt-dev) ;;
+      --docs) packages+=(doxygen) ;;
+      *) echo "usage: $0 [--fuzz] [--docs]" >&2; exit 2 ;;
+    esac
+  done
 fi
 missing=()
 for p in "${packages[@]}"; do

@@ -14,6 +14,7 @@
 #include "VoGePoint3D.h"
 #include "VoGeVector3D.h"
 
+/// A circle in space: centre, radius and unit normal.
 class VOGEBASIC_API VoGeCircle3d {
 public:
     VoGePoint3D center;   ///< centre
@@ -27,7 +28,9 @@ public:
     /// The THIRD point is the centre: radius |p1 - c|, normal along (p1 - c) x (p2 - c). p1
     /// lies on the circle; p2 only fixes the plane and the sense of the normal.
     VoGeCircle3d(const VoGePoint3D& p1, const VoGePoint3D& p2, const VoGePoint3D& c);
+    /// Copies bit for bit (a trivial copy, kept so for the binary interface).
     VoGeCircle3d(const VoGeCircle3d&) = default;
+    /// Assigns bit for bit (a trivial copy, kept so for the binary interface).
     VoGeCircle3d& operator=(const VoGeCircle3d&) = default;
 
     /// Centre c, radius r, normal n normalised.

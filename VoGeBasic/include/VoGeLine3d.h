@@ -20,6 +20,7 @@ namespace geolib {
 constexpr double kNoLineParam = 3.4028234663852886e38;
 }  // namespace geolib
 
+/// An infinite line in space: a point on it and its unit direction.
 class VOGEBASIC_API VoGeLine3d {
 public:
     VoGeVector3D direction;  ///< unit direction, or zero
@@ -31,7 +32,9 @@ public:
     VoGeLine3d(const VoGePoint3D& p, const VoGeVector3D& d);
     /// Base p1, direction p2 - p1 (normalised).
     VoGeLine3d(const VoGePoint3D& p1, const VoGePoint3D& p2);
+    /// Copies bit for bit (a trivial copy, kept so for the binary interface).
     VoGeLine3d(const VoGeLine3d&) = default;
+    /// Assigns bit for bit (a trivial copy, kept so for the binary interface).
     VoGeLine3d& operator=(const VoGeLine3d&) = default;
 
     /// Base p, direction d normalised.

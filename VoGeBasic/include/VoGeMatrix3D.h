@@ -27,28 +27,37 @@
 #include "VoGePoint3D.h"
 #include "VoGeVector3D.h"
 
+/// A 4x4 transformation matrix, sixteen doubles row by row (column-vector convention).
 class VOGEBASIC_API VoGeMatrix3D {
 public:
     double m[16];  ///< row-major elements
 
     /// The zero matrix.
     VoGeMatrix3D();
-    // Copying is the implicit copy of all sixteen doubles (kept trivial for the ABI).
+    /// Copying is the implicit copy of all sixteen doubles (kept trivial for the ABI).
     VoGeMatrix3D(const VoGeMatrix3D&) = default;
+    /// Assigns bit for bit (a trivial copy, kept so for the binary interface).
     VoGeMatrix3D& operator=(const VoGeMatrix3D&) = default;
     /// Copies all sixteen doubles of b.
     void set(const VoGeMatrix3D& b);
 
+    /// Element (r, c), row and column 0 to 3; the indices are not checked.
     double& operator()(unsigned int r, unsigned int c);
+    /// Element (r, c), row and column 0 to 3; the indices are not checked.
     double operator()(unsigned int r, unsigned int c) const;
 
+    /// Sets all sixteen elements to 0 (the zero matrix, also the default).
     VoGeMatrix3D& setZero();
     /// Zero, then the four diagonal elements to 1.
     const VoGeMatrix3D& makeIdentity();
 
+    /// Row i (0 to 3) into a, b, c, d.
     void getRow(short i, double& a, double& b, double& c, double& d) const;
+    /// Row i (0 to 3) set to a, b, c, d.
     void setRow(short i, const double& a, const double& b, const double& c, const double& d);
+    /// Column i (0 to 3) into a, b, c, d.
     void getColumn(short i, double& a, double& b, double& c, double& d) const;
+    /// Column i (0 to 3) set to a, b, c, d.
     void setColumn(short i, const double& a, const double& b, const double& c, const double& d);
     /// Row i times s.
     void row2Num(short i, const double& s);
@@ -83,15 +92,19 @@ public:
 
     /// p := M.p in place (postMult mutates, postMult1 returns a copy).
     void postMult(VoGePoint3D& p) const;
+    /// M.p as a new point (the translation applied), p left as it is.
     VoGePoint3D postMult1(const VoGePoint3D& p) const;
     /// v := M3.v in place; postMult1 returns a copy.
     void postMult(VoGeVector3D& v) const;
+    /// M3.v as a new vector (no translation), v left as it is.
     VoGeVector3D postMult1(const VoGeVector3D& v) const;
     /// p := p.M in place (row-vector convention); preMult1 returns a copy.
     void preMult(VoGePoint3D& p) const;
+    /// p.M as a new point (row-vector convention), p left as it is.
     VoGePoint3D preMult1(const VoGePoint3D& p) const;
     /// v := v.M3 in place; preMult1 returns a copy.
     void preMult(VoGeVector3D& v) const;
+    /// v.M3 as a new vector, v left as it is.
     VoGeVector3D preMult1(const VoGeVector3D& v) const;
     /// out = M3.in on plain arrays of three doubles (in may be out).
     void matMultVec(double* const in, double* const out) const;

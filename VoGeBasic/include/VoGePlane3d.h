@@ -13,6 +13,7 @@
 #include "VoGePoint3D.h"
 #include "VoGeVector3D.h"
 
+/// A plane in space: a point on it and its unit normal.
 class VOGEBASIC_API VoGePlane3d {
 public:
     VoGePoint3D base;     ///< a point of the plane
@@ -22,7 +23,9 @@ public:
     VoGePlane3d();
     /// set(p, n).
     VoGePlane3d(const VoGePoint3D& p, const VoGeVector3D& n);
+    /// Copies bit for bit (a trivial copy, kept so for the binary interface).
     VoGePlane3d(const VoGePlane3d&) = default;
+    /// Assigns bit for bit (a trivial copy, kept so for the binary interface).
     VoGePlane3d& operator=(const VoGePlane3d&) = default;
 
     /// Base p, normal n normalised.
@@ -31,7 +34,9 @@ public:
     void set(const VoGePoint3D& p, const VoGeVector3D& u, const VoGeVector3D& v);
     /// Base p1, normal normalise((p2 - p1) x (p3 - p1)).
     void set(const VoGePoint3D& p1, const VoGePoint3D& p2, const VoGePoint3D& p3);
+    /// The point the plane was set through.
     const VoGePoint3D& getBase() const;
+    /// The plane's unit normal.
     const VoGeVector3D& getNormal() const;
     /// Row 0 of m := (nx, ny, nz, n . base); the other rows are not touched.
     void getGeneralEquation(VoGeMatrix3D& m) const;

@@ -14,6 +14,7 @@
 
 class VoGeVector3D;
 
+/// A location in model space: exactly three doubles x, y, z.
 class VOGEBASIC_API VoGePoint3D {
 public:
     double x;  ///< first coordinate, model units
@@ -22,20 +23,25 @@ public:
 
     /// (0, 0, 0): a default point is never left uninitialised.
     VoGePoint3D();
+    /// The point (x, y, z).
     VoGePoint3D(double x, double y, double z);
     /// (p[0], p[1], p[2]).
     explicit VoGePoint3D(const double* const p);
     /// A vector taken as a position.
     explicit VoGePoint3D(const VoGeVector3D& v);
-    // Copying is the implicit bit-for-bit copy of the three doubles (kept trivial for the ABI).
+    /// Copying is the implicit bit-for-bit copy of the three doubles (kept trivial for the ABI).
     VoGePoint3D(const VoGePoint3D&) = default;
+    /// Assigns bit for bit (a trivial copy, kept so for the binary interface).
     VoGePoint3D& operator=(const VoGePoint3D&) = default;
 
+    /// Sets the three coordinates; returns *this.
     VoGePoint3D& set(double x, double y, double z);
+    /// Sets the coordinates from p[0], p[1], p[2]; returns *this.
     VoGePoint3D& set(const double* const p);
 
     /// Coordinate 0, 1 or 2; the index is not checked.
     double operator[](unsigned int i) const;
+    /// Coordinate 0, 1 or 2, writable; the index is not checked.
     double& operator[](unsigned int i);
 
     /// Pointer to this point's own x; y and z follow it.
@@ -45,17 +51,25 @@ public:
 
     /// Component sum of two positions (midpoints, centroids).
     VoGePoint3D operator+(const VoGePoint3D& q) const;
+    /// Adds q component by component; returns *this.
     VoGePoint3D& operator+=(const VoGePoint3D& q);
     /// The vector from q to this point.
     VoGeVector3D operator-(const VoGePoint3D& q) const;
+    /// This point moved by v.
     VoGePoint3D operator+(const VoGeVector3D& v) const;
+    /// Moves this point by v; returns *this.
     VoGePoint3D& operator+=(const VoGeVector3D& v);
+    /// This point moved by -v.
     VoGePoint3D operator-(const VoGeVector3D& v) const;
+    /// Moves this point by -v; returns *this.
     VoGePoint3D& operator-=(const VoGeVector3D& v);
+    /// Each coordinate times s.
     VoGePoint3D operator*(double s) const;
+    /// Multiplies each coordinate by s; returns *this.
     VoGePoint3D& operator*=(double s);
     /// Division is not guarded: s = 0 gives infinities or NaN.
     VoGePoint3D operator/(double s) const;
+    /// Divides each coordinate by s (not guarded); returns *this.
     VoGePoint3D& operator/=(double s);
 
     /// 3-D Euclidean distance.
@@ -66,6 +80,7 @@ public:
     bool isEqualTo(const VoGePoint3D& q, double tol) const;
     /// isEqualTo(q, 1e-5).
     bool operator==(const VoGePoint3D& q) const;
+    /// Not operator==.
     bool operator!=(const VoGePoint3D& q) const;
 };
 

@@ -14,6 +14,7 @@
 
 class VoGePoint3D;
 
+/// A direction or displacement in model space: exactly three doubles x, y, z.
 class VOGEBASIC_API VoGeVector3D {
 public:
     double x;  ///< first component
@@ -22,44 +23,62 @@ public:
 
     /// (0, 0, 0).
     VoGeVector3D();
+    /// The vector (x, y, z).
     VoGeVector3D(double x, double y, double z);
     /// (p[0], p[1], p[2]).
     explicit VoGeVector3D(const double* const p);
     /// to - from.
     VoGeVector3D(const VoGePoint3D& from, const VoGePoint3D& to);
-    // Copying is the implicit bit-for-bit copy of the three doubles (kept trivial for the ABI).
+    /// Copying is the implicit bit-for-bit copy of the three doubles (kept trivial for the ABI).
     VoGeVector3D(const VoGeVector3D&) = default;
+    /// Assigns bit for bit (a trivial copy, kept so for the binary interface).
     VoGeVector3D& operator=(const VoGeVector3D&) = default;
 
+    /// Sets the three components; returns *this.
     VoGeVector3D& set(double x, double y, double z);
     /// x and y as given, z set to 0.0.
     VoGeVector3D& set(double x, double y);
+    /// Sets the components from p[0], p[1], p[2]; returns *this.
     VoGeVector3D& set(const double* const p);
     /// to[i] - from[i] for i = 0..2.
     VoGeVector3D& set(const double* const from, const double* const to);
+    /// Sets the vector from one point to another (to - from); returns *this.
     VoGeVector3D& set(const VoGePoint3D& from, const VoGePoint3D& to);
 
     /// Component 0, 1 or 2; the index is not checked.
     double operator[](unsigned int i) const;
+    /// Component 0, 1 or 2, writable; the index is not checked.
     double& operator[](unsigned int i);
 
+    /// Pointer to this vector's own x; y and z follow it.
     const double* toKestPoint() const;
+    /// out[0..2] = x, y, z.
     void toKestPoint(double* const out) const;
 
+    /// The opposite vector.
     VoGeVector3D operator-() const;
+    /// The sum of two vectors.
     VoGeVector3D operator+(const VoGeVector3D& w) const;
+    /// The difference of two vectors.
     VoGeVector3D operator-(const VoGeVector3D& w) const;
+    /// Adds w; returns *this.
     VoGeVector3D& operator+=(const VoGeVector3D& w);
+    /// Subtracts w; returns *this.
     VoGeVector3D& operator-=(const VoGeVector3D& w);
+    /// Each component times s.
     VoGeVector3D operator*(double s) const;
     /// Division is not guarded: s = 0 gives infinities or NaN.
     VoGeVector3D operator/(double s) const;
+    /// Multiplies each component by s; returns *this.
     VoGeVector3D& operator*=(double s);
+    /// Divides each component by s (not guarded); returns *this.
     VoGeVector3D& operator/=(double s);
 
+    /// The dot product.
     double dotProduct(const VoGeVector3D& w) const;
     /// this x w, right-handed.
     VoGeVector3D crossProduct(const VoGeVector3D& w) const;
+    /// The Euclidean length.
     double length() const;
 
     /// Unit copy; the zero vector when the length is below 1e-4, not a number or infinite (an
@@ -81,6 +100,7 @@ public:
     bool isParallel(const VoGeVector3D& w, double tol) const;
     /// Same direction: the normalised copies agree within 1e-5 per component (inclusive).
     bool operator==(const VoGeVector3D& w) const;
+    /// Not operator==.
     bool operator!=(const VoGeVector3D& w) const;
     /// Exchanges the components with w.
     void swap(VoGeVector3D& w);

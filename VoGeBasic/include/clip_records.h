@@ -85,10 +85,10 @@ struct convex {
 
 /// An axis-aligned box in the drawing plane (a value type).
 struct VOGEBASIC_API BOX {
-    double xmin;
-    double xmax;
-    double ymin;
-    double ymax;
+    double xmin;  ///< smallest x
+    double xmax;  ///< largest x
+    double ymin;  ///< smallest y
+    double ymax;  ///< largest y
 
     /// The empty box: minima 1e21, maxima -1e21, so that the first expand or update sets it.
     BOX();
@@ -132,10 +132,10 @@ struct VOGEBASIC_API Box3D {
 
 /// A parallelepiped: p0 one corner, p1, p2, p3 the three corners sharing an edge with it.
 struct BoxP4 {
-    VoGePoint3D p0;
-    VoGePoint3D p1;
-    VoGePoint3D p2;
-    VoGePoint3D p3;
+    VoGePoint3D p0;  ///< the first corner
+    VoGePoint3D p1;  ///< the corner along the first edge
+    VoGePoint3D p2;  ///< the corner along the second edge
+    VoGePoint3D p3;  ///< the corner along the third edge
 };
 
 // ---- allocation ------------------------------------------------------------------------------
