@@ -63,6 +63,13 @@ constexpr double kHalfTurnApprox = 3.14159265;
 /// A disc faces the viewer when the Z component of its normal is within this of +-1.
 constexpr double kFacingTol = 1e-9;
 
+// ---- faces --------------------------------------------------------------------------------------
+
+/// A vertex within this fraction of the object's size of a face's plane (or of a triangle's
+/// longest side) lies on it: far above the rounding of coordinates computed from the object's
+/// own dimensions, far below anything a drawing can show.
+constexpr double kPlanarFaceTol = 1e-9;
+
 }  // namespace hd
 }  // namespace geolib
 
