@@ -1,0 +1,99 @@
+// Test support: the true edges of a curved solid as dense polylines, and one call that runs the
+// shared solid checks on a lone tessellated primitive against them.
+#ifndef VOGEBASIC_TESTS_ANALYTIC_EDGES_H
+#define VOGEBASIC_TESTS_ANALYTIC_EDGES_H
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "hidden_line/model/solid_checks.h"
+
+namespace hdtest {
+
+/// A true edge (a rim, a sharp edge or a contour generator) as a dense polyline; a closed curve
+/// repeats its first point at the end, a single point is an apex.
+using Curve = std::vector<P>;
+
+/// Points of a closed curve drawn this densely are within 3e-7 of its size of the curve.
+constexpr int kCurveSamples = 4096;
+
+inline double distToCurve(P p, const Curve& c) {
+    if (c.size() == 1)
+        return solid::norm(solid::sub(p, c[0]));
+    double best = HUGE_VAL;
+    for (std::size_t i = 1; i < c.size(); ++i)
+        best = std::min(best, solid::distToSegment(p, c[i - 1], c[i]));
+    return best;
+}
+
+inline double distToCurves(P p, const std::vector<Curve>& cs) {
+    double best = HUGE_VAL;
+    for (const Curve& c : cs)
+        best = std::min(best, distToCurve(p, c));
+    return best;
+}
+
+/// The closed curve f(theta) for theta over a full turn.
+template <class F>
+Curve closedCurve(F f) {
+    Curve c;
+    for (int i = 0; i <= kCurveSamples; ++i)
+        c.push_back(f(6.283185307179586 * i / kCurveSamples));
+    return c;
+}
+
+/// Runs every shared check on obj (a lone solid of the given size): its vertices lie on the
+/// rims (sharp edges, apexes included) or the contours within 1e-6 of its size; each line is a
+/// chord of one rim or a contour edge; drawn alone it shows the rims and contours within the
+/// largest chord sagitta of its lines and outlines the hull of samples.
+inline void expectTrueSolid(geolib::_s_hd_prof_* obj, const std::vector<Curve>& rims,
+                            const std::vector<Curve>& contours, const std::vector<P>& samples,
+                            const char* what) {
+    ASSERT_NE(obj, nullptr) << what;
+    std::vector<Curve> all = rims;
+    all.insert(all.end(), contours.begin(), contours.end());
+    const double size = solid::size(obj);
+    const double tol = 1e-6 * size;
+    expectWellFormedFaces(obj, what);
+    expectClosedOutward(obj, what);
+    expectBoxHolds(obj, what);
+    expectOnSurface(
+        obj, [&](P p) { return distToCurves(p, all); }, tol, what);
+    expectLinesAreEdges(
+        obj,
+        [&](P a, P b) {
+            const P mid{0.5 * (a.x + b.x), 0.5 * (a.y + b.y), 0.5 * (a.z + b.z)};
+            const double chord = solid::norm(solid::sub(a, b));
+            return std::any_of(rims.begin(), rims.end(), [&](const Curve& c) {
+                return c.size() > 1 && distToCurve(a, c) <= tol && distToCurve(b, c) <= tol &&
+                       distToCurve(mid, c) <= 0.25 * chord + tol;
+            });
+        },
+        what);
+    double sagitta = 0.0;
+    for (const auto& [a, b] : solid::lines(obj->proline))
+        sagitta = std::max(
+            sagitta, distToCurves({0.5 * (a.x + b.x), 0.5 * (a.y + b.y), 0.5 * (a.z + b.z)}, all));
+    expectDrawingTrue(
+        obj, [&](P p) { return distToCurves(p, all); }, samples, sagitta + tol, what);
+}
+
+/// Log-uniform sizes from lo to hi, the same sequence for the same seed.
+class SizeGen {
+public:
+    explicit SizeGen(unsigned seed) : s_(seed * 2654435761u + 12345u) {}
+    double operator()(double lo, double hi) {
+        s_ ^= s_ << 13;
+        s_ ^= s_ >> 17;
+        s_ ^= s_ << 5;
+        return lo * std::pow(hi / lo, s_ / 4294967296.0);
+    }
+
+private:
+    std::uint32_t s_;
+};
+
+}  // namespace hdtest
+
+#endif  // VOGEBASIC_TESTS_ANALYTIC_EDGES_H
