@@ -139,6 +139,36 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_scn(double rb, double rt, double h, double 
 /// planes are within 1e-6 (cosine) of the axis.
 VOGEBASIC_API _s_hd_prof_* ep_divide_scy(_s_hd_point_ a, _s_hd_point_ b, double r, _s_hd_point_ n);
 
+/// A sphere of radius r about c. Its silhouette in the view along Z is its equator, the circle
+/// in the plane z = c.z, so it is cut along circles about the vertical line through c: the
+/// equator is the disc's ring of the circle with normal (0, 0, 1) (m = 8, 10 or 12 vertices,
+/// from c + (r, 0, 0) counter-clockwise about +Z), and each hemisphere has (m + 3) / 4 latitude
+/// bands whose rings scale the equator's vertices towards the axis, the last band closing on the
+/// pole. Faces, wound counter-clockwise seen from outside: the near hemisphere (towards -Z) from
+/// the equator band to the pole band, then the far one, each band in ring order (quadrilateral
+/// trapezoids, the pole band triangles). Lines: the equator's chords from c + (r, 0, 0) round.
+/// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
+/// null when r is below 0.01, on non-finite input, or if an allocation fails.
+VOGEBASIC_API _s_hd_prof_* ep_divide_sph(_s_hd_point_ c, double r);
+
+/// A ring plate: the annular sector between the radii ri and ro about the vertical line through
+/// c, from angle a0 to a1 (radians, from +X towards +Y: counter-clockwise on the drawing, where
+/// X runs right and Y up), of thickness t from c along +Z, so its near face lies at depth c.z and
+/// its far face at c.z + t. A sweep a1 - a0 of a full turn or more (or whose ends meet on the
+/// outer rim) makes a closed ring without end faces; ri below 0.01 makes a sector of a disc,
+/// whose inner rim is the centre line. Both arcs take getArcDivideNum(c, ro, a0, a1) chords at
+/// common angles. Faces, wound counter-clockwise seen from outside: for each chord k the near
+/// face, the far face, the outer wall and the inner wall (quadrilaterals; triangles and no
+/// inner wall for a disc's sector), then the end faces at a0 and at a1. The walls stand edge-on
+/// to the view and the far face's outline lies under the near face's, so the lines are the near
+/// face's outline only, each edge drawn once: the outer arc's chords from a0, the inner arc's,
+/// then the radial ends at a0 and at a1 (from the inner rim out).
+/// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
+/// null on non-finite input, a sweep a1 - a0 not above 0 (or too small to make its chords),
+/// ri negative or not below ro, ro below 0.01, t not above 0, or if an allocation fails.
+VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, double a0,
+                                         double a1);
+
 }  // namespace geolib
 
 #endif  // VOGEBASIC_HD_TESSELLATORS_H

@@ -4,4 +4,5 @@ target_sources(vogebasic_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/hd_builders.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_box.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_revolved.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/tess_cone.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/tess_cone.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tess_sphere.cpp)

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "hidden_line/model/solid_checks.h"
@@ -43,13 +45,14 @@ Curve closedCurve(F f) {
     return c;
 }
 
-/// Runs every shared check on obj (a lone solid of the given size): its vertices lie on the
-/// rims (sharp edges, apexes included) or the contours within 1e-6 of its size; each line is a
-/// chord of one rim or a contour edge; drawn alone it shows the rims and contours within the
-/// largest chord sagitta of its lines and outlines the hull of samples.
+/// Runs every shared check on obj (a lone solid): its vertices lie on the surface (surface:
+/// the distance to it; when empty, the vertices must lie on the rims, apexes included, or the
+/// contours) within 1e-6 of its size; each line is a chord of one rim (a sharp edge) or a
+/// contour edge; drawn alone it shows the rims and contours within the largest chord sagitta
+/// of its lines and outlines the hull of samples.
 inline void expectTrueSolid(geolib::_s_hd_prof_* obj, const std::vector<Curve>& rims,
                             const std::vector<Curve>& contours, const std::vector<P>& samples,
-                            const char* what) {
+                            const char* what, std::function<double(P)> surface = {}) {
     ASSERT_NE(obj, nullptr) << what;
     std::vector<Curve> all = rims;
     all.insert(all.end(), contours.begin(), contours.end());
@@ -58,8 +61,9 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, const std::vector<Curve>& 
     expectWellFormedFaces(obj, what);
     expectClosedOutward(obj, what);
     expectBoxHolds(obj, what);
-    expectOnSurface(
-        obj, [&](P p) { return distToCurves(p, all); }, tol, what);
+    if (!surface)
+        surface = [&](P p) { return distToCurves(p, all); };
+    expectOnSurface(obj, surface, tol, what);
     expectLinesAreEdges(
         obj,
         [&](P a, P b) {
@@ -71,10 +75,16 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, const std::vector<Curve>& 
             });
         },
         what);
+    // A chord's sagitta is measured to the curve it was cut from (the one holding both ends).
     double sagitta = 0.0;
-    for (const auto& [a, b] : solid::lines(obj->proline))
-        sagitta = std::max(
-            sagitta, distToCurves({0.5 * (a.x + b.x), 0.5 * (a.y + b.y), 0.5 * (a.z + b.z)}, all));
+    for (const auto& [a, b] : solid::lines(obj->proline)) {
+        const P mid{0.5 * (a.x + b.x), 0.5 * (a.y + b.y), 0.5 * (a.z + b.z)};
+        double own = HUGE_VAL;
+        for (const Curve& c : all)
+            if (distToCurve(a, c) <= tol && distToCurve(b, c) <= tol)
+                own = std::min(own, distToCurve(mid, c));
+        sagitta = std::max(sagitta, own < HUGE_VAL ? own : distToCurves(mid, all));
+    }
     expectDrawingTrue(
         obj, [&](P p) { return distToCurves(p, all); }, samples, sagitta + tol, what);
 }
