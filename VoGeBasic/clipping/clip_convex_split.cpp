@@ -137,6 +137,29 @@ bool splitAt(convex* poly, line* e, const Hit& hit) {
     return true;
 }
 
+// Every vertex of the ring is finite and within the coordinate limit.
+bool ringInRange(const line* head) {
+    bool ok = true;
+    clip::walkRing(head, [&ok](const line* e) {
+        for (double v : {e->start.x, e->start.y, e->end.x, e->end.y}) {
+            if (!(std::fabs(v) <= clip::kSplitCoordLimit))
+                ok = false;
+        }
+        return ok;
+    });
+    return ok;
+}
+
+// No corner of the ring is reflex.
+bool ringConvex(const line* head) {
+    bool ok = true;
+    clip::walkRing(head, [&ok](const line* e) {
+        ok = cornerTurn(e->start, e->end, e->next->end) != kReflex;
+        return ok;
+    });
+    return ok;
+}
+
 }  // namespace
 
 bool ConvexIdentify(convex* polys) {
@@ -148,7 +171,7 @@ bool ConvexIdentify(convex* polys) {
         if (poly->edges == nullptr)
             continue;
         const std::size_t n = clip::closedRingSize(poly->edges);
-        if (n == 0)
+        if (n == 0 || !ringInRange(poly->edges))
             return false;
         budget += n;
     }
@@ -168,6 +191,12 @@ bool ConvexIdentify(convex* polys) {
             }
             e = e->next;
         } while (e != head);
+    }
+    // A self-intersecting ring can be split into rings that still turn the wrong way somewhere:
+    // true promises convex polygons only.
+    for (const convex* poly = polys; poly != nullptr; poly = poly->next) {
+        if (poly->edges != nullptr && !ringConvex(poly->edges))
+            return false;
     }
     return true;
 }

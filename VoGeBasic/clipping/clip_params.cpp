@@ -116,10 +116,14 @@ CutResult removeFromArc(paramt*& list, double a, double b) {
         }
         w.keep();
     }
-    // Starts left below 0 by a cut through angle 0 come back into the turn; ends stay.
+    // Ends left below 0 by a cut through angle 0 come back into the turn. An end can only go
+    // below 0 when a cut through angle 0 shortens a node through angle 0: the node then ends
+    // where the cut begins, a - 2 pi, which is the angle a itself.
     for (paramt* p = list; p != nullptr; p = p->next) {
         if (p->t0 < 0.0)
             p->t0 += kFullTurn;
+        if (p->t1 < 0.0)
+            p->t1 += kFullTurn;
     }
     return CutResult::done;
 }
@@ -165,13 +169,21 @@ paramt* getHideParamt(paramt* list, double a, double b, bool isArc) {
         gaps.append(g);
         return true;
     };
+    // An arc node through angle 0 ([t0, t1] with t1 < t0) is visible from the start of the
+    // turn to t1 and again from t0 to its end: it is walked as starting at t0 - 2 pi, and the
+    // closing gap stops at its t0, so that the gaps never overlap each other or the node.
+    double end = isArc ? kFullTurn : 1.0;
     double cur = a;
     for (const paramt* p = list; p != nullptr; p = p->next) {
-        if (cur < p->t0 && !addGap(cur, p->t0))
+        double t0 = p->t0;
+        if (isArc && p->t1 < p->t0) {
+            end = std::fmin(end, p->t0);
+            t0 -= kFullTurn;
+        }
+        if (cur < t0 && !addGap(cur, t0))
             return nullptr;
         cur = p->t1;
     }
-    const double end = isArc ? kFullTurn : 1.0;
     if (end > cur && cur > kIntervalEndTol && !addGap(cur, end))
         return nullptr;
     return gaps.head;

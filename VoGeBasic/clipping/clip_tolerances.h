@@ -39,6 +39,9 @@ constexpr int kMinChords = 4;
 constexpr double kSplitTol = 0.001;
 /// ConvexIdentify: the start of the search for the nearest hit, beyond any drawing.
 constexpr double kSplitFar = 1e12;
+/// ConvexIdentify refuses a ring with a coordinate beyond this in magnitude: its turn tests and
+/// line intersections multiply two coordinate differences, which must not overflow.
+constexpr double kSplitCoordLimit = 1e150;
 
 // ---- view boxes --------------------------------------------------------------------------------
 /// viewBoxTrimLine: a view shows the piece as a point when both of its coordinate differences

@@ -28,6 +28,9 @@ struct Crossing {
     bool sInside = true;
     bool eInside = true;
     double t[2] = {0.0, 0.0};
+    // Where the piece leaves over a corner that the edge before did not record (below).
+    bool cornerSeen = false;
+    double corner = 0.0;
 };
 
 // Side of point q with respect to the line from p to r in the plan: positive when q lies to the
@@ -89,11 +92,21 @@ Crossing crossPolygon(const line* ring, const VoGePoint3D& s, const VoGePoint3D&
                 c.eInside = false;
             const double c1 = side(s, e, p);
             const double c2 = side(s, e, q);
+            // With coordinates beyond about 1e150 a side value can overflow to NaN; a NaN c2
+            // then counts as lying opposite a positive c1. That is no sound rule, but asking
+            // |c2| >= tol of it would drop the crossing an overflow hides and hide the piece
+            // whole: such coordinates are outside what the trimming promises to handle.
             const bool crosses = nil(c2) || (std::fabs(c1) >= kSideTol && (c1 > 0.0) != (c2 > 0.0));
             // A convex ring is crossed at most twice; a third crossing of a ring that is not
             // convex is not recorded.
             if (crosses && c.count < 2)
                 c.t[c.count++] = d1 / (d1 - d2);
+            // The piece crosses at this edge's start P, which the edge before records as its
+            // end, unless one end of the piece lay on that edge's line. Kept for that case.
+            if (nil(c1) && !c.cornerSeen) {
+                c.cornerSeen = true;
+                c.corner = d1 / (d1 - d2);
+            }
         }
         return true;
     });
@@ -113,7 +126,14 @@ bool convexTrimLineSeg(convex* polys, line_cut* pieces) {
         for (convex* poly = polys; poly != nullptr; poly = poly->next) {
             if (poly->edges == nullptr)
                 continue;
-            const Crossing c = crossPolygon(poly->edges, s, e);
+            Crossing c = crossPolygon(poly->edges, s, e);
+            // A piece that starts (or ends) on an edge's line and leaves the polygon over the
+            // corner at the end of that edge crosses no edge strictly: with one end outside an
+            // edge it is not wholly inside, and it is cut at that corner.
+            if (c.count == 0 && c.sInside != c.eInside && c.cornerSeen) {
+                c.count = 1;
+                c.t[0] = c.corner;
+            }
             double a = 0.0;
             double b = 0.0;
             if (c.count == 0) {
@@ -256,7 +276,11 @@ bool visibleRuns(const line_cut* chords, const VoGePoint3D& centre, paramt*& run
             open = nullptr;  // wholly or partly hidden: the run ends here
             continue;
         }
-        const double phi = angleToX(centre, chord->end);
+        // An interval may end at the full turn itself, which the angle of a point never is:
+        // a chord ending a hair below angle 0 ends its run there.
+        double phi = angleToX(centre, chord->end);
+        if (phi == geometry::kJustBelowFullTurn)
+            phi = clip::kFullTurn;
         if (open == nullptr) {
             open = mallocParamt(false);
             if (open == nullptr) {

@@ -124,6 +124,14 @@ bool viewBoxTrimLine(const Box3D* box, const VoGePoint3D& p0, const VoGePoint3D&
         if (hi < u1)
             u1 = hi;
     }
+    // Each view may see the piece cross the box where the others do not (a thin box, its side
+    // values measured without regard to the edge's length): what the views have in common is
+    // what passes through the box, and when they have nothing in common the piece misses it.
+    if (u1 < u0) {
+        u0 = 1.0;
+        u1 = 0.0;
+        return false;
+    }
     return true;
 }
 

@@ -60,7 +60,7 @@ double angleToX(const VoGeVector3D& v) {
     const VoGeVector3D xAxis(1.0, 0.0, 0.0);
     const double a = std::acos(xAxis.dotProduct(w));
     if (xAxis.crossProduct(w).z < 0.0)
-        return kFullTurn - a;
+        return geometry::belowFullTurn(kFullTurn - a);
     return a;
 }
 

@@ -29,7 +29,7 @@ double wrapAngle(double a) {
     double r = std::fmod(a, kFullTurn);
     if (r < 0.0)
         r += kFullTurn;
-    return r;
+    return geolib::geometry::belowFullTurn(r);
 }
 
 // How far an arc turns from a0 to a1: an end below the start runs through angle 0, and a span
@@ -54,6 +54,11 @@ namespace geolib {
 
 short isPointOnLineSeg(const VoGePoint3D& p1, const VoGePoint3D& p2, const VoGePoint3D& p,
                        double tol) {
+    // A NaN coordinate places nothing on the segment, whatever the comparisons below would say.
+    for (const VoGePoint3D* q : {&p1, &p2, &p}) {
+        if (std::isnan(q->x) || std::isnan(q->y) || std::isnan(q->z))
+            return kSegOffLine;
+    }
     int code = 0;
     if (p.distanceTo(p1) <= kSegmentEndTol)
         code |= kSegOn | kSegAtStart;

@@ -62,6 +62,6 @@ double VoGeCircle3d::getParam(const VoGePoint3D& p, double tol) const {
         a = std::acos(clampUnit((p.z - c.z) * ny * nz / L + (c.y - p.y) * L / (r * nx)));
     }
     if (std::fabs(a - b) > tol && std::fabs(a - (kPi - b)) > tol)
-        return kFullTurn - a;
+        return belowFullTurn(kFullTurn - a);
     return a;
 }

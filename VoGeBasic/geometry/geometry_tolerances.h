@@ -38,6 +38,14 @@ constexpr double kPlaneSegmentTol = 1e-5;
 constexpr double kPi = 3.141592653589793;
 /// The full turn, 2pi, as the double nearest to it.
 constexpr double kFullTurn = 6.283185307179586;
+/// The largest angle below the full turn (the double just below kFullTurn).
+constexpr double kJustBelowFullTurn = 0x1.921fb54442d17p+2;
+
+/// An angle in [0, 2pi) as the angle functions promise it: 2pi less a tiny angle rounds to 2pi
+/// itself, which is given back as the largest angle below the turn instead. NaN passes through.
+inline double belowFullTurn(double a) {
+    return a >= kFullTurn ? kJustBelowFullTurn : a;
+}
 
 }  // namespace geometry
 }  // namespace geolib

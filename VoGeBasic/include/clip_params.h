@@ -14,8 +14,10 @@
 namespace geolib {
 
 /// Removes [a, b] from the list in place; the head may move on or become null. With isArc a
-/// range whose b is below a runs through angle 0; after the cut every interval start below 0
-/// gets 2pi added. Returns false and leaves the list untouched for a range shorter than 1e-6,
+/// range whose b is below a runs through angle 0; after the cut every interval start or end
+/// below 0 gets 2pi added, so that arc intervals stay within [0, 2pi] (a cut through angle 0
+/// that shortens an interval through angle 0 would otherwise leave it ending below 0).
+/// Returns false and leaves the list untouched for a range shorter than 1e-6,
 /// for a line range with a > b, and when splitting an interval needs an allocation that fails
 /// (that interval is then left whole and the walk ends there); otherwise true.
 VOGEBASIC_API bool subParamt(paramt*& list, double a, double b, bool isArc);
@@ -28,9 +30,10 @@ VOGEBASIC_API bool cutArcParamt(arc_cut* ac, double a, double b);
 /// The gaps of the list from a on: [a or the previous end, next start] wherever they differ,
 /// then [last end, full end] when the last end lies above 1e-6 and below the full end (1 for a
 /// line, 2pi for an arc). b is not used: the closing gap always runs to the full end (kept
-/// deliberately). An empty list gives the whole range, [0, 1] or [0, 2pi], whatever a and b
-/// are. Returns a new list owned by the caller; release it with freeParamt. Returns null when
-/// there are no gaps or an allocation fails.
+/// deliberately). For an arc, an interval through angle 0 counts from its t0 - 2pi, and the
+/// closing gap then ends at its t0, so that the gaps stay disjoint. An empty list gives the whole
+/// range, [0, 1] or [0, 2pi], whatever a and b are. Returns a new list owned by the caller; release
+/// it with freeParamt. Returns null when there are no gaps or an allocation fails.
 VOGEBASIC_API paramt* getHideParamt(paramt* list, double a, double b, bool isArc);
 /// getHideParamt(lc->params, 0, 1, false): the hidden intervals of a piece. Returns a new list
 /// owned by the caller; release it with freeParamt. Returns null when nothing is hidden, for a

@@ -4,6 +4,10 @@
 // point is inside when it lies to the left of every edge. Only x and y are read; z is carried
 // along. A piece's params list holds what is still visible of it; trimming removes from it
 // every stretch that lies inside a polygon. Side-of-edge and parameter tests use 1e-4.
+//
+// Side values are products of two coordinate differences: with coordinates beyond about 1e150
+// in magnitude they overflow, and what such a polygon hides is not defined. Every call still
+// ends, and the interval lists stay sorted, disjoint and within [0, 1].
 #ifndef VOGEBASIC_CLIP_TRIM_H
 #define VOGEBASIC_CLIP_TRIM_H
 
@@ -18,7 +22,10 @@ namespace geolib {
 /// tried against the later polygons; a piece that is a point in the plan (both plan extents
 /// within 1e-4) is left alone; a piece touching a polygon only at a corner, or meeting an
 /// edge's line only at its own end, is not cut, while a stretch lying along an edge counts as
-/// inside. A null polygon list, and a polygon without edges, hide nothing. Returns true,
+/// inside. A piece that starts on an edge's line and leaves the polygon over the corner at
+/// that edge's end (within 1e-4 of it) crosses no edge strictly; it is cut at that corner, so
+/// that what lies outside stays visible (a centre line leaving equipment near a corner does not
+/// disappear). A null polygon list, and a polygon without edges, hide nothing. Returns true,
 /// or false when splitting an interval needed an allocation that failed (the pieces are then
 /// trimmed as far as they got).
 VOGEBASIC_API bool convexTrimLineSeg(convex* polys, line_cut* pieces);
@@ -64,11 +71,13 @@ VOGEBASIC_API arc_cut* polygonTrimCircle(convex* polys, double* const c, double 
 /// edge before a reflex corner is extended to the nearest edge it meets, and the ring is cut in
 /// two there; the new polygons follow the one they came from in the list and are split in turn.
 /// Corners closer than 0.001 to their neighbours and straight corners (sine below 0.001) are
-/// left alone, and so is any corner with a NaN coordinate. Returns true at the end of the list.
-/// Returns false at once when a reflex corner has no edge to split against (a clockwise ring,
-/// for instance), when a ring does not close, when the splits of the call exceed the number of
-/// edges the list had at the start (which no simple outline needs: a self-intersecting ring
-/// may), or when an allocation fails. The list is then left split as far as it got, every ring
+/// left alone. Returns true at the end of the list, when every polygon is convex.
+/// Returns false, changing nothing, when a ring does not close or has a coordinate that is not
+/// finite or lies beyond 1e150 in magnitude. Returns false at once when a reflex corner has no
+/// edge to split against (a clockwise ring, for instance), when the splits of the call exceed the
+/// number of edges the list had at the start (which no simple outline needs: a self-intersecting
+/// ring may), or when an allocation fails; and at the end when a ring is still not convex (a
+/// self-intersecting ring may be left so). The list is then left split as far as it got, every ring
 /// closed and every edge held by exactly one polygon, so freeConvex releases it all.
 VOGEBASIC_API bool ConvexIdentify(convex* polys);
 

@@ -43,7 +43,8 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_wed(_s_hd_point_ pa, _s_hd_point_ pb, _s_hd
                                          double h);
 
 /// A regular prism of n sides about the axis pa -> pb, ps a vertex of the base polygon (n = 0
-/// chooses the count from the radius; any n below 5 becomes 5). Lines: the base ring's n chords
+/// chooses the count from the base ring's radius, and the top ring takes the same count; any n
+/// below 5 becomes 5). Lines: the base ring's n chords
 /// from ps, then the top ring's (moved along the axis), then the n uprights from base to top.
 /// Faces: one per side, (base chord start, base chord end, top chord end, top chord start),
 /// tag 0; the two end polygons are lines only, not faces, so they hide nothing.

@@ -155,4 +155,27 @@ TEST(ConvexIdentify, FailedAllocationLeavesReleasableRings) {
     });
 }
 
+// A true result promises convex pieces: self-intersecting rings either split into convex
+// pieces or report false; rings with a NaN or a coordinate beyond 1e150 are refused untouched.
+TEST(ConvexIdentify, TrueMeansConvexPiecesAndHugeOrNaNRingsAreRefused) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (const Outline& ring : {Outline{{0, 0}, {4, 0}, {nan, 1}, {1, 1}, {1, 4}, {0, 4}},
+                                Outline{{0, 0}, {4, 0}, {1e154, 1}, {1, 1}, {1, 4}, {0, 4}}}) {
+        convex* p = polygonOf(ring);
+        EXPECT_FALSE(ConvexIdentify(p));
+        EXPECT_EQ(piecesOf(p).count, 1);
+        freeConvex(p);
+    }
+    const Outline bowTie = {{0, 0}, {4, 4}, {4, 0}, {0, 4}};
+    const Outline star = {{0, 0}, {6, 3}, {0, 6}, {3, -2}, {3, 8}};
+    const Outline looped = {{0, 0}, {5, 0}, {5, 5}, {2, -2}, {0, 5}};
+    for (const Outline& ring : {bowTie, star, looped}) {
+        convex* p = polygonOf(ring);
+        if (ConvexIdentify(p)) {
+            EXPECT_TRUE(piecesOf(p).allConvex);
+        }
+        freeConvex(p);
+    }
+}
+
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "clipping/clip_test_support.h"
 #include "support/alloc_hook.h"
 
@@ -149,6 +151,61 @@ TEST(FindFitParamt, FirstIntervalHoldingAnEndOrLyingWithin) {
     EXPECT_EQ(findFitParamt(list, 0.5, 0.4), nullptr);
     EXPECT_EQ(findFitParamt(list, 0.1, 0.1 + 0.5 * kEndTol), nullptr);
     freeParamt(list);
+}
+
+// Arc intervals stay within [0, 2pi], and the gaps of a list holding an interval through
+// angle 0 are disjoint: random cuts on a full circle, each list checked against a sampling of
+// the circle.
+TEST(ArcIntervals, StayInTheTurnAndTheirGapsAreTheirComplement) {
+    {  // A cut through angle 0 that shortens an interval through angle 0.
+        paramt* list = listOf({{3.92699, 0}});
+        EXPECT_TRUE(subParamt(list, 5.49779, 0, true));
+        EXPECT_TRUE(sameIntervals(intervalsOf(list), {{3.92699, 5.49779}}, 1e-12));
+        freeParamt(list);
+        list = listOf({{kTwoPi, kTwoPi / 2 + 5e-7}});
+        paramt* gaps = getHideParamt(list, 0, kTwoPi, true);
+        EXPECT_TRUE(sameIntervals(intervalsOf(gaps), {{kTwoPi / 2 + 5e-7, kTwoPi}}, 0.0));
+        freeParamt(gaps);
+        freeParamt(list);
+    }
+    // Visible at angle x: some interval holds it (an interval through 0 holds [t0, 2pi] and
+    // [0, t1]).
+    auto holds = [](const Intervals& iv, double x) {
+        for (const auto& i : iv) {
+            if (i.second < i.first ? (x >= i.first || x <= i.second)
+                                   : (x >= i.first && x <= i.second))
+                return true;
+        }
+        return false;
+    };
+    std::uint32_t seed = 12345;
+    auto next = [&seed]() {
+        seed = seed * 1664525u + 1013904223u;
+        return (seed >> 8) / 16777216.0;
+    };
+    for (int round = 0; round < 200; ++round) {
+        paramt* list = listOf({{0, kTwoPi}});
+        for (int k = 0; k < 4; ++k)
+            subParamt(list, kTwoPi * next(), kTwoPi * next(), true);
+        const Intervals iv = intervalsOf(list);
+        for (const auto& i : iv) {
+            EXPECT_TRUE(i.first >= 0 && i.first <= kTwoPi && i.second >= 0 && i.second <= kTwoPi)
+                << ::testing::PrintToString(iv);
+        }
+        paramt* gaps = getHideParamt(list, 0, kTwoPi, true);
+        const Intervals g = intervalsOf(gaps);
+        for (std::size_t j = 0; j < g.size(); ++j) {
+            EXPECT_LT(g[j].first, g[j].second) << ::testing::PrintToString(g);
+            if (j > 0) {
+                EXPECT_LE(g[j - 1].second, g[j].first) << ::testing::PrintToString(g);
+            }
+            // A gap's middle is not visible.
+            EXPECT_FALSE(holds(iv, 0.5 * (g[j].first + g[j].second)))
+                << ::testing::PrintToString(iv) << " gaps " << ::testing::PrintToString(g);
+        }
+        freeParamt(gaps);
+        freeParamt(list);
+    }
 }
 
 }  // namespace

@@ -220,4 +220,37 @@ TEST(PolygonTrimArc, VisibleRunsOfWholeChordsBecomeAngularIntervals) {
     freeConvex(sq);
 }
 
+// A piece starting on the top edge's line near the left corner and running away from the
+// square: only the stretch up to that corner is inside, the rest stays visible.
+TEST(PolygonTrimLine, PieceLeavingOverACornerFromAnEdgesLineStaysVisibleOutside) {
+    convex* sq = square(0, 0, 10);
+    double s[3] = {0.0005, 10, 0};
+    double e[3] = {-15, 9.999, 0};
+    line_cut* piece = polygonTrimLine(sq, s, e);
+    ASSERT_NE(piece, nullptr);
+    const double corner = 0.0005 / 15.0005;  // where the piece passes x = 0
+    EXPECT_TRUE(sameIntervals(intervalsOf(piece->params), {{corner, 1}}, 1e-6));
+    freeLineCut(piece);
+    double u0 = -1;
+    double u1 = -1;
+    ASSERT_TRUE(box2DTrimLine(sq, s, e, u0, u1));
+    EXPECT_GT(u0, u1);  // within the side tolerance of the start: nothing to report
+    freeConvex(sq);
+
+    // A triangle with a corner beyond 1e150 overflows the side values: the call ends and the
+    // intervals stay sorted within [0, 1].
+    convex* far = polygonOf({{0, 0}, {-1e155, -1e155}, {1, 0}});
+    line_cut* p2 = polygonTrimLine(far, VoGePoint3D(-0.75, -1.24, 0), VoGePoint3D(0.05, 0.11, 0));
+    ASSERT_NE(p2, nullptr);
+    double last = 0.0;
+    for (const auto& iv : intervalsOf(p2->params)) {
+        EXPECT_LE(last, iv.first);
+        EXPECT_LT(iv.first, iv.second);
+        last = iv.second;
+    }
+    EXPECT_LE(last, 1.0);
+    freeLineCut(p2);
+    freeConvex(far);
+}
+
 }  // namespace

@@ -125,4 +125,16 @@ TEST(GetBoxBoundary, SmallestBoxOfPointsAndOfAParallelepiped) {
     EXPECT_FALSE(getBoxBoundary(p4, box));
 }
 
+// Each view sees the piece cross a box 0.001 thick that it misses: the views' ranges have
+// nothing in common, so the piece does not pass through the box.
+TEST(ViewBoxTrimLine, ViewsWithNothingInCommonMissTheBox) {
+    Box3D box;
+    box.set(P(-20, -19.5, -14), P(-14, -13.999, -13.999));
+    double u0 = -1;
+    double u1 = -1;
+    EXPECT_FALSE(viewBoxTrimLine(&box, P(-16, -13.97, 1), P(-13.999, -14, -20), u0, u1));
+    EXPECT_EQ(u0, 1.0);
+    EXPECT_EQ(u1, 0.0);
+}
+
 }  // namespace

@@ -4,7 +4,9 @@
 
 #include <cmath>
 
+#include "VoGeCircle3d.h"
 #include "geolib_planar.h"
+#include "geolib_spatial.h"
 #include "support/geom_expect.h"
 
 namespace {
@@ -83,6 +85,21 @@ TEST(Keypoints, FirstMatchingNumberIsOverwrittenAndFetched) {
     EXPECT_TRUE(getKeypointOfNo(kps, 4, got) && got.y == 4.0);
     EXPECT_FALSE(getKeypointOfNo(kps, 5, got));
     EXPECT_EQ(got.y, 4.0);
+}
+
+// A direction a hair below +X has an angle a hair below the full turn, never the turn itself.
+TEST(AngleToX, StaysBelowTheFullTurn) {
+    const double a = angleToX(VoGeVector3D(1, -1e-9, 0));
+    EXPECT_LT(a, 2 * kPi);
+    EXPECT_GT(a, 2 * kPi - 1e-8);
+    VoGeCircle3d c(VoGePoint3D(0, 0, 0), 1, VoGeVector3D(0, 0, 1));
+    EXPECT_LT(c.getParam(VoGePoint3D(1, -1e-17, 0), 1e-6), 2 * kPi);
+    VoGeCircle3d arc;
+    double a0 = -1;
+    double a1 = -1;
+    ASSERT_TRUE(geolib::getArcParamFromPoints(VoGePoint3D(1, -1e-17, 0), VoGePoint3D(0, 1, 0),
+                                              VoGePoint3D(-1, 0, 0), arc, a0, a1));
+    EXPECT_TRUE(a0 >= 0 && a0 < 2 * kPi) << a0;
 }
 
 }  // namespace

@@ -121,4 +121,11 @@ TEST(ArcParameters, AnglesToPointsAndBackOnATiltedCircle) {
     EXPECT_EQ(b0, -1.0);
 }
 
+TEST(IsPointOnLineSeg, NaNAnywhereIsOffTheLine) {
+    const P n(kNaN, 0, 0);
+    EXPECT_EQ(isPointOnLineSeg(n, n, n, kOnTol), kSegOffLine);
+    EXPECT_EQ(isPointOnLineSeg(P(0, 0, 0), n, P(0, 0, 0), kOnTol), kSegOffLine);
+    EXPECT_EQ(isPointOnLineSeg(P(0, 0, 0), P(1, 0, 0), P(0.5, kNaN, 0), kOnTol), kSegOffLine);
+}
+
 }  // namespace

@@ -1,5 +1,6 @@
 // Tessellators of the flat-faced primitives: box, wedge, regular prism, line and polyline.
 #include <cmath>
+#include <initializer_list>
 
 #include "hd_tessellators.h"
 #include "hidden_line/model/hd_builders.h"
@@ -103,11 +104,15 @@ _s_hd_prof_* ep_divide_pri(_s_hd_point_ pa, _s_hd_point_ pb, _s_hd_point_ ps, in
     _s_hd_proline_* top = nullptr;
     if (!divideArc2Proline(pa, ps, t, ps, n, base))
         return nullptr;
-    if (!divideArc2Proline(pb, ps2, t, ps2, n, top) || base == nullptr || top == nullptr)
+    // The top ring takes the base ring's count: chosen from each ring's own radius, the counts
+    // could differ where rounding puts the two radii either side of a count's limit (or where
+    // the axis is so long that the top ring's radius loses its digits).
+    int count = 0;
+    for (const _s_hd_proline_* k = base; k != nullptr; k = k->next)
+        ++count;
+    if (!divideArc2Proline(pb, ps2, t, ps2, count, top) || base == nullptr || top == nullptr)
         draft.fail();
 
-    // Both rings have the same count unless rounding of their radii differs at a count's
-    // limit; the side faces stop with the shorter ring.
     ProlineChain uprights;
     if (base != nullptr)
         draft.seedBox(base->start);
@@ -119,6 +124,10 @@ _s_hd_prof_* ep_divide_pri(_s_hd_point_ pa, _s_hd_point_ pb, _s_hd_point_ ps, in
         if (!uprights.append(k1->start, k2->start))
             draft.fail();
     }
+    // Every line end lies in the box (with rings of one count they all do already).
+    for (const _s_hd_proline_* ring : {base, top})
+        for (const _s_hd_proline_* k = ring; draft.ok() && k != nullptr; k = k->next)
+            draft.extendBox(k->end);
     draft.addLines(base);
     draft.addLines(top);
     draft.addLines(uprights.head);

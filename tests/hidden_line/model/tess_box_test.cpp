@@ -180,4 +180,27 @@ TEST(EpDivideFlatFaced, NonFiniteInputGivesNullAndFailedAllocationsReleaseAll) {
     freePoint(list);
 }
 
+// Both rings of a prism whose count is chosen get the same count, and the box holds every
+// line: axes far longer than the radius, radii about the limits of the chosen counts.
+TEST(EpDividePri, ChosenCountIsOneForBothRingsAndTheBoxHoldsEveryLine) {
+    for (double len : {1.0, 1e9, 1e15}) {
+        for (double r : {0.1, 1.0, 2.9, 3.1, 100.0}) {
+            const P pa{0.3, -0.2, 0.1};
+            const P pb{pa.x + 0.6 * len, pa.y + 0.48 * len, pa.z + 0.64 * len};
+            _s_hd_prof_* pri = ep_divide_pri(pa, pb, {pa.x + 0.8 * r, pa.y - 0.6 * r, pa.z}, 0);
+            ASSERT_NE(pri, nullptr);
+            const size_t faces = facesOf(pri).size();
+            EXPECT_EQ(linesOf(pri->proline).size(), 3 * faces) << len << " " << r;
+            for (const auto* l : linesOf(pri->proline)) {
+                for (const P& q : {l->start, l->end}) {
+                    EXPECT_TRUE(q.x <= pri->box[0] && q.x >= pri->box[1] && q.y <= pri->box[2] &&
+                                q.y >= pri->box[3] && q.z <= pri->box[4] && q.z >= pri->box[5])
+                        << len << " " << r;
+                }
+            }
+            freeHDProfObjectPointer(pri);
+        }
+    }
+}
+
 }  // namespace
