@@ -152,21 +152,31 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_scy(_s_hd_point_ a, _s_hd_point_ b, double 
 /// null when r is below 0.01, on non-finite input, or if an allocation fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_sph(_s_hd_point_ c, double r);
 
-/// A ring plate: the annular sector between the radii ri and ro about the vertical line through
-/// c, from angle a0 to a1 (radians, from +X towards +Y: counter-clockwise on the drawing, where
-/// X runs right and Y up), of thickness t from c along +Z, so its near face lies at depth c.z and
-/// its far face at c.z + t. A sweep a1 - a0 of a full turn or more (or whose ends meet on the
-/// outer rim) makes a closed ring without end faces; ri below 0.01 makes a sector of a disc,
-/// whose inner rim is the centre line. Both arcs take getArcDivideNum(c, ro, a0, a1) chords at
-/// common angles. Faces, wound counter-clockwise seen from outside: for each chord k the near
-/// face, the far face, the outer wall and the inner wall (quadrilaterals; triangles and no
-/// inner wall for a disc's sector), then the end faces at a0 and at a1. The walls stand edge-on
-/// to the view and the far face's outline lies under the near face's, so the lines are the near
-/// face's outline only, each edge drawn once: the outer arc's chords from a0, the inner arc's,
-/// then the radial ends at a0 and at a1 (from the inner rim out).
+/// A ring plate: the annular sector between the radii ri and ro about the line through c along
+/// the axis k, from angle a0 to a1 (radians, about k from x, the projection of +X on the plane
+/// square to k, or of +Y for an axis along X, towards y = k x x: about k = +Z, from +X towards
+/// +Y, counter-clockwise on the drawing where X runs right and Y up), of thickness t from c
+/// along k. A sweep a1 - a0 of a full turn or more (or whose ends meet on the outer rim) makes a
+/// closed ring without end faces; ri below 0.01 makes a sector of a disc, whose inner rim is the
+/// centre line. Both arcs take getArcDivideNum(c, ro, a0, a1) chords at common angles, shared in
+/// proportion between the arcs into which the walls' silhouette generators (where the radial
+/// direction is square to Z) break the sweep; a closed ring starts at the first of them. Faces,
+/// wound counter-clockwise seen from outside: for each chord the face through c, the face
+/// through c + t k, the outer wall and the inner wall (triangles and no inner wall for a disc's
+/// sector), then the end faces at a0 and at a1. Lines: the near face's outline (outer arc's
+/// chords, inner arc's, then the radial ends at a0 and a1 from the inner rim out); seen along
+/// the axis (k within 1e-9 of Z, taken as Z) the walls are edge-on and the far outline lies
+/// under the near one, so that is all, each edge drawn once; otherwise the far face's outline
+/// follows, then the edges along the axis at a0 and a1 (outer, inner; a disc's sector has one
+/// centre line), then the silhouette generators of the outer wall and of the inner wall.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
-/// null on non-finite input, a sweep a1 - a0 not above 0 (or too small to make its chords),
-/// ri negative or not below ro, ro below 0.01, t not above 0, or if an allocation fails.
+/// null on non-finite input, a null axis, a sweep a1 - a0 not above 0 (or too small to make its
+/// chords), ri negative or not below ro, ro below 0.01, t not above 0, or if an allocation fails.
+VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, double a0,
+                                         double a1, _s_hd_point_ k);
+
+/// The ring plate about the view axis: ep_divide_sad(ri, ro, t, c, a0, a1, (0, 0, 1)), a
+/// circular platform round a vertical vessel seen in plan, its near face at depth c.z.
 VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, double a0,
                                          double a1);
 

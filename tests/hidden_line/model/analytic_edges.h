@@ -7,8 +7,10 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
+#include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/solid_checks.h"
 
 namespace hdtest {
@@ -43,6 +45,39 @@ Curve closedCurve(F f) {
     for (int i = 0; i <= kCurveSamples; ++i)
         c.push_back(f(6.283185307179586 * i / kCurveSamples));
     return c;
+}
+
+// A ruled solid as the tests see it: the rim point at angle theta of each end; the generator at
+// theta joins the two. An end of radius 0 is an apex.
+struct Ruled {
+    std::function<P(double)> rimA, rimB;
+    bool apexA = false, apexB = false;
+};
+
+// The generators where the side's normal is square to Z, found by sampling the normal of the
+// surface between the rims and refining each change of sign, over the angles from..to.
+inline std::vector<Curve> contourGenerators(const Ruled& s, double from = 0.0,
+                                            double to = 6.283185307179586) {
+    auto normalZ = [&](double t) {
+        const double h = 1e-6;
+        auto mid = [&](double a) { return geolib::lerpPoint(0.5, s.rimA(a), s.rimB(a)); };
+        const P along = solid::sub(s.rimB(t), s.rimA(t));
+        const P round = solid::sub(mid(t + h), mid(t - h));
+        return solid::cross(round, along).z / (solid::norm(round) * solid::norm(along));
+    };
+    std::vector<Curve> out;
+    const int steps = 2000;
+    for (int i = 0; i < steps; ++i) {
+        double lo = from + (to - from) * i / steps, hi = from + (to - from) * (i + 1) / steps;
+        if ((normalZ(lo) < 0) == (normalZ(hi) < 0))
+            continue;
+        for (int k = 0; k < 60; ++k) {
+            const double m = 0.5 * (lo + hi);
+            ((normalZ(m) < 0) == (normalZ(lo) < 0) ? lo : hi) = m;
+        }
+        out.push_back({s.rimA(lo), s.rimB(lo)});
+    }
+    return out;
 }
 
 /// Runs every shared check on obj (a lone solid): its vertices lie on the surface (surface:

@@ -27,13 +27,6 @@ P unit(P a) {
     return scaled(1.0 / solid::norm(a), a);
 }
 
-// A ruled solid as the tests see it: the rim point at angle theta of each end; the generator at
-// theta joins the two. An end of radius 0 is an apex.
-struct Ruled {
-    std::function<P(double)> rimA, rimB;
-    bool apexA = false, apexB = false;
-};
-
 // Any unit vectors u, v square to the unit n.
 void squareTo(P n, P& u, P& v) {
     u = unit(solid::cross(n, std::fabs(n.x) < 0.6 ? P{1, 0, 0} : P{0, 1, 0}));
@@ -44,31 +37,6 @@ std::function<P(double)> circle(P c, double r, P n) {
     P u, v;
     squareTo(unit(n), u, v);
     return [=](double t) { return add(c, add(scaled(std::cos(t), u), v, std::sin(t)), r); };
-}
-
-// The generators where the side's normal is square to Z, found by sampling the normal of the
-// surface between the rims and refining each change of sign.
-std::vector<Curve> contourGenerators(const Ruled& s) {
-    auto normalZ = [&](double t) {
-        const double h = 1e-6;
-        auto mid = [&](double a) { return scaled(0.5, add(s.rimA(a), s.rimB(a))); };
-        const P along = solid::sub(s.rimB(t), s.rimA(t));
-        const P round = solid::sub(mid(t + h), mid(t - h));
-        return solid::cross(round, along).z / (solid::norm(round) * solid::norm(along));
-    };
-    std::vector<Curve> out;
-    const int steps = 2000;
-    for (int i = 0; i < steps; ++i) {
-        double lo = 6.283185307179586 * i / steps, hi = 6.283185307179586 * (i + 1) / steps;
-        if ((normalZ(lo) < 0) == (normalZ(hi) < 0))
-            continue;
-        for (int k = 0; k < 60; ++k) {
-            const double m = 0.5 * (lo + hi);
-            ((normalZ(m) < 0) == (normalZ(lo) < 0) ? lo : hi) = m;
-        }
-        out.push_back({s.rimA(lo), s.rimB(lo)});
-    }
-    return out;
 }
 
 void expectRuledSolid(_s_hd_prof_* obj, const Ruled& s, const std::string& what) {

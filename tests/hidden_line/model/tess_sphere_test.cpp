@@ -7,6 +7,7 @@
 
 #include "hd_tessellators.h"
 #include "hidden_line/model/analytic_edges.h"
+#include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/hd_walk.h"
 #include "support/alloc_hook.h"
 
@@ -34,53 +35,75 @@ TEST(EpDivideSph, SpheresAreClosedSolidsDrawnByTheirEquator) {
     }
 }
 
-// A polyline of the arc about the vertical through c at depth z, radius r, a0 to a1.
-Curve arcCurve(P c, double r, double z, double a0, double a1) {
-    Curve out;
-    for (int i = 0; i <= kCurveSamples; ++i) {
-        const double a = a0 + (a1 - a0) * i / kCurveSamples;
-        out.push_back({c.x + r * std::cos(a), c.y + r * std::sin(a), z});
-    }
-    return out;
-}
-
-// Sectors, full rings and sectors of a disc at random angles and sizes: the near face's outline
-// is drawn, once, and it is the plate's whole drawing (the far rims lie under it).
-TEST(EpDivideSad, RingPlatesAreClosedSolidsDrawnByTheirNearOutlineOnce) {
+// Sectors, full rings and sectors of a disc at random angles, sizes and axes (the view axis
+// every third case, and the axes and near them among the rest): lines on the outlines of the
+// faces, the edges along the axis and the walls' silhouettes. Seen along the axis the near
+// outline is all that is drawn, once: the hide pass shows all of it and nothing more.
+TEST(EpDivideSad, RingPlatesAreClosedSolidsDrawnByOutlinesAndWallSilhouettes) {
     SizeGen gen(37);
+    const auto axes = randomUnitVectors(60, 41);
     for (int i = 0; i < 60; ++i) {
+        const P k = i % 3 == 0 ? P{0, 0, 1} : axes[static_cast<std::size_t>(i)];
         const double ro = gen(0.02, 3000), t = gen(0.01, 100);
         const double ri = i % 5 == 0 ? 0 : ro * gen(0.05, 0.99);
         const double rim = ri < 0.01 ? 0 : ri;  // a smaller inner radius makes a disc's sector
         const double a0 = gen(0.01, 20) - 10;
         const double a1 = a0 + (i % 4 == 0 ? kTwoPi + gen(0.001, 3) : gen(0.05, 6.2));
-        const P c{gen(1, 100), gen(1, 100) - 50, gen(1, 100) - 70};
         const double end = std::fmin(a1, a0 + kTwoPi);
-        std::vector<Curve> rims;
-        for (double z : {c.z, c.z + t}) {
-            rims.push_back(arcCurve(c, ro, z, a0, end));
-            rims.push_back(arcCurve(c, rim, z, a0, end));
-            for (double a : {a0, end})
-                rims.push_back({{c.x + rim * std::cos(a), c.y + rim * std::sin(a), z},
-                                {c.x + ro * std::cos(a), c.y + ro * std::sin(a), z}});
+        const P c{gen(1, 100), gen(1, 100) - 50, gen(1, 100) - 70};
+        // The documented frame: x the projection of +X (of +Y for an axis along X), y = k x x.
+        const P ref = std::fabs(k.x) < 0.5 ? P{1, 0, 0} : P{0, 1, 0};
+        const P x = vecNormalize(linComb(1, ref, -solid::dot(ref, k), k));
+        const P y = solid::cross(k, x);
+        auto at = [&](double r, double depth) {
+            return [=](double a) {
+                return linComb(1, linComb(1, c, depth, k), r,
+                               linComb(std::cos(a), x, std::sin(a), y));
+            };
+        };
+        auto arc = [&](double r, double depth) {
+            Curve out;
+            for (int s = 0; s <= kCurveSamples; ++s)
+                out.push_back(at(r, depth)(a0 + (end - a0) * s / kCurveSamples));
+            return out;
+        };
+        std::vector<Curve> rims, contours;
+        for (double depth : {0.0, t}) {
+            rims.push_back(arc(ro, depth));
+            rims.push_back(arc(rim, depth));
+            for (double a : {a0, end}) {
+                rims.push_back({at(rim, depth)(a), at(ro, depth)(a)});
+                for (double r : {rim, ro})
+                    rims.push_back({at(r, 0)(a), at(r, t)(a)});
+            }
         }
-        for (double r : {rim, ro})
-            for (double a : {a0, end})
-                rims.push_back({{c.x + r * std::cos(a), c.y + r * std::sin(a), c.z},
-                                {c.x + r * std::cos(a), c.y + r * std::sin(a), c.z + t}});
-        std::vector<P> samples = rims[0];
-        samples.insert(samples.end(), rims[1].begin(), rims[1].end());
-        _s_hd_prof_* plate = ep_divide_sad(ri, ro, t, c, a0, a1);
+        for (double r : {ro, rim}) {
+            const auto walls = contourGenerators({at(r, 0), at(r, t)}, a0, end);
+            contours.insert(contours.end(), walls.begin(), walls.end());
+        }
+        std::vector<P> samples;
+        for (const Curve& r : rims)
+            samples.insert(samples.end(), r.begin(), r.end());
+        _s_hd_prof_* plate = ep_divide_sad(ri, ro, t, c, a0, a1, linComb(0, k, 3, k));
         const std::string what = "plate " + std::to_string(i);
-        expectTrueSolid(plate, rims, {}, samples, what.c_str());
+        expectTrueSolid(plate, rims, contours, samples, what.c_str());
         double drawn = 0, visible = 0;
         for (const auto& [a, b] : solid::lines(plate->proline))
             drawn += solid::norm(solid::sub(a, b));
         for (const auto& [a, b] : visibleAlone(plate))
             visible += solid::norm(solid::sub(a, b));
-        EXPECT_NEAR(visible, drawn, 1e-9 * drawn) << what;
+        if (std::fabs(std::fabs(k.z) - 1) <= 1e-9) {
+            EXPECT_NEAR(visible, drawn, 1e-9 * drawn) << what;
+        }
         freeHDProfObjectPointer(plate);
     }
+    // Without an axis the plate is the one about +Z.
+    _s_hd_prof_* plan = ep_divide_sad(1, 2, 0.5, {1, 2, 3}, 0.3, 2);
+    _s_hd_prof_* along = ep_divide_sad(1, 2, 0.5, {1, 2, 3}, 0.3, 2, {0, 0, 1});
+    EXPECT_EQ(linesOf(plan->proline).size(), linesOf(along->proline).size());
+    EXPECT_TRUE(same(plan->proline->end, along->proline->end));
+    freeHDProfObjectPointer(plan);
+    freeHDProfObjectPointer(along);
 }
 
 TEST(EpDivideSphSad, BadInputGivesNullAndAFailedAllocationLeaksNothing) {
@@ -103,6 +126,11 @@ TEST(EpDivideSphSad, BadInputGivesNullAndAFailedAllocationLeaksNothing) {
         {"sad infinite angle", [&] { return ep_divide_sad(1, 2, 1, o, 0, kInf); }},
         {"sad small ro", [&] { return ep_divide_sad(0, 0.005, 1, o, 0, 1); }},
         {"sad infinite thickness", [&] { return ep_divide_sad(1, 2, kInf, o, 0, 1); }},
+        {"sad null axis", [&] { return ep_divide_sad(1, 2, 1, o, 0, 1, o); }},
+        {"sad NaN axis",
+         [&] {
+             return ep_divide_sad(1, 2, 1, o, 0, 1, {kNaN, 0, 1});
+         }},
     };
     for (const auto& [what, call] : bad) {
         _s_hd_prof_* obj = call();
