@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "hd_engine.h"
 #include "hd_tessellators.h"
 #include "hidden_line/model/analytic_edges.h"
 #include "hidden_line/model/hd_builders.h"
@@ -104,6 +105,29 @@ TEST(EpDivideSad, RingPlatesAreClosedSolidsDrawnByOutlinesAndWallSilhouettes) {
     EXPECT_TRUE(same(plan->proline->end, along->proline->end));
     freeHDProfObjectPointer(plan);
     freeHDProfObjectPointer(along);
+}
+
+// The solids hide: no visible piece of a pipe entering a sphere, nor of a pipe behind it, lies
+// behind the near surface of the sphere the faces hold (radius r cos^2(pi / 8) for r = 10).
+TEST(EpDivideSph, HidesThePartOfAPipeThatEntersItAndWhatLiesBehindIt) {
+    const double h = std::cos(3.141592653589793 / 8), held = 10 * h * h - 1e-6;
+    for (const P d : randomUnitVectors(24, 43)) {
+        const P c{3, -2, 1};
+        _s_hd_prof_* objs[3] = {ep_divide_sph(c, 10), ep_divide_con(c, linComb(1, c, 30, d), 3, 3),
+                                ep_divide_con({-50, 0, 40}, {50, 0, 40}, 2, 2)};
+        _s_hd_proline_* vis = kestHideObject(objs, 3);
+        for (const auto* l = vis; l != nullptr; l = l->next) {
+            for (double s : {0.0, 0.5, 1.0}) {
+                const P p = linComb(1 - s, l->start, s, l->end);
+                const double rho = std::hypot(p.x - c.x, p.y - c.y);
+                const bool behind = rho < held && p.z > c.z - std::sqrt(held * held - rho * rho);
+                EXPECT_FALSE(l->owner != 0 && behind) << l->owner << " " << d.x << " " << d.y;
+            }
+        }
+        releaseProline(vis);
+        for (auto*& obj : objs)
+            freeHDProfObjectPointer(obj);
+    }
 }
 
 TEST(EpDivideSphSad, BadInputGivesNullAndAFailedAllocationLeaksNothing) {
