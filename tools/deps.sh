@@ -1,9 +1,14 @@
 #!/usr/bin/env bash
 # Installs what building and testing VoGeBasic needs on a Debian machine, when it is missing:
-# compiler, CMake, Ninja, GoogleTest and Google Benchmark. Does nothing when all are there.
+# compiler, CMake, Ninja, GoogleTest and Google Benchmark (with --fuzz: clang with libFuzzer).
+# Does nothing when all are there.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev pkgconf binutils)
+# With --fuzz: clang and its runtime libraries (libFuzzer, the sanitizers) for the fuzz preset.
+if [[ "${1:-}" == "--fuzz" ]]; then
+  packages=(clang libclang-rt-dev)
+fi
 missing=()
 for p in "${packages[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then

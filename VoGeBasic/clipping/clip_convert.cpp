@@ -73,13 +73,15 @@ convex* transPtArray2Convex(const std::vector<VoGePoint3D>& pts) {
 }
 
 void transConvex2PtArray(const convex* polys, std::vector<VoGePoint3D>& pts) {
-    pts.clear();
-    if (polys == nullptr)
-        return;
-    clip::walkRing(static_cast<const line*>(polys->edges), [&](const line* e) {
-        pts.push_back(e->start);
-        return true;
-    });
+    // Built aside and swapped in, so that a failed allocation leaves pts as it was.
+    std::vector<VoGePoint3D> ring;
+    if (polys != nullptr) {
+        clip::walkRing(static_cast<const line*>(polys->edges), [&](const line* e) {
+            ring.push_back(e->start);
+            return true;
+        });
+    }
+    pts.swap(ring);
 }
 
 line_cut* transLine(line* lines) {

@@ -1,6 +1,7 @@
 // Splitting outlines into convex polygons at their reflex corners.
 #include <cmath>
 #include <cstddef>
+#include <vector>
 
 #include "VoGeVector3D.h"
 #include "clip_trim.h"
@@ -150,14 +151,49 @@ bool ringInRange(const line* head) {
     return ok;
 }
 
-// No corner of the ring is reflex.
+// The ring turns back on itself at b: the edges into and out of b, both of a length, run in
+// opposite directions (the turn test takes that for a straight corner).
+bool turnsBack(const VoGePoint3D& a, const VoGePoint3D& b, const VoGePoint3D& c) {
+    const double ux = b.x - a.x;
+    const double uy = b.y - a.y;
+    const double wx = c.x - b.x;
+    const double wy = c.y - b.y;
+    const double lu = std::hypot(ux, uy);
+    const double lw = std::hypot(wx, wy);
+    if (lu < kSplitTol || lw < kSplitTol)
+        return false;
+    return (ux * wx + uy * wy) / (lu * lw) < 0.0 &&
+           std::fabs(ux * wy - wx * uy) / (lu * lw) < kSplitTol;
+}
+
+// No corner of the ring is reflex, the ring nowhere turns back on itself, and it turns once
+// round, not twice or more like a star whose every corner turns left. Edges shorter than
+// kSplitTol are merged into their neighbours first, so that a repeated vertex hides no corner.
 bool ringConvex(const line* head) {
-    bool ok = true;
-    clip::walkRing(head, [&ok](const line* e) {
-        ok = cornerTurn(e->start, e->end, e->next->end) != kReflex;
-        return ok;
+    std::vector<VoGePoint3D> corners;
+    clip::walkRing(head, [&corners](const line* e) {
+        if (corners.empty() || e->end.distance2D(corners.back()) >= kSplitTol)
+            corners.push_back(e->end);
+        return true;
     });
-    return ok;
+    while (corners.size() > 1 && corners.back().distance2D(corners.front()) < kSplitTol)
+        corners.pop_back();
+    if (corners.size() < 3)
+        return true;  // no area: nothing to be convex about
+    double turned = 0.0;
+    for (std::size_t i = 0, n = corners.size(); i < n; ++i) {
+        const VoGePoint3D& a = corners[i];
+        const VoGePoint3D& b = corners[(i + 1) % n];
+        const VoGePoint3D& c = corners[(i + 2) % n];
+        if (cornerTurn(a, b, c) == kReflex || turnsBack(a, b, c))
+            return false;
+        const double ux = b.x - a.x;
+        const double uy = b.y - a.y;
+        const double wx = c.x - b.x;
+        const double wy = c.y - b.y;
+        turned += std::atan2(ux * wy - wx * uy, ux * wx + uy * wy);
+    }
+    return std::fabs(turned - clip::kFullTurn) < clip::kOneTurnTol;
 }
 
 }  // namespace

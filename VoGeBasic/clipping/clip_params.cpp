@@ -47,6 +47,9 @@ struct Walk {
 };
 
 CutResult removeFromLine(paramt*& list, double a, double b) {
+    // A NaN end would end up in the list; an infinite one cuts to the end of the piece.
+    if (std::isnan(a) || std::isnan(b))
+        return CutResult::refused;
     if (std::fabs(b - a) < kIntervalEndTol || a > b)
         return CutResult::refused;
     for (Walk w(list); w.node() != nullptr;) {
@@ -84,6 +87,9 @@ CutResult removeFromLine(paramt*& list, double a, double b) {
 }
 
 CutResult removeFromArc(paramt*& list, double a, double b) {
+    // Angles that are not finite are no angles: they would end up in the list.
+    if (!std::isfinite(a) || !std::isfinite(b))
+        return CutResult::refused;
     if (std::fabs(b - a) < kIntervalEndTol)
         return CutResult::refused;
     const double a1 = b < a ? a - kFullTurn : a;  // a cut through angle 0
@@ -143,9 +149,8 @@ bool subParamt(paramt*& list, double a, double b, bool isArc) {
 }
 
 bool cutPipeParamt(line_cut* lc, double a, double b) {
-    if (lc != nullptr)
-        subParamt(lc->params, a, b, false);
-    return true;
+    // A refused range is no failure for the line form; a split without memory is.
+    return lc == nullptr || clip::removeInterval(lc->params, a, b, false) != CutResult::noMemory;
 }
 
 bool cutArcParamt(arc_cut* ac, double a, double b) {

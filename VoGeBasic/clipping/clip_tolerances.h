@@ -42,6 +42,9 @@ constexpr double kSplitFar = 1e12;
 /// ConvexIdentify refuses a ring with a coordinate beyond this in magnitude: its turn tests and
 /// line intersections multiply two coordinate differences, which must not overflow.
 constexpr double kSplitCoordLimit = 1e150;
+/// ConvexIdentify: the turning angles of a closed ring add up to a whole number of turns; a sum
+/// within this of one turn is one (a star turns twice).
+constexpr double kOneTurnTol = 0.1;
 
 // ---- view boxes --------------------------------------------------------------------------------
 /// viewBoxTrimLine: a view shows the piece as a point when both of its coordinate differences

@@ -127,10 +127,13 @@ bool convexTrimLineSeg(convex* polys, line_cut* pieces) {
             if (poly->edges == nullptr)
                 continue;
             Crossing c = crossPolygon(poly->edges, s, e);
-            // A piece that starts (or ends) on an edge's line and leaves the polygon over the
-            // corner at the end of that edge crosses no edge strictly: with one end outside an
-            // edge it is not wholly inside, and it is cut at that corner.
-            if (c.count == 0 && c.sInside != c.eInside && c.cornerSeen) {
+            // With one end strictly outside an edge and no crossing recorded, the piece is not
+            // wholly inside: its other end lies on the outline within the side tolerance. When
+            // it leaves over a corner at the end of an edge on whose line it starts (or ends),
+            // it is cut at that corner; otherwise it only touches the polygon and keeps all.
+            if (c.count == 0 && c.sInside != c.eInside) {
+                if (!c.cornerSeen)
+                    continue;
                 c.count = 1;
                 c.t[0] = c.corner;
             }

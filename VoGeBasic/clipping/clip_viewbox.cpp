@@ -18,6 +18,7 @@ void getBoxAlongPipe(const VoGePoint3D& a, const VoGePoint3D& b, double width,
     const VoGeVector3D n = VoGeVector3D(-d.y, d.x, 0.0).normalize();
     const double h = 0.5 * width;
     const VoGePoint3D corners[4] = {a + n * h, a - n * h, b - n * h, b + n * h};
+    out.reserve(out.size() + 4);  // all four corners or, if that allocation fails, none
     for (VoGePoint3D c : corners) {
         c.z = 0.0;
         out.push_back(c);
@@ -28,6 +29,10 @@ void get3DBoxProject2d(const VoGePoint3D& p, const VoGePoint3D& q, std::vector<V
                        std::vector<VoGePoint3D>& yz, std::vector<VoGePoint3D>& xz) {
     const double midY = (p.y + q.y) / 2.0;
     const double midZ = (p.z + q.z) / 2.0;
+    // Room in all three first: a failed allocation leaves all three as they were.
+    xy.reserve(xy.size() + 4);
+    yz.reserve(yz.size() + 4);
+    xz.reserve(xz.size() + 4);
     getBoxAlongPipe(VoGePoint3D(p.x, midY, 0.0), VoGePoint3D(q.x, midY, 0.0), q.y - p.y, xy);
     getBoxAlongPipe(VoGePoint3D(p.y, midZ, 0.0), VoGePoint3D(q.y, midZ, 0.0), q.z - p.z, yz);
     getBoxAlongPipe(VoGePoint3D(p.x, midZ, 0.0), VoGePoint3D(q.x, midZ, 0.0), q.z - p.z, xz);

@@ -120,7 +120,9 @@ double VoGeVector3D::length() const {
 // Written as "unless the length reaches the limit" so that a NaN length has no direction too.
 VoGeVector3D VoGeVector3D::normalize() const {
     const double len = length();
-    if (!(kNormaliseMinLength <= len))
+    // An infinite length (an infinite component, or squares beyond the largest double) would
+    // give NaN or zero components, no unit vector: such a vector normalises to zero like NaN.
+    if (!(kNormaliseMinLength <= len) || std::isinf(len))
         return VoGeVector3D();
     return VoGeVector3D(x / len, y / len, z / len);
 }

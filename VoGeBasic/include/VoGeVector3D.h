@@ -62,7 +62,8 @@ public:
     VoGeVector3D crossProduct(const VoGeVector3D& w) const;
     double length() const;
 
-    /// Unit copy; the zero vector when the length is below 1e-4 (or not a number).
+    /// Unit copy; the zero vector when the length is below 1e-4, not a number or infinite (an
+    /// infinite component, or a vector so long that its squared length overflows).
     VoGeVector3D normalize() const;
     /// Normalises in place with the same rule; returns *this.
     const VoGeVector3D& normalize();

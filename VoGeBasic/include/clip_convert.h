@@ -30,7 +30,8 @@ VOGEBASIC_API void transformConvex(convex* polys, const VoGeMatrix3D& m);
 /// if pts is empty or an allocation fails.
 VOGEBASIC_API convex* transPtArray2Convex(const std::vector<VoGePoint3D>& pts);
 /// Clears pts, then appends the start of every edge of the first polygon of the list, round its
-/// ring from `edges`. A null list leaves pts empty.
+/// ring from `edges`. A null list leaves pts empty. Throws only the container's own allocation
+/// errors, leaving pts as it was.
 VOGEBASIC_API void transConvex2PtArray(const convex* polys, std::vector<VoGePoint3D>& pts);
 /// One piece with the interval [0, 1] for each edge of the list, in list order; a ring is
 /// converted once round. Returns a new list owned by the caller; release it with freeLineCut.

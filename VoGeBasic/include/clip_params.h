@@ -17,13 +17,14 @@ namespace geolib {
 /// range whose b is below a runs through angle 0; after the cut every interval start or end
 /// below 0 gets 2pi added, so that arc intervals stay within [0, 2pi] (a cut through angle 0
 /// that shortens an interval through angle 0 would otherwise leave it ending below 0).
-/// Returns false and leaves the list untouched for a range shorter than 1e-6,
+/// Returns false and leaves the list untouched for a NaN end (and, for an arc, an infinite
+/// one), for a range shorter than 1e-6,
 /// for a line range with a > b, and when splitting an interval needs an allocation that fails
 /// (that interval is then left whole and the walk ends there); otherwise true.
 VOGEBASIC_API bool subParamt(paramt*& list, double a, double b, bool isArc);
-/// subParamt(lc->params, a, b, false). Returns true always, even when the range was refused
-/// (kept deliberately: callers of the line form never see a refusal); a null piece is left
-/// alone.
+/// subParamt(lc->params, a, b, false). Returns true even when the range was refused (kept
+/// deliberately: callers of the line form never see a refusal); a null piece is left alone.
+/// Returns false only when splitting an interval needed an allocation that failed.
 VOGEBASIC_API bool cutPipeParamt(line_cut* lc, double a, double b);
 /// subParamt(ac->params, a, b, true) and its result. Returns false for a null arc.
 VOGEBASIC_API bool cutArcParamt(arc_cut* ac, double a, double b);

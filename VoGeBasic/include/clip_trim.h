@@ -22,12 +22,13 @@ namespace geolib {
 /// tried against the later polygons; a piece that is a point in the plan (both plan extents
 /// within 1e-4) is left alone; a piece touching a polygon only at a corner, or meeting an
 /// edge's line only at its own end, is not cut, while a stretch lying along an edge counts as
-/// inside. A piece that starts on an edge's line and leaves the polygon over the corner at
-/// that edge's end (within 1e-4 of it) crosses no edge strictly; it is cut at that corner, so
-/// that what lies outside stays visible (a centre line leaving equipment near a corner does not
-/// disappear). A null polygon list, and a polygon without edges, hide nothing. Returns true,
-/// or false when splitting an interval needed an allocation that failed (the pieces are then
-/// trimmed as far as they got).
+/// inside. A piece with one end outside the polygon is never taken as wholly inside: when it
+/// starts on an edge's line and leaves over the corner at that edge's end (within 1e-4 of it),
+/// crossing no edge strictly, it is cut at that corner, and when it merely touches the outline
+/// with its other end it is not cut, so that what lies outside stays visible (a centre line
+/// leaving equipment near a corner does not disappear). A null polygon list, and a polygon without
+/// edges, hide nothing. Returns true, or false when splitting an interval needed an allocation that
+/// failed (the pieces are then trimmed as far as they got).
 VOGEBASIC_API bool convexTrimLineSeg(convex* polys, line_cut* pieces);
 /// One new piece from s to e (three doubles each, copied) with params [0, 1], trimmed by
 /// convexTrimLineSeg. Returns a new piece owned by the caller (its params the visible

@@ -21,13 +21,14 @@ namespace geolib {
 /// of the given width centred on the plan segment a-b, n the unit plan normal (-d.y, d.x) of
 /// d = b - a and h half the width, each with z = 0. A positive width gives a counter-clockwise
 /// ring, a negative one a clockwise ring; a segment shorter than 1e-4 in the plan has no normal
-/// and gives four copies of a and b.
+/// and gives four copies of a and b. Throws only the container's own allocation errors, leaving
+/// out as it was.
 VOGEBASIC_API void getBoxAlongPipe(const VoGePoint3D& a, const VoGePoint3D& b, double width,
                                    std::vector<VoGePoint3D>& out);
 /// Appends the rectangles of the box with minimum corner p and maximum corner q in the three
 /// views: to xy the plan (x, y), to yz the side view (y first, z second), to xz the front view
 /// (x first, z second), each as getBoxAlongPipe builds it between the middles of two opposite
-/// sides.
+/// sides. Throws only the containers' own allocation errors, leaving all three as they were.
 VOGEBASIC_API void get3DBoxProject2d(const VoGePoint3D& p, const VoGePoint3D& q,
                                      std::vector<VoGePoint3D>& xy, std::vector<VoGePoint3D>& yz,
                                      std::vector<VoGePoint3D>& xz);
@@ -38,7 +39,9 @@ VOGEBASIC_API void get3DBoxProject2d(const VoGePoint3D& p, const VoGePoint3D& q,
 /// u1 = 0 when a view misses the piece (a piece that is a point in every view included) or when
 /// the ranges of the views have nothing in common, so that a true result always carries
 /// u0 <= u1 (each view alone can see a piece cross a thin box that it misses); false
-/// with u0, u1 as they were when box is null or an allocation fails.
+/// with u0, u1 as they were when box is null or an allocation fails. The view rectangles are
+/// built in standard containers, whose allocation errors (std::bad_alloc) pass through, with
+/// nothing left allocated.
 VOGEBASIC_API bool viewBoxTrimLine(const Box3D* box, const VoGePoint3D& p0, const VoGePoint3D& p1,
                                    double& u0, double& u1);
 

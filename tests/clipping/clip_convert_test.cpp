@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "VoGeMatrix3D.h"
 #include "clipping/clip_test_support.h"
 #include "support/alloc_hook.h"
@@ -103,6 +105,21 @@ TEST(LinesAndPieces, EdgesBecomePiecesAndIntervalsBecomeEdges) {
     freeParamt(copy);
     vgtest::forEachAllocationFailure([&] { freeParamt(copyParamt(lc->params)); });
     freeLineCut(lc);
+}
+
+TEST(PointArrays, ContainerFailurePassesThroughLeavingThePointsAsTheyWere) {
+    convex* sq = vgtest::polygonOf({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
+    vgtest::forEachNewFailure([sq] {
+        std::vector<VoGePoint3D> pts(2);
+        try {
+            transConvex2PtArray(sq, pts);
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(pts.size(), 2u);
+            throw;
+        }
+        EXPECT_EQ(pts.size(), 4u);
+    });
+    freeConvex(sq);
 }
 
 }  // namespace

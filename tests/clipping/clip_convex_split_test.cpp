@@ -166,6 +166,17 @@ TEST(ConvexIdentify, TrueMeansConvexPiecesAndHugeOrNaNRingsAreRefused) {
         EXPECT_EQ(piecesOf(p).count, 1);
         freeConvex(p);
     }
+    // Rings the splitting cannot make convex: every corner of a star turning left (two turns
+    // round), a reflex corner behind a repeated vertex, a spike that turns back on itself.
+    const Outline twoTurns = {{2.39, -12.08}, {11.28, -1},    {-18.47, 19.41},
+                              {1, -2},        {15.76, -0.41}, {-1.66, -0.21}};
+    const Outline hiddenReflex = {{0, 0}, {-4, 4}, {-10, -1}, {1, -4}, {9, 0}, {-1, 18}, {0, 0}};
+    const Outline spike = {{0, 0}, {10, 0}, {10, 5}, {12, 5}, {0, 5}};
+    for (const Outline& ring : {twoTurns, hiddenReflex, spike}) {
+        convex* p = polygonOf(ring);
+        EXPECT_FALSE(ConvexIdentify(p));
+        freeConvex(p);
+    }
     const Outline bowTie = {{0, 0}, {4, 4}, {4, 0}, {0, 4}};
     const Outline star = {{0, 0}, {6, 3}, {0, 6}, {3, -2}, {3, 8}};
     const Outline looped = {{0, 0}, {5, 0}, {5, 5}, {2, -2}, {0, 5}};

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <limits>
 
 #include "clipping/clip_test_support.h"
 #include "support/alloc_hook.h"
@@ -157,6 +158,16 @@ TEST(FindFitParamt, FirstIntervalHoldingAnEndOrLyingWithin) {
 // angle 0 are disjoint: random cuts on a full circle, each list checked against a sampling of
 // the circle.
 TEST(ArcIntervals, StayInTheTurnAndTheirGapsAreTheirComplement) {
+    {  // Ends that are no numbers (or, for an arc, no angles) are refused.
+        paramt* list = listOf({{0, 1}});
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        const double inf = std::numeric_limits<double>::infinity();
+        EXPECT_FALSE(subParamt(list, nan, 0.5, false));
+        EXPECT_FALSE(subParamt(list, 0.2, nan, true));
+        EXPECT_FALSE(subParamt(list, 0.2, inf, true));
+        EXPECT_TRUE(sameIntervals(intervalsOf(list), {{0, 1}}, 0.0));
+        freeParamt(list);
+    }
     {  // A cut through angle 0 that shortens an interval through angle 0.
         paramt* list = listOf({{3.92699, 0}});
         EXPECT_TRUE(subParamt(list, 5.49779, 0, true));
@@ -206,6 +217,35 @@ TEST(ArcIntervals, StayInTheTurnAndTheirGapsAreTheirComplement) {
         freeParamt(gaps);
         freeParamt(list);
     }
+}
+
+// Every allocating interval function, each allocation failing in turn: the failure value
+// (null, or false from the cut forms, whose list is then left whole) and nothing leaked.
+TEST(IntervalFunctions, EveryFailedAllocationLeavesNothingBehind) {
+    paramt* arcs = listOf({{4, 1}, {2, 3}});
+    vgtest::forEachAllocationFailure([&] { freeParamt(getHideParamt(arcs, 0, kTwoPi, true)); });
+    freeParamt(arcs);
+    const double c[3] = {0, 0, 0};
+    arc_cut* ac = mallocArcCut(c, 1.0, 0.0, kTwoPi);
+    ASSERT_TRUE(cutArcParamt(ac, 1, 2) && cutArcParamt(ac, 3, 4));
+    vgtest::forEachAllocationFailure([&] { freeParamt(getHideParamArc(ac)); });
+    freeArcCut(ac);
+    vgtest::forEachAllocationFailure([] {
+        line_cut* lc = mallocLineCut(VoGePoint3D(0, 0, 0), VoGePoint3D(1, 0, 0));
+        if (lc == nullptr)
+            return;
+        const bool ok = cutPipeParamt(lc, 0.2, 0.4);
+        EXPECT_EQ(ok, lc->params->next != nullptr);  // split, or reported and left whole
+        freeLineCut(lc);
+    });
+    vgtest::forEachAllocationFailure([&c] {
+        arc_cut* a = mallocArcCut(c, 1.0, 0.0, kTwoPi);
+        if (a == nullptr)
+            return;
+        const bool ok = cutArcParamt(a, 1, 2);
+        EXPECT_EQ(ok, a->params->next != nullptr);
+        freeArcCut(a);
+    });
 }
 
 }  // namespace

@@ -89,4 +89,18 @@ TEST(BoxSpace, BoxesThatShareAFaceIntersect) {
     EXPECT_FALSE(a.contain(VoGePoint3D(0.5, 0.5, -2 * kBoxTol)));
 }
 
+// Each record allocator alone: a failed allocation gives null and leaves nothing.
+TEST(ClipRecordsAlloc, EveryAllocatorFailsCleanly) {
+    vgtest::forEachAllocationFailure([] { freeParamt(mallocParamt(true)); });
+    vgtest::forEachAllocationFailure([] { freeLine(mallocLine()); });
+    vgtest::forEachAllocationFailure([] { freeLineCut(mallocLineCut()); });
+    vgtest::forEachAllocationFailure(
+        [] { freeLineCut(mallocLineCut(VoGePoint3D(0, 0, 0), VoGePoint3D(1, 0, 0))); });
+    vgtest::forEachAllocationFailure([] { freeArc(mallocArc()); });
+    vgtest::forEachAllocationFailure([] { freeArcCut(mallocArcCut()); });
+    vgtest::forEachAllocationFailure([] { freeCircle(mallocCircle()); });
+    vgtest::forEachAllocationFailure([] { freePoint(mallocPoint()); });
+    vgtest::forEachAllocationFailure([] { freeConvex(mallocConvex()); });
+}
+
 }  // namespace

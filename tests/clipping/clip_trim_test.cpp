@@ -237,6 +237,16 @@ TEST(PolygonTrimLine, PieceLeavingOverACornerFromAnEdgesLineStaysVisibleOutside)
     EXPECT_GT(u0, u1);  // within the side tolerance of the start: nothing to report
     freeConvex(sq);
 
+    // A piece starting within the side tolerance of a sliver's corner and leaving it: one end
+    // outside, no crossing recorded; it only touches the sliver and keeps all.
+    convex* sliver = polygonOf({{-14.207762942594581, 0.0001}, {-1e-9, -1e-9}, {0.0001, 0.0003}});
+    line_cut* touching =
+        polygonTrimLine(sliver, VoGePoint3D(0.0001, 0.0001, 0), VoGePoint3D(-9.04, -25, 0));
+    ASSERT_NE(touching, nullptr);
+    EXPECT_TRUE(sameIntervals(intervalsOf(touching->params), {{0, 1}}, 0.0));
+    freeLineCut(touching);
+    freeConvex(sliver);
+
     // A triangle with a corner beyond 1e150 overflows the side values: the call ends and the
     // intervals stay sorted within [0, 1].
     convex* far = polygonOf({{0, 0}, {-1e155, -1e155}, {1, 0}});
@@ -251,6 +261,29 @@ TEST(PolygonTrimLine, PieceLeavingOverACornerFromAnEdgesLineStaysVisibleOutside)
     EXPECT_LE(last, 1.0);
     freeLineCut(p2);
     freeConvex(far);
+}
+
+// Several pieces over several polygons, the point form of polygonTrimLine, circles as chords
+// and trimmed: each allocation failing in turn gives the failure value and leaks nothing.
+TEST(Trimming, EveryFailedAllocationLeavesNothingBehind) {
+    convex* polys = square(0, 0, 2);
+    polys->next = square(4, -1, 2);
+    polys->next->next = polygonOf({{10, 1}, {9, 2}, {8, 1}, {9, 0}});
+    vgtest::forEachAllocationFailure([&] {
+        line_cut* pieces = mallocLineCut(VoGePoint3D(-1, 1, 0), VoGePoint3D(11, 1, 0));
+        if (pieces == nullptr)
+            return;
+        pieces->next = mallocLineCut(VoGePoint3D(-1, 0.5, 0), VoGePoint3D(11, 0.7, 0));
+        if (pieces->next != nullptr)
+            convexTrimLineSeg(polys, pieces);
+        freeLineCut(pieces);
+    });
+    vgtest::forEachAllocationFailure(
+        [&] { freeLineCut(polygonTrimLine(polys, VoGePoint3D(-1, 1, 0), VoGePoint3D(11, 1, 0))); });
+    double c[3] = {5, 1, 0};
+    vgtest::forEachAllocationFailure([&] { freeLineCut(divide_circle2line(c, 3, 0.5, 100)); });
+    vgtest::forEachAllocationFailure([&] { freeArcCut(polygonTrimCircle(polys, c, 3)); });
+    freeConvex(polys);
 }
 
 }  // namespace

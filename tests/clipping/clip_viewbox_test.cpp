@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
+#include <new>
+
 #include <cmath>
 #include <limits>
 
@@ -135,6 +139,37 @@ TEST(ViewBoxTrimLine, ViewsWithNothingInCommonMissTheBox) {
     EXPECT_FALSE(viewBoxTrimLine(&box, P(-16, -13.97, 1), P(-13.999, -14, -20), u0, u1));
     EXPECT_EQ(u0, 1.0);
     EXPECT_EQ(u1, 0.0);
+}
+
+// The functions that build their points in standard containers: a failed allocation throws
+// std::bad_alloc out of the call, leaves nothing allocated and the caller's vectors as they were.
+TEST(ViewBoxes, ContainerFailuresPassThroughLeavingTheCallersVectorsAsTheyWere) {
+    vgtest::forEachNewFailure([] {
+        std::vector<P> out(1, P(9, 9, 9));
+        try {
+            getBoxAlongPipe(P(0, 0, 0), P(10, 0, 0), 2, out);
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(out.size(), 1u);
+            throw;
+        }
+        EXPECT_EQ(out.size(), 5u);
+    });
+    vgtest::forEachNewFailure([] {
+        std::vector<P> xy(1), yz(1), xz(1);
+        try {
+            get3DBoxProject2d(P(0, 0, 0), P(1, 2, 3), xy, yz, xz);
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(xy.size() + yz.size() + xz.size(), 3u);
+            throw;
+        }
+    });
+    Box3D box;
+    box.set(P(0, 0, 0), P(10, 10, 10));
+    vgtest::forEachNewFailure([&box] {
+        double u0 = 7;
+        double u1 = 7;
+        viewBoxTrimLine(&box, P(-5, 5, 5), P(15, 5, 5), u0, u1);
+    });
 }
 
 }  // namespace

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "support/alloc_hook.h"
+
+#include <new>
+
 #include <cmath>
 
 #include "VoGeCircle3d.h"
@@ -100,6 +104,19 @@ TEST(AngleToX, StaysBelowTheFullTurn) {
     ASSERT_TRUE(geolib::getArcParamFromPoints(VoGePoint3D(1, -1e-17, 0), VoGePoint3D(0, 1, 0),
                                               VoGePoint3D(-1, 0, 0), arc, a0, a1));
     EXPECT_TRUE(a0 >= 0 && a0 < 2 * kPi) << a0;
+}
+
+TEST(Keypoints, ContainerFailurePassesThroughLeavingThePairsAsTheyWere) {
+    vgtest::forEachNewFailure([] {
+        std::vector<std::pair<short, VoGePoint3D>> kps(1);
+        try {
+            setKeypointOfNo(kps, 7, VoGePoint3D(1, 2, 3));
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(kps.size(), 1u);
+            throw;
+        }
+        EXPECT_EQ(kps.size(), 2u);
+    });
 }
 
 }  // namespace

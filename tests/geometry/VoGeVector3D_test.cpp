@@ -22,6 +22,10 @@ TEST(VoGeVector3DNormalize, ShortVectorsHaveNoDirection) {
     EXPECT_EQ(VoGeVector3D(0, 3, 4).normalize().y, 0.6);
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_TRUE(near3(VoGeVector3D(nan, 1, 0).normalize(), 0, 0, 0, 0.0));
+    // An infinite length gives no unit vector either.
+    const double inf = std::numeric_limits<double>::infinity();
+    EXPECT_TRUE(near3(VoGeVector3D(4, 3, -inf).normalize(), 0, 0, 0, 0.0));
+    EXPECT_TRUE(near3(VoGeVector3D(1e200, 1e200, 0).normalize(), 0, 0, 0, 0.0));
     // The const form leaves the object alone; the in-place form overwrites it.
     const VoGeVector3D c(0, 0, 5);
     EXPECT_EQ(c.normalize().z, 1.0);

@@ -1,0 +1,220 @@
+// Fuzz target: outlines of any shape split into convex pieces, and pieces, arcs and view
+// boxes trimmed against them. Checks that a split that succeeds gives convex pieces, that what
+// trimming removes lies inside the outlines, that interval lists stay sorted, disjoint and in
+// their domain, and that the one-range reports keep their ranges.
+#include <algorithm>
+#include <vector>
+
+#include "VoGeBasic.h"
+#include "tests/fuzz/fuzz_support.h"
+
+namespace {
+
+using namespace geolib;
+
+constexpr double kTurn = 6.283185307179586;
+
+// The ring's corners in order.
+std::vector<VoGePoint3D> cornersOf(const convex* poly) {
+    std::vector<VoGePoint3D> out;
+    const line* e = poly->edges;
+    if (e == nullptr)
+        return out;
+    do {
+        out.push_back(e->start);
+        e = e->next;
+    } while (e != nullptr && e != poly->edges && out.size() < 100000);
+    return out;
+}
+
+// Convex by the splitting's own measure: with edges shorter than 0.001 merged away, no corner
+// turns right (unit directions' cross product below -0.001) or back, and the ring turns once.
+bool convexRing(std::vector<VoGePoint3D> c) {
+    std::vector<VoGePoint3D> m;
+    if (!c.empty())  // merged as the splitting merges them: from the head edge's end
+        std::rotate(c.begin(), c.begin() + 1, c.end());
+    for (const VoGePoint3D& p : c) {
+        if (m.empty() || std::hypot(p.x - m.back().x, p.y - m.back().y) >= 0.001)
+            m.push_back(p);
+    }
+    while (m.size() > 1 && std::hypot(m.back().x - m[0].x, m.back().y - m[0].y) < 0.001)
+        m.pop_back();
+    if (m.size() < 3)
+        return true;
+    double turned = 0.0;
+    for (size_t i = 0, n = m.size(); i < n; ++i) {
+        const VoGePoint3D& a = m[i];
+        const VoGePoint3D& b = m[(i + 1) % n];
+        const VoGePoint3D& d = m[(i + 2) % n];
+        const double l1 = std::hypot(b.x - a.x, b.y - a.y);
+        const double l2 = std::hypot(d.x - b.x, d.y - b.y);
+        const double cross = ((b.x - a.x) * (d.y - b.y) - (b.y - a.y) * (d.x - b.x)) / (l1 * l2);
+        const double dot = ((b.x - a.x) * (d.x - b.x) + (b.y - a.y) * (d.y - b.y)) / (l1 * l2);
+        if (cross < -0.001 || (dot < 0.0 && cross < 0.001))
+            return false;  // a right turn, or the ring turning back on itself
+        turned += std::atan2(cross, dot);
+    }
+    return std::fabs(turned - kTurn) < 0.1;
+}
+
+// How far p lies outside the convex counter-clockwise ring (0 inside), and the shortest edge.
+double outside(const std::vector<VoGePoint3D>& c, double x, double y, double& shortest) {
+    double worst = 0.0;
+    shortest = HUGE_VAL;
+    for (size_t i = 0, n = c.size(); i < n; ++i) {
+        const VoGePoint3D& p = c[i];
+        const VoGePoint3D& q = c[(i + 1) % n];
+        const double len = std::hypot(q.x - p.x, q.y - p.y);
+        if (len < 0.001)
+            continue;  // shorter edges have no direction for the splitting either
+        shortest = std::fmin(shortest, len);
+        const double d = ((p.y - y) * (q.x - x) - (q.y - y) * (p.x - x)) / len;
+        worst = std::fmax(worst, d);
+    }
+    return worst;
+}
+
+void checkIntervals(const paramt* list, double end) {
+    double last = -1.0;
+    for (const paramt* p = list; p != nullptr; p = p->next) {
+        VG_FUZZ_CHECK(p->t0 >= 0.0 && p->t1 <= end && p->t0 <= p->t1,
+                      "visible intervals run forward within the domain");
+        VG_FUZZ_CHECK(p->t0 >= last - 1e-6, "visible intervals sorted and disjoint");
+        last = p->t1;
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    FuzzedDataProvider in(data, size);
+    // Outlines: a box, or rings of any shape.
+    convex* polys = nullptr;
+    bool split = true;
+    if (in.ConsumeBool()) {
+        BOX b;
+        const double x = vgfuzz::number(in, 20.0), y = vgfuzz::number(in, 20.0);
+        b.set(x, x + std::fabs(vgfuzz::number(in, 20.0)), y,
+              y + std::fabs(vgfuzz::number(in, 20.0)));
+        polys = convertBox2Convex(&b);
+    } else {
+        const int rings = in.ConsumeIntegralInRange<int>(1, 3);
+        convex** link = &polys;
+        for (int r = 0; r < rings; ++r) {
+            std::vector<VoGePoint3D> pts;
+            const int n = in.ConsumeIntegralInRange<int>(3, 10);
+            for (int k = 0; k < n; ++k)
+                pts.emplace_back(vgfuzz::number(in, 20.0), vgfuzz::number(in, 20.0), 0.0);
+            *link = transPtArray2Convex(pts);
+            while (*link != nullptr)
+                link = &(*link)->next;
+        }
+        split = ConvexIdentify(polys);
+        if (split) {
+            for (const convex* p = polys; p != nullptr; p = p->next) {
+                if (!convexRing(cornersOf(p)) && getenv("VG_FUZZ_TRACE")) {
+                    std::fprintf(stderr, "ring:");
+                    for (const auto& q : cornersOf(p))
+                        std::fprintf(stderr, " (%.17g, %.17g)", q.x, q.y);
+                    std::fprintf(stderr, "\n");
+                }
+                VG_FUZZ_CHECK(convexRing(cornersOf(p)),
+                              "a split that succeeds gives convex pieces");
+            }
+        }
+    }
+    if (polys == nullptr || !split) {
+        freeConvex(polys);
+        return 0;
+    }
+    std::vector<std::vector<VoGePoint3D>> rings;
+    bool ordinaryRings = true;
+    for (const convex* p = polys; p != nullptr; p = p->next) {
+        rings.push_back(cornersOf(p));
+        for (const VoGePoint3D& q : rings.back())
+            ordinaryRings = ordinaryRings && vgfuzz::ordinary({q.x, q.y}, 1e4);
+    }
+
+    // Straight pieces: what trimming removes lies inside an outline.
+    const int pieces = in.ConsumeIntegralInRange<int>(0, 4);
+    for (int k = 0; k < pieces; ++k) {
+        double s[3] = {vgfuzz::number(in, 25.0), vgfuzz::number(in, 25.0), 0.0};
+        double e[3] = {vgfuzz::number(in, 25.0), vgfuzz::number(in, 25.0), 0.0};
+        line_cut* piece = polygonTrimLine(polys, s, e);
+        VG_FUZZ_CHECK(piece != nullptr, "trimming a piece succeeds");
+        checkIntervals(piece->params, 1.0);
+        const double len = std::hypot(e[0] - s[0], e[1] - s[1]);
+        if (ordinaryRings && vgfuzz::ordinary({s[0], s[1], e[0], e[1]}, 1e4)) {
+            paramt* gaps = getHideParamLine(piece);
+            for (const paramt* g = gaps; g != nullptr; g = g->next) {
+                if ((g->t1 - g->t0) * len < 0.01)
+                    continue;
+                const double t = 0.5 * (g->t0 + g->t1);
+                const double x = s[0] + t * (e[0] - s[0]);
+                const double y = s[1] + t * (e[1] - s[1]);
+                bool inside = false;
+                for (const auto& c : rings) {
+                    double shortest = 0.0;
+                    const double off = outside(c, x, y, shortest);
+                    // Side values are measured unscaled against 1e-4: near an edge of length L
+                    // a point within 1e-4 / L of its line counts as on it.
+                    inside = inside || off <= 2e-4 / std::fmax(shortest, 1e-12) + 1e-3 * len;
+                }
+                if (!inside && getenv("VG_FUZZ_TRACE")) {
+                    std::fprintf(stderr,
+                                 "piece (%.17g, %.17g) -> (%.17g, %.17g) gap [%.17g, %.17g]\n",
+                                 s[0], s[1], e[0], e[1], g->t0, g->t1);
+                    for (const auto& c : rings) {
+                        std::fprintf(stderr, "ring:");
+                        for (const auto& q : c)
+                            std::fprintf(stderr, " (%.17g, %.17g)", q.x, q.y);
+                        std::fprintf(stderr, "\n");
+                    }
+                }
+                VG_FUZZ_CHECK(inside, "what trimming removes lies inside an outline");
+            }
+            freeParamt(gaps);
+        }
+        double u0 = 0.0;
+        double u1 = 0.0;
+        VG_FUZZ_CHECK(box2DTrimLine(polys, s, e, u0, u1), "box2DTrimLine succeeds");
+        VG_FUZZ_CHECK((u0 == 1.0 && u1 == 0.0) || (u0 >= 0.0 && u0 <= u1 && u1 <= 1.0),
+                      "the hidden range lies within the piece, or is the empty range");
+        freeLineCut(piece);
+    }
+
+    // An arc: its visible intervals are angles of the turn, sorted.
+    if (in.ConsumeBool()) {
+        double c[3] = {vgfuzz::number(in, 20.0), vgfuzz::number(in, 20.0), 0.0};
+        const double r = std::fabs(vgfuzz::number(in, 20.0));
+        const double a0 = in.ConsumeFloatingPointInRange<double>(0.0, kTurn);
+        const double a1 = in.ConsumeFloatingPointInRange<double>(0.0, kTurn);
+        arc_cut* arc = polygonTrimArc(polys, c, r, a0, a1);
+        if (arc != nullptr) {
+            for (const paramt* p = arc->params; p != nullptr; p = p->next)
+                if (getenv("VG_FUZZ_TRACE"))
+                    std::fprintf(stderr,
+                                 "arc c=(%.17g,%.17g) r=%.17g a0=%.17g a1=%.17g: [%.17g, %.17g]\n",
+                                 c[0], c[1], r, a0, a1, p->t0, p->t1);
+            for (const paramt* p = arc->params; p != nullptr; p = p->next)
+                VG_FUZZ_CHECK(p->t0 >= 0.0 && p->t0 <= kTurn && p->t1 >= 0.0 && p->t1 <= kTurn,
+                              "arc intervals lie within the turn");
+            freeArcCut(arc);
+        }
+    }
+
+    // A view box: a true result carries a range within the piece.
+    if (in.ConsumeBool()) {
+        Box3D box;
+        box.set(VoGePoint3D(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in)),
+                VoGePoint3D(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in)));
+        const VoGePoint3D p0(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in));
+        const VoGePoint3D p1(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in));
+        double u0 = 0.0;
+        double u1 = 0.0;
+        if (viewBoxTrimLine(&box, p0, p1, u0, u1))
+            VG_FUZZ_CHECK(u0 >= 0.0 && u0 <= u1 && u1 <= 1.0, "a view box range within the piece");
+    }
+    freeConvex(polys);
+    return 0;
+}

@@ -1,0 +1,261 @@
+// Fuzz target: scenes of every tessellator, registered for face intersection, through the
+// hide pass. Checks that every box holds its object, that the engine gives what the plain
+// step-by-step pass gives, node for node and bit for bit, and that the visible pieces lie on
+// their lines, in order from each line's near end and disjoint.
+#include <cstring>
+#include <vector>
+
+#include "hd_engine.h"
+#include "hd_tessellators.h"
+#include "hidden_line/engine/hd_engine_internal.h"
+#include "tests/fuzz/fuzz_support.h"
+
+namespace {
+
+using namespace geolib;
+using P = _s_hd_point_;
+
+P pointFrom(FuzzedDataProvider& in) {
+    return {vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in)};
+}
+
+point* pointListFrom(FuzzedDataProvider& in) {
+    point* head = nullptr;
+    point** link = &head;
+    const int n = in.ConsumeIntegralInRange<int>(0, 6);
+    for (int k = 0; k < n; ++k) {
+        point* p = mallocPoint();
+        if (p == nullptr)
+            break;
+        p->pt = VoGePoint3D(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in));
+        *link = p;
+        link = &p->next;
+    }
+    return head;
+}
+
+_s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
+    switch (in.ConsumeIntegralInRange<int>(0, 5)) {
+        case 0: {
+            const double a = vgfuzz::number(in), b = vgfuzz::number(in), c = vgfuzz::number(in);
+            const P p = pointFrom(in), u = pointFrom(in), v = pointFrom(in);
+            return ep_divide_box(a, b, c, p, u, v, in.ConsumeIntegralInRange<int>(0, 1));
+        }
+        case 1: {
+            const P a = pointFrom(in), b = pointFrom(in), c = pointFrom(in);
+            return ep_divide_wed(a, b, c, vgfuzz::number(in));
+        }
+        case 2: {
+            const P a = pointFrom(in), b = pointFrom(in), s = pointFrom(in);
+            const int n = in.ConsumeIntegralInRange<int>(-2, 24);
+            // A chosen count follows a sagitta of 0.01: a radius of 1e154 would ask for the
+            // largest count there is, and the pass would take minutes, not find more.
+            const double r2 =
+                (s.x - a.x) * (s.x - a.x) + (s.y - a.y) * (s.y - a.y) + (s.z - a.z) * (s.z - a.z);
+            if (n == 0 && !(r2 <= 1e4))
+                return nullptr;
+            return ep_divide_pri(a, b, s, n);
+        }
+        case 3: {
+            const P a = pointFrom(in), b = pointFrom(in);
+            return ep_divide_pln(a, b);
+        }
+        case 4: {
+            point* list = pointListFrom(in);
+            _s_hd_prof_* obj = ep_divide_plns(list);
+            freePoint(list);
+            return obj;
+        }
+        default: {
+            const P c = pointFrom(in);
+            const double r = vgfuzz::number(in);
+            return ep_divide_cir(c, r, pointFrom(in));
+        }
+    }
+}
+
+bool finite(P p) {
+    return vgfuzz::ordinary({p.x, p.y, p.z}, 1e300);
+}
+
+// Every vertex and line end lies within the box.
+void checkBox(const _s_hd_prof_* obj) {
+    const double* b = obj->box;
+    auto inside = [b](P p) {
+        return !finite(p) || (p.x <= b[0] && p.x >= b[1] && p.y <= b[2] && p.y >= b[3] &&
+                              p.z <= b[4] && p.z >= b[5]);
+    };
+    for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next)
+        for (const _s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
+            VG_FUZZ_CHECK(inside(v->pt), "the box holds every vertex");
+    for (const _s_hd_proline_* l = obj->proline; l != nullptr; l = l->next)
+        VG_FUZZ_CHECK(inside(l->start) && inside(l->end), "the box holds every line");
+}
+
+_s_hd_prof_* copyObject(const _s_hd_prof_* obj) {
+    if (obj == nullptr)
+        return nullptr;
+    _s_hd_prof_* out = mallocHDProfObject();
+    VG_FUZZ_CHECK(out != nullptr, "memory for the copy");
+    std::memcpy(out->box, obj->box, sizeof out->box);
+    _s_hd_prosect_** faceLink = &out->prosect;
+    for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
+        auto* nf = static_cast<_s_hd_prosect_*>(std::malloc(sizeof(_s_hd_prosect_)));
+        VG_FUZZ_CHECK(nf != nullptr, "memory for the copy");
+        *nf = *f;
+        nf->next = nullptr;
+        nf->sect = nullptr;
+        _s_hd_sect_** vLink = &nf->sect;
+        for (const _s_hd_sect_* v = f->sect; v != nullptr; v = v->next) {
+            _s_hd_sect_* nv = mallocHDSect();
+            VG_FUZZ_CHECK(nv != nullptr, "memory for the copy");
+            nv->pt = v->pt;
+            *vLink = nv;
+            vLink = &nv->next;
+        }
+        *faceLink = nf;
+        faceLink = &nf->next;
+    }
+    _s_hd_proline_** lineLink = &out->proline;
+    for (const _s_hd_proline_* l = obj->proline; l != nullptr; l = l->next) {
+        auto* nl = static_cast<_s_hd_proline_*>(std::malloc(sizeof(_s_hd_proline_)));
+        VG_FUZZ_CHECK(nl != nullptr, "memory for the copy");
+        *nl = *l;
+        nl->next = nullptr;
+        *lineLink = nl;
+        lineLink = &nl->next;
+    }
+    return out;
+}
+
+bool sameBits(P a, P b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+double dist(P a, P b) {
+    return std::sqrt((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y) +
+                     (a.z - b.z) * (a.z - b.z));
+}
+
+// Where p lies against the line a-b: its distance from the infinite line, and how far along it
+// from a (negative before a).
+struct Placement {
+    double off, along;
+};
+
+Placement place(P p, P a, P b) {
+    const P d{b.x - a.x, b.y - a.y, b.z - a.z};
+    const double len = std::sqrt(d.x * d.x + d.y * d.y + d.z * d.z);
+    if (!(len > 0.0))
+        return {dist(p, a), 0.0};
+    const double along = ((p.x - a.x) * d.x + (p.y - a.y) * d.y + (p.z - a.z) * d.z) / len;
+    const P foot{a.x + along / len * d.x, a.y + along / len * d.y, a.z + along / len * d.z};
+    return {dist(p, foot), along};
+}
+
+// The pieces of object i come line by line, each on its line, ordered from the line's start
+// (its near end after the pass) and disjoint. Checked for lines of ordinary coordinates.
+void checkPieces(const std::vector<_s_hd_prof_*>& objs, const _s_hd_proline_* pieces) {
+    const _s_hd_proline_* piece = pieces;
+    for (size_t i = 0; i < objs.size(); ++i) {
+        if (objs[i] == nullptr)
+            continue;
+        for (const _s_hd_proline_* l = objs[i]->proline; l != nullptr; l = l->next) {
+            const P a = l->start;
+            const P b = l->end;
+            const bool checkable = vgfuzz::ordinary({a.x, a.y, a.z, b.x, b.y, b.z});
+            // Off the line: rounding only. Along it: the pass places piece ends with tolerances
+            // of its own (a point within 3.2e-5 of a segment's end lies on it, angles of 0.0005
+            // on a segment), so an end may stand a little beyond the line's ends.
+            const double tol = 1e-9 * (1.0 + std::fabs(a.x) + std::fabs(a.y) + std::fabs(a.z) +
+                                       std::fabs(b.x) + std::fabs(b.y) + std::fabs(b.z));
+            const double len = dist(a, b);
+            const double slack = 5e-5 + 1e-4 * len;
+            // A piece out of order here may belong to the next line (lines of one object can
+            // overlap): it moves on, and one that fits no later line is caught below.
+            double reached = -HUGE_VAL;
+            auto belongs = [&](const _s_hd_proline_* q) {
+                const P s = q->start;
+                const P e = q->end;
+                const Placement ps = place(s, a, b);
+                const Placement pe = place(e, a, b);
+                if (ps.off <= tol + slack * 1e-3 && pe.off <= tol + slack * 1e-3 &&
+                    ps.along >= -slack && pe.along <= len + slack)
+                    return true;
+                // A line that is not checked keeps whatever pieces are not ordinary either.
+                return !checkable && !vgfuzz::ordinary({s.x, s.y, s.z, e.x, e.y, e.z});
+            };
+            while (piece != nullptr && piece->owner == static_cast<int>(i) && belongs(piece)) {
+                const double s = place(piece->start, a, b).along;
+                const double e = place(piece->end, a, b).along;
+                if (checkable && (s > e + slack || s < reached - slack))
+                    break;
+                reached = e;
+                piece = piece->next;
+            }
+        }
+        // Whatever is left for this object lies on none of its lines (checked lines only).
+        if (piece != nullptr && piece->owner == static_cast<int>(i) && getenv("VG_FUZZ_TRACE")) {
+            for (const _s_hd_proline_* l = objs[i]->proline; l != nullptr; l = l->next)
+                std::fprintf(stderr, "line (%.17g, %.17g, %.17g) -> (%.17g, %.17g, %.17g)\n",
+                             l->start.x, l->start.y, l->start.z, l->end.x, l->end.y, l->end.z);
+            for (const _s_hd_proline_* q = pieces; q != nullptr; q = q->next)
+                if (q->owner == static_cast<int>(i))
+                    std::fprintf(stderr, "piece%s (%.17g, %.17g, %.17g) -> (%.17g, %.17g, %.17g)\n",
+                                 q == piece ? "*" : "", q->start.x, q->start.y, q->start.z,
+                                 q->end.x, q->end.y, q->end.z);
+        }
+        while (piece != nullptr && piece->owner == static_cast<int>(i)) {
+            const P s = piece->start;
+            const P e = piece->end;
+            VG_FUZZ_CHECK(!vgfuzz::ordinary({s.x, s.y, s.z, e.x, e.y, e.z}),
+                          "visible pieces lie on their lines, in order from the near end and "
+                          "disjoint");
+            piece = piece->next;
+        }
+    }
+    VG_FUZZ_CHECK(piece == nullptr, "pieces come in object order, owners set");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    FuzzedDataProvider in(data, size);
+    const int n = in.ConsumeIntegralInRange<int>(1, 6);
+    std::vector<_s_hd_prof_*> objs;
+    for (int k = 0; k < n; ++k) {
+        objs.push_back(primitiveFrom(in));
+        if (objs.back() != nullptr)
+            checkBox(objs.back());
+    }
+    if (in.ConsumeBool()) {
+        std::vector<_s_hd_prof_*> registry(objs.size() + 1, nullptr);
+        int count = 0;
+        for (_s_hd_prof_* o : objs)
+            kestFaceIntersect(o, registry.data(), count, static_cast<int>(objs.size()));
+    }
+    std::vector<_s_hd_prof_*> copies;
+    for (const _s_hd_prof_* o : objs)
+        copies.push_back(copyObject(o));
+
+    _s_hd_proline_* engine = kestHideObject(objs.data(), static_cast<int>(objs.size()));
+    _s_hd_proline_* reference =
+        kestHideObjectReference(copies.data(), static_cast<int>(copies.size()));
+    const _s_hd_proline_* a = engine;
+    const _s_hd_proline_* b = reference;
+    for (; a != nullptr && b != nullptr; a = a->next, b = b->next) {
+        VG_FUZZ_CHECK(
+            sameBits(a->start, b->start) && sameBits(a->end, b->end) && a->owner == b->owner,
+            "the engine gives what the reference pass gives");
+    }
+    VG_FUZZ_CHECK(a == nullptr && b == nullptr, "the engine gives as many pieces as the reference");
+    checkPieces(objs, engine);
+
+    releaseProline(engine);
+    releaseProline(reference);
+    for (size_t k = 0; k < objs.size(); ++k) {
+        freeHDProfObjectPointer(objs[k]);
+        freeHDProfObjectPointer(copies[k]);
+    }
+    return 0;
+}

@@ -1,0 +1,68 @@
+// Support of the fuzz targets: reading primitives and numbers from the fuzzer's bytes, and
+// stopping loudly when a promise of the headers is broken.
+#ifndef VOGEBASIC_TESTS_FUZZ_SUPPORT_H
+#define VOGEBASIC_TESTS_FUZZ_SUPPORT_H
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+namespace vgfuzz {
+
+/// Stops the run when cond is false: the fuzzer keeps the input that broke the promise.
+#define VG_FUZZ_CHECK(cond, what)                                                           \
+    do {                                                                                    \
+        if (!(cond)) {                                                                      \
+            std::fprintf(stderr, "broken promise: %s (%s:%d)\n", what, __FILE__, __LINE__); \
+            std::abort();                                                                   \
+        }                                                                                   \
+    } while (0)
+
+/// A number for a coordinate or a size: mostly ordinary values in [-range, range], sometimes
+/// small integers (so that points coincide), values at the tolerances, huge values and the
+/// non-finite ones.
+inline double number(FuzzedDataProvider& in, double range = 10.0) {
+    static const double kSpecial[] = {0.0,
+                                      1e-9,
+                                      -1e-9,
+                                      5e-7,
+                                      1e-6,
+                                      1e-5,
+                                      1e-4,
+                                      3e-4,
+                                      0.001,
+                                      0.01,
+                                      1e9,
+                                      -1e9,
+                                      1e154,
+                                      -1e154,
+                                      1e300,
+                                      std::numeric_limits<double>::quiet_NaN(),
+                                      std::numeric_limits<double>::infinity(),
+                                      -std::numeric_limits<double>::infinity()};
+    const unsigned kind = in.ConsumeIntegralInRange<unsigned>(0, 15);
+    if (kind < 10)
+        return in.ConsumeFloatingPointInRange<double>(-range, range);
+    if (kind < 13)
+        return static_cast<double>(in.ConsumeIntegralInRange<int>(-4, 4));
+    if (kind < 15)
+        return kSpecial[in.ConsumeIntegralInRange<unsigned>(
+            0, sizeof kSpecial / sizeof *kSpecial - 1)];
+    return in.ConsumeFloatingPoint<double>();
+}
+
+/// True when every value is finite and at most limit in magnitude.
+inline bool ordinary(std::initializer_list<double> values, double limit = 1e6) {
+    for (double v : values) {
+        if (!(std::fabs(v) <= limit))
+            return false;
+    }
+    return true;
+}
+
+}  // namespace vgfuzz
+
+#endif  // VOGEBASIC_TESTS_FUZZ_SUPPORT_H
