@@ -88,26 +88,30 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_po
 //    square to Z; the side is developable, so such a generator is one whole), ring vertex 0
 //    lies on the first of them and the arcs between the two are cut in proportion to their
 //    angle, each at least one chord;
-//  - otherwise (seen along its axis, or looking into a cone within its half-angle) and for a
-//    right circular cylinder, each ring is the disc's ring (ep_divide_cir) of its circle, split
-//    at s and 2c - s: a pipe's rims coincide with a disc of the same circle chord for chord,
-//    and a cylinder's silhouette generators run through s and 2c - s.
+//  - for a right circular cylinder, and where there is no silhouette (seen along its axis, or
+//    looking into a cone within its half-angle) and both circles take the same count (equal
+//    radii, or an apex opposite), each ring is the disc's ring (ep_divide_cir) of its circle,
+//    split at s and 2c - s: a pipe's rims coincide with a disc of the same circle chord for
+//    chord, and a cylinder's silhouette generators run through s and 2c - s;
+//  - otherwise (no silhouette, radii that differ) both circles are split at those same points,
+//    vertex 0 at s, into two halves of half the chords each.
 // An end of radius below 0.01 (only one may be) is an apex: its ring is the centre repeated, its
 // side faces are triangles and it has no end face and no rim.
 // Faces, wound counter-clockwise seen from outside: the side faces from generator k to k + 1 for
 // k = 0, 1, ... (a side face not planar within 1e-9 of the object's size is split into two
 // triangles), then the flat end face of the first end, then that of the second, each a strip
-// across its ring over the rim vertices (a triangle at vertex 0, quadrilaterals, a triangle
-// opposite). Lines: the first rim's chords from vertex 0 round, the second rim's, then the
-// silhouette generators (none, or two, each from the first end to the second). A normal within
-// 1e-9 of the view axis is taken as the view axis (the rims then lie exactly in planes of constant
-// Z, and an axis a hair off Z makes an oblique side with silhouette generators seen end-on).
-// Where the side is nearly edge-on, a wide side face can lean past the view while the side does
-// not; the chord count is then doubled, up to four times, until every side face turns to the view
-// as the side does at its middle generator, so the faces' outline is the side's.
-// Each returns a new object owned by the caller; release it with freeHDProfObjectPointer. Each
-// returns null on a non-finite argument, a negative radius, both radii below 0.01, a null axis
-// (ends closer than 1e-5), an axis within 1e-6 (cosine) of the end planes, or if an allocation
+// across its ring over the rim vertices: quadrilaterals (P_i, P_i+1, P_j-1, P_j) from i = 0,
+// j = count - 1 inwards, and a triangle where the two sides meet at an odd count. Lines: the first
+// rim's chords from vertex 0 round, the second rim's, then the silhouette generators (none, or two,
+// each from the first end to the second). A normal within 1e-9 of the view axis is taken as the
+// view axis (the rims then lie exactly in planes of constant Z, and an axis a hair off Z makes an
+// oblique side with silhouette generators seen end-on). Where the side is nearly edge-on, a wide
+// side face can lean past the view while the side does not; the chord count is then doubled, up to
+// four times, until every side face turns to the view as the side does at its middle generator, so
+// the faces' outline is the side's. Each returns a new object owned by the caller; release it with
+// freeHDProfObjectPointer. Each returns null on a non-finite argument, a negative radius, both
+// radii below 0.01, a null axis (ends closer than 1e-5), an axis within 1e-6 (cosine) of the end
+// planes, sizes so near the largest double that a vertex would overflow, or if an allocation
 // fails.
 
 /// A truncated cone about the axis a -> b: the end circle of radius ra about a and of radius rb
@@ -149,7 +153,8 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_scy(_s_hd_point_ a, _s_hd_point_ b, double 
 /// the equator band to the pole band, then the far one, each band in ring order (quadrilateral
 /// trapezoids, the pole band triangles). Lines: the equator's chords from c + (r, 0, 0) round.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
-/// null when r is below 0.01, on non-finite input, or if an allocation fails.
+/// null when r is below 0.01, on non-finite input, when a vertex would overflow, or if an
+/// allocation fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_sph(_s_hd_point_ c, double r);
 
 /// A ring plate: the annular sector between the radii ri and ro about the line through c along
@@ -171,7 +176,8 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sph(_s_hd_point_ c, double r);
 /// centre line), then the silhouette generators of the outer wall and of the inner wall.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, a null axis, a sweep a1 - a0 not above 0 (or too small to make its
-/// chords), ri negative or not below ro, ro below 0.01, t not above 0, or if an allocation fails.
+/// chords), ri negative or not below ro, ro below 0.01, t not above 0, when a vertex would
+/// overflow, or if an allocation fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, double a0,
                                          double a1, _s_hd_point_ k);
 

@@ -75,6 +75,10 @@ _s_hd_prof_* buildRuledSolid(const Rings& rings, double size) {
     const int n = rings.count;
     const _s_hd_point_* a = rings.a;
     const _s_hd_point_* b = rings.b;
+    // Sizes near the largest double can overflow where the rings are made.
+    for (int k = 0; k < n; ++k)
+        if (!isFinitePoint(a[k]) || !isFinitePoint(b[k]))
+            return nullptr;
     HDProfDraft draft;
     draft.seedBox(a[0]);
     for (int k = 0; k < n; ++k) {

@@ -150,6 +150,8 @@ _s_hd_prof_* ep_divide_sph(_s_hd_point_ c, double r) {
                                       : linComb(1.0, linComb(1.0, c, std::cos(latitude), radial),
                                                 side * r * std::sin(latitude), kViewAxis);
                 draft.extendBox(upper[i]);
+                if (!isFinitePoint(upper[i]))
+                    draft.fail();  // a radius near the largest double overflows
             }
             for (int i = 0; i < m; ++i) {
                 const int i1 = (i + 1) % m;
@@ -213,8 +215,12 @@ _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, doubl
         innerFar[k] = linComb(1.0, inner[k], t, f.k);
     }
     const double size = std::fmax(2.0 * ro, t);
-    if (!std::isfinite(size) || !isFinitePoint(outerFar[0]))
+    if (!std::isfinite(size))
         return nullptr;
+    for (int k = 0; k < count; ++k)  // sizes near the largest double can overflow
+        if (!isFinitePoint(outer[k]) || !isFinitePoint(inner[k]) || !isFinitePoint(outerFar[k]) ||
+            !isFinitePoint(innerFar[k]))
+            return nullptr;
 
     HDProfDraft draft;
     draft.seedBox(outer[0]);
