@@ -78,6 +78,114 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_plns(point* list);
 /// length or a null normal, or if an allocation fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_point_ normal);
 
+// ---- ruled solids ---------------------------------------------------------------------------
+//
+// A cone, eccentric cone, snout or cut cylinder is built from two rings of vertices, one round
+// each end, at common angles about the end planes' normal n, so that each side face between
+// generator k and generator k + 1 is a planar trapezoid. Ring vertex 0 and the ring direction
+// (counter-clockwise about n, n pointing from the first end to the second):
+//  - where the side has a silhouette in the view along Z (two generators whose side normal is
+//    square to Z; the side is developable, so such a generator is one whole), ring vertex 0
+//    lies on the first of them and the arcs between the two are cut in proportion to their
+//    angle, each at least one chord;
+//  - for a right circular cylinder, and where there is no silhouette (seen along its axis, or
+//    looking into a cone within its half-angle) and both circles take the same count (equal
+//    radii, or an apex opposite), each ring is the disc's ring (ep_divide_cir) of its circle,
+//    split at s and 2c - s: a pipe's rims coincide with a disc of the same circle chord for
+//    chord, and a cylinder's silhouette generators run through s and 2c - s;
+//  - otherwise (no silhouette, radii that differ) both circles are split at those same points,
+//    vertex 0 at s, into two halves of half the chords each.
+// An end of radius below 0.01 (only one may be) is an apex: its ring is the centre repeated, its
+// side faces are triangles and it has no end face and no rim.
+// Faces, wound counter-clockwise seen from outside: the side faces from generator k to k + 1 for
+// k = 0, 1, ... (a side face not planar within 1e-9 of the object's size is split into two
+// triangles), then the flat end face of the first end, then that of the second, each a strip
+// across its ring over the rim vertices: quadrilaterals (P_i, P_i+1, P_j-1, P_j) from i = 0,
+// j = count - 1 inwards, and a triangle where the two sides meet at an odd count. Lines: the first
+// rim's chords from vertex 0 round, the second rim's, then the silhouette generators (none, or two,
+// each from the first end to the second). A normal within 1e-9 of the view axis is taken as the
+// view axis (the rims then lie exactly in planes of constant Z, and an axis a hair off Z makes an
+// oblique side with silhouette generators seen end-on). Where the side is nearly edge-on, a wide
+// side face can lean past the view while the side does not; the chord count is then doubled, up to
+// four times, until every side face turns to the view as the side does at its middle generator, so
+// the faces' outline is the side's. Each returns a new object owned by the caller; release it with
+// freeHDProfObjectPointer. Each returns null on a non-finite argument, a negative radius, both
+// radii below 0.01, a null axis (ends closer than 1e-5), an axis within 1e-6 (cosine) of the end
+// planes, sizes so near the largest double that a vertex would overflow, or if an allocation
+// fails.
+
+/// A truncated cone about the axis a -> b: the end circle of radius ra about a and of radius rb
+/// about b, both square to the axis (n = b - a). ra == rb is a cylinder (a straight pipe); one
+/// radius 0 a pointed cone. Chords: getCircleDivideNum on the larger radius, raised to even.
+VOGEBASIC_API _s_hd_prof_* ep_divide_con(_s_hd_point_ a, _s_hd_point_ b, double ra, double rb);
+
+/// An eccentric (oblique) cone: the end circle of radius ra about a and of radius rb about b, in
+/// parallel planes with normal n (any length; its sense is taken from a to b); the side joins
+/// the points at the same angle about n, so b - a need not be along n (an eccentric reducer
+/// has one straight side when the offset is |ra - rb|). Chords as ep_divide_con.
+VOGEBASIC_API _s_hd_prof_* ep_divide_ecn(_s_hd_point_ a, _s_hd_point_ b, double ra, double rb,
+                                         _s_hd_point_ n);
+
+/// A snout in catalogue form: the bottom circle of radius rb about o in the plane of xdir and
+/// ydir, the top circle of radius rt about o + h*zdir + xoff*xdir + yoff*ydir parallel to it
+/// (the directions are normalised; n = xdir x ydir). sag is the largest chord sagitta allowed,
+/// in model units: a circle takes the fewest chords, at least 8 and at most 360, whose sagitta
+/// on the larger radius is within sag, and without a silhouette it is split at its vertex 0
+/// and the opposite point. Also null when sag is not above 0 or xdir and ydir are parallel.
+VOGEBASIC_API _s_hd_prof_* ep_divide_scn(double rb, double rt, double h, double xoff, double yoff,
+                                         _s_hd_point_ o, _s_hd_point_ xdir, _s_hd_point_ ydir,
+                                         _s_hd_point_ zdir, double sag);
+
+/// A cylinder of radius r about the axis a -> b whose ends are cut by the planes through a and
+/// through b with normal n (a sloped or mitred cut; n along the axis gives a plain cylinder).
+/// The rings are those of ep_divide_con(a, b, r, r), each vertex slid along the axis onto its
+/// cut plane, so the rims are chords of the two cut ellipses and the generators, silhouette
+/// included, stay where the plain cylinder has them. Also null when r is below 0.01 or the cut
+/// planes are within 1e-6 (cosine) of the axis.
+VOGEBASIC_API _s_hd_prof_* ep_divide_scy(_s_hd_point_ a, _s_hd_point_ b, double r, _s_hd_point_ n);
+
+/// A sphere of radius r about c. Its silhouette in the view along Z is its equator, the circle
+/// in the plane z = c.z, so it is cut along circles about the vertical line through c: the
+/// equator is the disc's ring of the circle with normal (0, 0, 1) (m = 8, 10 or 12 vertices,
+/// from c + (r, 0, 0) counter-clockwise about +Z), and each hemisphere has (m + 3) / 4 latitude
+/// bands whose rings scale the equator's vertices towards the axis, the last band closing on the
+/// pole. Faces, wound counter-clockwise seen from outside: the near hemisphere (towards -Z) from
+/// the equator band to the pole band, then the far one, each band in ring order (quadrilateral
+/// trapezoids, the pole band triangles). Lines: the equator's chords from c + (r, 0, 0) round.
+/// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
+/// null when r is below 0.01, on non-finite input, when a vertex would overflow, or if an
+/// allocation fails.
+VOGEBASIC_API _s_hd_prof_* ep_divide_sph(_s_hd_point_ c, double r);
+
+/// A ring plate: the annular sector between the radii ri and ro about the line through c along
+/// the axis k, from angle a0 to a1 (radians, about k from x, the projection of +X on the plane
+/// square to k, or of +Y for an axis along X, towards y = k x x: about k = +Z, from +X towards
+/// +Y, counter-clockwise on the drawing where X runs right and Y up), of thickness t from c
+/// along k. A sweep a1 - a0 of a full turn or more (or whose ends meet on the outer rim) makes a
+/// closed ring without end faces; ri below 0.01 makes a sector of a disc, whose inner rim is the
+/// centre line. Both arcs take getArcDivideNum(c, ro, a0, a1) chords at common angles, shared in
+/// proportion between the arcs into which the walls' silhouette generators (where the radial
+/// direction is square to Z) break the sweep; a closed ring starts at the first of them. Faces,
+/// wound counter-clockwise seen from outside: for each chord the face through c, the face
+/// through c + t k, the outer wall and the inner wall (triangles and no inner wall for a disc's
+/// sector), then the end faces at a0 and at a1. Lines: the near face's outline (outer arc's
+/// chords, inner arc's, then the radial ends at a0 and a1 from the inner rim out); seen along
+/// the axis (k within 1e-9 of Z, taken as Z) the walls are edge-on and the far outline lies
+/// under the near one, so that is all, each edge drawn once; otherwise the far face's outline
+/// follows, then the edges along the axis at a0 and a1 (outer, inner; a disc's sector has one
+/// centre line), then the silhouette generators of the outer wall and of the inner wall.
+/// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
+/// null on non-finite input, a null axis, a sweep a1 - a0 not above 0 (or too small to make its
+/// chords), ri negative or not below ro, ro below 0.01, t not above 0, when a vertex would
+/// overflow, or if an allocation fails.
+VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, double a0,
+                                         double a1, _s_hd_point_ k);
+
+/// The ring plate about the view axis: ep_divide_sad(ri, ro, t, c, a0, a1, (0, 0, 1)), a
+/// circular platform round a vertical vessel seen in plan, its near face at depth c.z.
+VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, double a0,
+                                         double a1);
+
 }  // namespace geolib
 
 #endif  // VOGEBASIC_HD_TESSELLATORS_H

@@ -2,6 +2,7 @@
 // hide pass. Checks that every box holds its object, that the engine gives what the plain
 // step-by-step pass gives, node for node and bit for bit, and that the visible pieces lie on
 // their lines, in order from each line's near end and disjoint.
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -35,7 +36,7 @@ point* pointListFrom(FuzzedDataProvider& in) {
 }
 
 _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
-    switch (in.ConsumeIntegralInRange<int>(0, 5)) {
+    switch (in.ConsumeIntegralInRange<int>(0, 12)) {
         case 0: {
             const double a = vgfuzz::number(in), b = vgfuzz::number(in), c = vgfuzz::number(in);
             const P p = pointFrom(in), u = pointFrom(in), v = pointFrom(in);
@@ -66,10 +67,50 @@ _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
             freePoint(list);
             return obj;
         }
-        default: {
+        case 5: {
             const P c = pointFrom(in);
             const double r = vgfuzz::number(in);
             return ep_divide_cir(c, r, pointFrom(in));
+        }
+        case 6: {
+            const P a = pointFrom(in), b = pointFrom(in);
+            const double ra = vgfuzz::number(in);
+            return ep_divide_con(a, b, ra, vgfuzz::number(in));
+        }
+        case 7: {
+            const P a = pointFrom(in), b = pointFrom(in);
+            const double ra = vgfuzz::number(in), rb = vgfuzz::number(in);
+            return ep_divide_ecn(a, b, ra, rb, pointFrom(in));
+        }
+        case 8: {
+            const double rb = vgfuzz::number(in), rt = vgfuzz::number(in);
+            const double h = vgfuzz::number(in), xoff = vgfuzz::number(in);
+            const double yoff = vgfuzz::number(in);
+            const P o = pointFrom(in), x = pointFrom(in), y = pointFrom(in), z = pointFrom(in);
+            // A sagitta far below the radius asks for the largest count there is, doubled on a
+            // nearly edge-on side: the pass would take long and find no more.
+            const double sag = vgfuzz::number(in);
+            if (!(sag >= 1e-3 * std::fabs(rb) && sag >= 1e-3 * std::fabs(rt)))
+                return nullptr;
+            return ep_divide_scn(rb, rt, h, xoff, yoff, o, x, y, z, sag);
+        }
+        case 9: {
+            const P a = pointFrom(in), b = pointFrom(in);
+            const double r = vgfuzz::number(in);
+            return ep_divide_scy(a, b, r, pointFrom(in));
+        }
+        case 10: {
+            const P c = pointFrom(in);
+            return ep_divide_sph(c, vgfuzz::number(in));
+        }
+        default: {
+            const double ri = vgfuzz::number(in), ro = vgfuzz::number(in);
+            const double t = vgfuzz::number(in);
+            const P c = pointFrom(in);
+            const double a0 = vgfuzz::number(in), a1 = vgfuzz::number(in);
+            if (in.ConsumeBool())
+                return ep_divide_sad(ri, ro, t, c, a0, a1);
+            return ep_divide_sad(ri, ro, t, c, a0, a1, pointFrom(in));
         }
     }
 }

@@ -331,6 +331,40 @@ void HDProfDraft::addTri(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, std:
         addFace(mallocTriSect(p1, p2, p3), tag);
 }
 
+namespace {
+
+// True when the triangle a, b, c has no area at the given size: its third vertex lies within
+// kPlanarFaceTol * size of the line of its longest side (twice its area over that side).
+bool isFlatTriangle(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, double size) {
+    const double ab = pointDist2(a, b), bc = pointDist2(b, c), ca = pointDist2(c, a);
+    const double longest = std::sqrt(std::fmax(ab, std::fmax(bc, ca)));
+    const _s_hd_point_ n = vecCross(vecSub(b, a), vecSub(c, a));
+    return std::sqrt(vecDot(n, n)) <= hd::kPlanarFaceTol * size * longest;
+}
+
+}  // namespace
+
+void HDProfDraft::addPlanarQuad(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
+                                double size) {
+    const bool flat1 = isFlatTriangle(p1, p2, p3, size);
+    const bool flat2 = isFlatTriangle(p1, p3, p4, size);
+    if (!flat1 && !flat2) {
+        // Six times the volume of the tetrahedron over twice the area of (p1, p2, p3) is the
+        // distance of p4 from their plane.
+        const _s_hd_point_ a = vecSub(p2, p1), b = vecSub(p3, p1), c = vecSub(p4, p1);
+        const double volume = det3x3(a.x, a.y, a.z, b.x, b.y, b.z, c.x, c.y, c.z);
+        const _s_hd_point_ n = vecCross(a, b);
+        if (std::fabs(volume) <= hd::kPlanarFaceTol * size * std::sqrt(vecDot(n, n))) {
+            addQuad(p1, p2, p3, p4);
+            return;
+        }
+    }
+    if (!flat1)
+        addTri(p1, p2, p3);
+    if (!flat2)
+        addTri(p1, p3, p4);
+}
+
 void HDProfDraft::addFace(_s_hd_sect_* chain, std::int32_t tag) {
     _s_hd_prosect_* face = chain != nullptr ? appendProsect(chain, faceTail_) : nullptr;
     if (face == nullptr) {

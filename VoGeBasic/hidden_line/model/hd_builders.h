@@ -121,6 +121,26 @@ bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_poi
 /// with c, when n is below 1 or above 100000, or if an allocation fails.
 _s_hd_proline_* divideHalfCircle2Proline(int n, _s_hd_point_ c, _s_hd_point_ axis, _s_hd_point_ s,
                                          _s_hd_point_ e, double r);
+/// The point one chord of the half-circle builder ahead of current on the circle of radius r
+/// about centre c, counter-clockwise about axis: a step of r * tanStep along the tangent line,
+/// projected back onto the circle.
+_s_hd_point_ halfCircleStep(_s_hd_point_ c, _s_hd_point_ axis, _s_hd_point_ current, double r,
+                            double tanStep);
+
+/// The vertices of a circle divided by the disc's rule and split where it is extreme in the
+/// view along Z, so that every primitive with such a circle (a disc, a pipe's rim, an elbow's
+/// end ring, a sphere's equator) draws it chord for chord alike.
+struct ViewSplitRing {
+    int count = 0;  ///< m: 8, 10 or 12 vertices (getCircleDivideNum raised to even)
+    /// Counter-clockwise about the normal: pts[0] is s, pts[count / 2] is e = 2c - s, both
+    /// halves made by divideHalfCircle2Proline's stepping (the second about the negated
+    /// normal, stored here in reverse so the ring runs on round the circle).
+    _s_hd_point_ pts[hd::kMaxCurveChords];
+};
+/// Fills ring for the circle of radius r about c with unit normal n: s = c + r * unit((0, 0, 1)
+/// x n), or c + (r, 0, 0) when |n.z| is within hd::kFacingTol of 1. Allocates nothing. Returns
+/// false, leaving ring empty, when r is below 0.01 (or NaN).
+bool viewSplitRing(_s_hd_point_ c, double r, _s_hd_point_ n, ViewSplitRing& ring);
 
 // ---- lists and object drafts --------------------------------------------------------------------
 
@@ -160,6 +180,13 @@ public:
                  std::int32_t tag = 0);
     /// Appends the triangular face p1, p2, p3 with the tag.
     void addTri(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, std::int32_t tag = 0);
+    /// Appends the quadrilateral p1, p2, p3, p4 of an object of the given size (its largest
+    /// extent) as one face when p4 lies within hd::kPlanarFaceTol * size of the plane of p1, p2,
+    /// p3, otherwise as the triangles (p1, p2, p3) and (p1, p3, p4). A triangle whose third
+    /// vertex lies within that distance of the line of its longest side has no area and is left
+    /// out, so a quadrilateral with a collapsed side (p1 = p2, or p3 = p4) gives one triangle.
+    void addPlanarQuad(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
+                       double size);
     /// Marks the draft failed (a step outside the draft could not allocate).
     void fail();
     /// Returns a new object holding the faces, the lines and the box, owned by the caller;

@@ -63,6 +63,29 @@ constexpr double kHalfTurnApprox = 3.14159265;
 /// A disc faces the viewer when the Z component of its normal is within this of +-1.
 constexpr double kFacingTol = 1e-9;
 
+// ---- faces --------------------------------------------------------------------------------------
+
+/// A vertex within this fraction of the object's size of a face's plane (or of a triangle's
+/// longest side) lies on it: far above the rounding of coordinates computed from the object's
+/// own dimensions, far below anything a drawing can show.
+constexpr double kPlanarFaceTol = 1e-9;
+
+// ---- ruled solids -------------------------------------------------------------------------------
+
+/// The axis of a cone or cylinder must leave its end (or cut) planes at an angle whose cosine
+/// with their normal is at least this: below it the end faces stretch a million-fold over the
+/// radius, and the solid is taken as flat (bad input).
+constexpr double kMinAxisCutCosine = 1e-6;
+/// Two silhouette generators of a side closer than this angle about the axis are taken as one
+/// grazing generator, which outlines nothing: the faces between them would have no width.
+constexpr double kSilhouetteMergeAngle = 1e-6;
+/// The snout's caller-given sagitta never asks for more chords to a circle than this: one a
+/// degree keeps the sagitta below 4e-5 of the radius, finer than any drawing shows.
+constexpr int kMaxSnoutChords = 360;
+/// A cone's chord count is doubled at most this many times (to 16 times the rule's count) to
+/// keep its side faces from looking away where the side is nearly edge-on to the view.
+constexpr int kMaxSideRefinements = 4;
+
 }  // namespace hd
 }  // namespace geolib
 

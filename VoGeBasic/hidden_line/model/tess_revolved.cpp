@@ -1,4 +1,5 @@
-// Tessellators of the revolved primitives: the flat disc, with its half-circle chord builder.
+// Tessellators of the revolved primitives: the flat disc, with its half-circle chord builder and
+// the view-split ring that the curved primitives share with it.
 #include <cmath>
 
 #include "hd_tessellators.h"
@@ -7,21 +8,25 @@
 
 namespace geolib {
 
+_s_hd_point_ halfCircleStep(_s_hd_point_ c, _s_hd_point_ axis, _s_hd_point_ current, double r,
+                            double tanStep) {
+    const _s_hd_point_ radial = unitDir(current, c);
+    const _s_hd_point_ tangent = unitCross(axis, radial);
+    const _s_hd_point_ ahead = linComb(1.0, current, tanStep * r, tangent);
+    return linComb(1.0, c, r, unitDir(ahead, c));
+}
+
 _s_hd_proline_* divideHalfCircle2Proline(int n, _s_hd_point_ c, _s_hd_point_ axis, _s_hd_point_ s,
                                          _s_hd_point_ e, double r) {
     if (!(r >= hd::kMinDiscRadius) || n < 1 || n > hd::kMaxArcChords)
         return nullptr;
     if (isSamePointFine(s, c) && isSamePointFine(e, c))
         return nullptr;
-    const double step = hd::kHalfTurnApprox / n;
+    const double tanStep = std::tan(hd::kHalfTurnApprox / n);
     ProlineChain chords;
     _s_hd_point_ current = s;
     for (int k = 1; k < n; ++k) {
-        // One step along the tangent line, projected back onto the circle of radius r.
-        const _s_hd_point_ radial = unitDir(current, c);
-        const _s_hd_point_ tangent = unitCross(axis, radial);
-        const _s_hd_point_ ahead = linComb(1.0, current, std::tan(step) * r, tangent);
-        const _s_hd_point_ next = linComb(1.0, c, r, unitDir(ahead, c));
+        const _s_hd_point_ next = halfCircleStep(c, axis, current, r, tanStep);
         if (!chords.append(current, next)) {
             releaseProline(chords.head);
             return nullptr;
@@ -35,52 +40,70 @@ _s_hd_proline_* divideHalfCircle2Proline(int n, _s_hd_point_ c, _s_hd_point_ axi
     return chords.head;
 }
 
-_s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_point_ normal) {
-    if (!(r >= hd::kMinDiscRadius) || !std::isfinite(r) || !isFinitePoint(center) ||
-        !isFinitePoint(normal))
-        return nullptr;
-    // Split the rim where it is extreme in the view along Z.
+bool viewSplitRing(_s_hd_point_ c, double r, _s_hd_point_ n, ViewSplitRing& ring) {
+    ring.count = 0;
+    if (!(r >= hd::kMinDiscRadius) || !std::isfinite(r) || !isFinitePoint(c) || !isFinitePoint(n))
+        return false;
+    // Split the circle where it is extreme in the view along Z.
     const _s_hd_point_ view = {0.0, 0.0, 1.0};
     _s_hd_point_ s;
     _s_hd_point_ e;
-    if (std::fabs(std::fabs(vecDot(normal, view)) - 1.0) <= hd::kFacingTol) {
-        s = vecAdd(center, {r, 0.0, 0.0});
-        e = vecSub(center, {r, 0.0, 0.0});
+    if (std::fabs(std::fabs(vecDot(n, view)) - 1.0) <= hd::kFacingTol) {
+        s = vecAdd(c, {r, 0.0, 0.0});
+        e = vecSub(c, {r, 0.0, 0.0});
     } else {
-        s = linComb(1.0, center, r, unitCross(view, normal));
-        e = mirrorPoint(s, center);
+        s = linComb(1.0, c, r, unitCross(view, n));
+        e = mirrorPoint(s, c);
     }
-    int m = getCircleDivideNum(center, r);
+    if (isSamePointFine(s, c) && isSamePointFine(e, c))
+        return false;
+    int m = getCircleDivideNum(c, r);
     if (m % 2 != 0)
         ++m;
+    const int half = m / 2;
+    const double tanStep = std::tan(hd::kHalfTurnApprox / half);
+    const _s_hd_point_ back = vecNegate(n);
+    ring.pts[0] = s;
+    ring.pts[half] = e;
+    _s_hd_point_ ahead = s;
+    _s_hd_point_ behind = s;
+    for (int k = 1; k < half; ++k) {
+        ahead = halfCircleStep(c, n, ahead, r, tanStep);
+        behind = halfCircleStep(c, back, behind, r, tanStep);
+        ring.pts[k] = ahead;
+        ring.pts[m - k] = behind;
+    }
+    ring.count = m;
+    return true;
+}
 
-    _s_hd_proline_* half1 = divideHalfCircle2Proline(m / 2, center, normal, s, e, r);
-    if (half1 == nullptr)
+_s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_point_ normal) {
+    ViewSplitRing ring;
+    if (!viewSplitRing(center, r, normal, ring))
         return nullptr;
-    _s_hd_proline_* half2 = divideHalfCircle2Proline(m / 2, center, vecNegate(normal), s, e, r);
+    const _s_hd_point_* p = ring.pts;
+    const int m = ring.count;
+    const int half = m / 2;
     HDProfDraft draft;
-    draft.addLines(half1);
-    if (half2 == nullptr)
-        draft.fail();
-    draft.seedBox(s);
+    // Lines: the half from s to e counter-clockwise about the normal, then the other half
+    // from s to e.
+    for (int k = 0; k < half; ++k)
+        draft.addLine(p[k], p[k + 1]);
+    for (int k = 0; k < half; ++k)
+        draft.addLine(p[(m - k) % m], p[m - k - 1]);
     // A strip across the disc between the halves: a triangle at s, quadrilaterals, a triangle
     // at e.
-    for (const _s_hd_proline_ *k1 = half1, *k2 = half2;
-         draft.ok() && k1 != nullptr && k2 != nullptr; k1 = k1->next, k2 = k2->next) {
-        if (k1 == half1) {
-            draft.addTri(k1->start, k1->end, k2->end);
-            continue;
-        }
-        draft.extendBox(k1->start);
-        draft.extendBox(k2->start);
-        if (k2->next != nullptr) {
-            draft.addQuad(k1->start, k1->end, k2->end, k2->start);
-        } else {
-            draft.extendBox(e);
-            draft.addTri(k1->start, k1->end, k2->start);
-        }
+    draft.seedBox(p[0]);
+    draft.addTri(p[0], p[1], p[m - 1]);
+    for (int k = 1; k < half - 1; ++k) {
+        draft.extendBox(p[k]);
+        draft.extendBox(p[m - k]);
+        draft.addQuad(p[k], p[k + 1], p[m - k - 1], p[m - k]);
     }
-    draft.addLines(half2);
+    draft.extendBox(p[half - 1]);
+    draft.extendBox(p[half + 1]);
+    draft.extendBox(p[half]);
+    draft.addTri(p[half - 1], p[half], p[half + 1]);
     return draft.finish();
 }
 

@@ -148,4 +148,29 @@ TEST(HDArcChords, DegenerateOrBadInputLeavesTheListAsItWas) {
     releaseProline(list);
 }
 
+TEST(HDProfDraft, PlanarQuadIsOneFaceATwistedOneTwoTrianglesAndNoFaceHasNoArea) {
+    const P a{0, 0, 0};
+    const struct {
+        P p2, p3, p4;
+        size_t faces, firstCount;
+    } cases[] = {
+        {{1, 0, 0}, {1, 1, 0}, {0, 1, 0}, 1, 4},          // planar
+        {{1, 0, 0}, {1, 1, 0}, {0, 1, 1e-10}, 1, 4},      // within the tolerance at size 1
+        {{1, 0, 0}, {1, 1, 0}, {0, 1, 1e-6}, 2, 3},       // twisted
+        {a, {1, 1, 0}, {0, 1, 0}, 1, 3},                  // p1 = p2: the triangle p1, p3, p4
+        {{0.5, 0.5, 0}, {1.5, 1.5, 0}, {2, 2, 0}, 0, 0},  // all four on a line
+    };
+    for (const auto& k : cases) {
+        HDProfDraft draft;
+        draft.addPlanarQuad(a, k.p2, k.p3, k.p4, 1.0);
+        _s_hd_prof_* obj = draft.finish();
+        ASSERT_NE(obj, nullptr);
+        const auto faces = facesOf(obj);
+        ASSERT_EQ(faces.size(), k.faces) << k.p4.z;
+        for (size_t f = 0; f < faces.size(); ++f)
+            EXPECT_EQ(faces[f].pts.size(), k.firstCount);
+        freeHDProfObjectPointer(obj);
+    }
+}
+
 }  // namespace
