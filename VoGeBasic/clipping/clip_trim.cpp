@@ -85,7 +85,10 @@ Crossing crossPolygon(const line* ring, const VoGePoint3D& s, const VoGePoint3D&
         }
         if ((nil(d1) || d1 > 0.0) && (nil(d2) || d2 > 0.0))
             return outside();  // both ends on or right of the edge
-        if (std::fabs(d1) > kSideTol && std::fabs(d2) > kSideTol && (d1 > 0.0) != (d2 > 0.0)) {
+        // A side value of exactly the tolerance is a side, not the line: with "strictly above"
+        // here and "strictly below" for the line, an end at exactly 1e-4 would be neither, and
+        // a piece running out of the polygon from there would count as wholly inside.
+        if (std::fabs(d1) >= kSideTol && std::fabs(d2) >= kSideTol && (d1 > 0.0) != (d2 > 0.0)) {
             if (d1 > 0.0)
                 c.sInside = false;
             if (d2 > 0.0)

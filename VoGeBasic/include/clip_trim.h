@@ -3,7 +3,8 @@
 // Outlines are lists of convex polygons (convex records) whose rings run counter-clockwise: a
 // point is inside when it lies to the left of every edge. Only x and y are read; z is carried
 // along. A piece's params list holds what is still visible of it; trimming removes from it
-// every stretch that lies inside a polygon. Side-of-edge and parameter tests use 1e-4.
+// every stretch that lies inside a polygon. Side-of-edge and parameter tests use 1e-4: a side
+// value below it puts a point on an edge's line, one of at least 1e-4 on a side.
 //
 // Side values are products of two coordinate differences: with coordinates beyond about 1e150
 // in magnitude they overflow, and what such a polygon hides is not defined. Every call still

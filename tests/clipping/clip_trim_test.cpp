@@ -247,6 +247,20 @@ TEST(PolygonTrimLine, PieceLeavingOverACornerFromAnEdgesLineStaysVisibleOutside)
     freeLineCut(touching);
     freeConvex(sliver);
 
+    // A start exactly 1e-4 (in side value) inside the bottom edge, the end far below: the end
+    // lies outside and the piece is cut where it leaves, not hidden whole.
+    convex* tall = square(0, 0, 1);
+    tall->edges->next->end.y = tall->edges->next->next->start.y = 16.3;
+    tall->edges->next->next->end.y = tall->edges->next->next->next->start.y = 16.3;
+    line_cut* leaving =
+        polygonTrimLine(tall, VoGePoint3D(0.0001, 0.0001, 0), VoGePoint3D(0, -25, 0));
+    ASSERT_NE(leaving, nullptr);
+    ASSERT_NE(leaving->params, nullptr);
+    EXPECT_LT(leaving->params->t0, 1e-5);
+    EXPECT_EQ(leaving->params->t1, 1.0);
+    freeLineCut(leaving);
+    freeConvex(tall);
+
     // A triangle with a corner beyond 1e150 overflows the side values: the call ends and the
     // intervals stay sorted within [0, 1].
     convex* far = polygonOf({{0, 0}, {-1e155, -1e155}, {1, 0}});
