@@ -204,7 +204,10 @@ void checkPieces(const std::vector<_s_hd_prof_*>& objs, const _s_hd_proline_* pi
         for (const _s_hd_proline_* l = objs[i]->proline; l != nullptr; l = l->next) {
             const P a = l->start;
             const P b = l->end;
-            const bool checkable = vgfuzz::ordinary({a.x, a.y, a.z, b.x, b.y, b.z});
+            // Lines shorter than 0.01 are below the scale of the pass's own point tolerances:
+            // their pieces must lie on them, but may overlap and come in any order.
+            const bool checkable =
+                vgfuzz::ordinary({a.x, a.y, a.z, b.x, b.y, b.z}) && dist(a, b) >= 0.01;
             // Off the line: rounding only. Along it: the pass places piece ends with tolerances
             // of its own (a point within 3.2e-5 of a segment's end lies on it, angles of 0.0005
             // on a segment), so an end may stand a little beyond the line's ends.
