@@ -3,4 +3,6 @@ target_sources(vogebasic_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/hd_records.cpp
   ${CMAKE_CURRENT_LIST_DIR}/hd_builders.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_box.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/tess_revolved.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/tess_revolved.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tess_torus.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tess_head.cpp)
