@@ -89,13 +89,14 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_po
 /// than a quarter of a ring chord between two rings. Each ring starts at one of its silhouette
 /// points, centre + r * unit(Z x tangent), and has the other half way round (a ring seen
 /// end-on splits along the axis instead); faces between rings are quadrilaterals, or two
-/// triangles where not planar. A sweep within 1e-9 of 2 pi is a full ring without ends;
-/// otherwise flat ends close the tube, each a strip across its end ring. A tube radius above
-/// the bend radius gives a closed face set that passes through itself near the axis.
-/// Faces: the start end, the tube between consecutive rings (ring by ring, round each ring
-/// from its first vertex), the far end; tag 0. Lines: the start ring's m chords, the first
-/// silhouette along the bend, the second, every inner ring seen end-on (m chords each), the far
-/// ring's m chords; no ring chords for a full ring.
+/// triangles (split along the shorter diagonal) where not planar. A sweep within 1e-9 of 2 pi is a
+/// full ring without ends; otherwise flat ends close the tube, each a strip across its end ring. A
+/// tube radius above the bend radius gives a closed face set that passes through itself near the
+/// axis. Faces: the start end, the tube between consecutive rings (ring by ring, round each ring
+/// from its first vertex), the far end; tag 0. Lines: the start ring's m chords, the tube's
+/// outline (every edge between a face turned towards the viewer and one turned away: the two
+/// silhouettes along the bend, and the whole of a ring seen end-on) ring by ring, the far ring's
+/// m chords; no end rings for a full ring.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
 /// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or

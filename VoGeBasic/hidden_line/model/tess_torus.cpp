@@ -8,8 +8,12 @@
 // normal to Z: centre +- r * unit(Z x t), t the tangent, exactly a disc's split points. Every
 // ring starts at one silhouette point and has the other half way round; consecutive rings keep
 // the same index for the same silhouette (the sign of the split is carried along the bend), so
-// the two silhouettes run along the face edges (ring k, 0) -> (ring k+1, 0) and (ring k, m/2) ->
-// (ring k+1, m/2), and no other edge between the rings is drawn.
+// that the faces' own outline, the edges between faces turned towards the viewer and faces
+// turned away, runs along the silhouettes (ring k, 0) -> (ring k+1, 0) and (ring k, m/2) ->
+// (ring k+1, m/2). That outline is what the elbow draws, with its end rims: never a seam, and
+// never a line that the faces contradict. Where the silhouette turns round the tube between
+// rings, the faces between them lean, and on the saddle side of the tube (towards the bend
+// centre) their outline may step a face away from the silhouette.
 #include <cmath>
 
 #include "hd_tessellators.h"
