@@ -45,11 +45,6 @@ struct Elbow {
     // Bend angles at which the tube is seen end-on (its ring is outline).
     std::vector<double> endOnAngles() const {
         std::vector<double> out;
-        for (int i = 0; i <= 200000; ++i) {
-            const double phi = angle * i / 200000;
-            if (std::fabs(std::fabs(tangent(phi).z) - 1.0) <= 1e-9)
-                out.push_back(phi);
-        }
         const P p = linComb(1.0, {0, 0, 1}, -a.z, a);
         if (vecDot(p, p) > 0) {
             const double phi0 = std::atan2(-vecDot(p, u0()), vecDot(p, vecCross(a, u0())));
