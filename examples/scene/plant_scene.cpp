@@ -61,9 +61,9 @@ public:
     void box(W p, double a, double b, double c, W u, W v) {
         Primitive prim;
         prim.kind = Primitive::Kind::Box;
-        prim.a = a;
-        prim.b = b;
-        prim.c = c;
+        prim.a = mm(a);
+        prim.b = mm(b);
+        prim.c = mm(c);
         prim.p = toDrawing(p);
         prim.u = dir(u);
         prim.v = dir(v);
@@ -87,19 +87,67 @@ public:
         box(corner, len, w, w, u, side);
     }
 
-    /// A cylinder-like prism of n sides with radius r on the axis a -> b.
-    void prism(W a, W b, double r, int n) {
-        const W d = unit({b.x - a.x, b.y - a.y, b.z - a.z});
-        W radial{-d.y, d.x, 0};
-        if (std::fabs(d.z) > 0.99)
-            radial = {1, 0, 0};
-        radial = unit(radial);
+    /// A straight pipe (a cylinder) of radius r on the axis a -> b.
+    void pipe(W a, W b, double r) { cone(a, b, r, r); }
+
+    /// A cone (a concentric reducer) on the axis a -> b, radius ra at a and rb at b.
+    void cone(W a, W b, double ra, double rb) {
         Primitive prim;
-        prim.kind = Primitive::Kind::Prism;
+        prim.kind = Primitive::Kind::Cone;
         prim.pa = toDrawing(a);
         prim.pb = toDrawing(b);
-        prim.pc = toDrawing(add(a, scale(r, radial)));
-        prim.n = n;
+        prim.a = mm(ra);
+        prim.b = mm(rb);
+        prims.push_back(prim);
+    }
+
+    /// A pipe elbow of tube radius r: its centre line leaves s and turns through angle
+    /// (radians) about the bend centre c, counter-clockwise about axis.
+    void elbow(W s, W c, W axis, double r, double angle) {
+        Primitive prim;
+        prim.kind = Primitive::Kind::Elbow;
+        prim.pa = toDrawing(s);
+        prim.center = toDrawing(c);
+        prim.normal = dir(axis);
+        prim.a = mm(r);
+        prim.b = angle;
+        prims.push_back(prim);
+    }
+
+    /// A sphere of radius r about c.
+    void sphere(W c, double r) {
+        Primitive prim;
+        prim.kind = Primitive::Kind::Sphere;
+        prim.center = toDrawing(c);
+        prim.a = mm(r);
+        prims.push_back(prim);
+    }
+
+    /// A dished vessel head on the base circle of radius r about c, bulging along axis: a
+    /// straight flange of length f, then a dish of height h.
+    void head(W c, W axis, double r, double h, double f) {
+        Primitive prim;
+        prim.kind = Primitive::Kind::Head;
+        prim.center = toDrawing(c);
+        prim.normal = dir(axis);
+        prim.a = mm(r);
+        prim.b = mm(h);
+        prim.c = mm(f);
+        prims.push_back(prim);
+    }
+
+    /// A ring platform of thickness t round the vertical axis through c, between radii ri
+    /// and ro, from angle a0 to a1 (radians).
+    void ringPlate(W c, double ri, double ro, double t, double a0, double a1) {
+        Primitive prim;
+        prim.kind = Primitive::Kind::RingPlate;
+        prim.center = toDrawing(c);
+        prim.normal = dir({0, 0, 1});
+        prim.a = mm(ri);
+        prim.b = mm(ro);
+        prim.c = mm(t);
+        prim.a0 = a0;
+        prim.a1 = a1;
         prims.push_back(prim);
     }
 
@@ -109,7 +157,7 @@ public:
         prim.kind = Primitive::Kind::Disc;
         prim.center = toDrawing(c);
         prim.normal = dir(nrm);
-        prim.a = r;
+        prim.a = mm(r);
         prims.push_back(prim);
     }
 
@@ -120,12 +168,14 @@ public:
         prim.pa = toDrawing(pa);
         prim.pb = toDrawing(pb);
         prim.pc = toDrawing(pc);
-        prim.c = h;
+        prim.c = mm(h);
         prims.push_back(prim);
     }
 
 private:
-    Pt toDrawing(W p) const { return view_.point(p.x, p.y, p.z); }
+    // The world is laid out in metres; the drawing is in millimetres, as plant models are.
+    Pt toDrawing(W p) const { return view_.point(mm(p.x), mm(p.y), mm(p.z)); }
+    static double mm(double metres) { return 1000.0 * metres; }
     Pt dir(W d) const {
         const Pt o = view_.point(0, 0, 0);
         const Pt q = view_.point(d.x, d.y, d.z);
@@ -164,21 +214,51 @@ void rackEnd(Builder& b, W o) {
         b.member(add(o, {0, 0, z}), add(o, {0, kRackWidth, z}), kSteel);
 }
 
+constexpr double kQuarterTurn = 1.5707963267948966;
+
 // A pipe lying on a beam level along the rack; it sinks slightly into the beams it rests on.
-void rackPipe(Builder& b, W o, double length, double y, double z, double r) {
+// A pipe that drops turns down through an elbow beyond the rack's end, runs down and turns
+// back east through a second elbow at the foot, and ends in a reducer.
+void rackPipe(Builder& b, W o, double length, double y, double z, double r, bool drop = false) {
     const double axisZ = z + 0.5 * kSteel + r - 0.02;
-    b.prism(add(o, {-0.5, y, axisZ}), add(o, {length + 0.5, y, axisZ}), r, 8);
+    const W end = add(o, {length + 0.5, y, axisZ});
+    b.pipe(add(o, {-0.5, y, axisZ}), end, r);
+    if (!drop)
+        return;
+    const double bend = 3.0 * r;  // elbows of 1.5 diameters
+    b.elbow(end, add(end, {0, 0, -bend}), {0, 1, 0}, r, kQuarterTurn);
+    const W top = add(end, {bend, 0, -bend});
+    const W foot = {top.x, top.y, 0.6 + bend};
+    b.pipe(top, foot, r);
+    b.elbow(foot, add(foot, {bend, 0, 0}), {0, -1, 0}, r, kQuarterTurn);
+    const W out = add(foot, {bend, 0, -bend});
+    b.pipe(out, add(out, {1.2, 0, 0}), r);
+    b.cone(add(out, {1.2, 0, 0}), add(out, {1.7, 0, 0}), r, 0.6 * r);
 }
 
 void pump(Builder& b, W o, double yaw) {
-    b.block(o, 2.4, 1.0, 0.4, yaw);                                        // skid
-    b.block(add(o, {0.2, 0.2, 0.4}), 1.0, 0.6, 0.7, yaw);                  // motor
-    b.prism(add(o, {1.5, 0.5, 0.75}), add(o, {2.3, 0.5, 0.75}), 0.35, 8);  // casing
+    const double t = yaw * kDegToRad;
+    const W along{std::cos(t), std::sin(t), 0};
+    const W across{-std::sin(t), std::cos(t), 0};
+    auto at = [&](double x, double y, double z) {
+        return add(o, add(scale(x, along), add(scale(y, across), W{0, 0, z})));
+    };
+    b.block(o, 2.4, 1.0, 0.4, yaw);                              // skid
+    b.block(at(0.2, 0.2, 0.4), 1.0, 0.6, 0.7, yaw);              // motor
+    b.pipe(at(1.4, 0.5, 0.75), at(2.3, 0.5, 0.75), 0.35);        // casing
+    b.pipe(at(1.85, 0.5, 1.05), at(1.85, 0.5, 1.6), 0.12);       // discharge
+    b.cone(at(2.3, 0.5, 0.75), at(2.6, 0.5, 0.75), 0.18, 0.12);  // suction reducer
 }
 
+// A vertical vessel on a skirt, with dished heads and a ring platform near the top.
 void verticalVessel(Builder& b, W o, double r, double h) {
-    b.prism(o, add(o, {0, 0, h}), r, 12);
-    b.disc(add(o, {0, 0, h}), r, {0, 0, 1});
+    const double z0 = 1.2;
+    const double dish = 0.5 * r;
+    b.pipe(o, add(o, {0, 0, z0}), r);  // skirt
+    b.head(add(o, {0, 0, z0}), {0, 0, -1}, r, dish, 0.05);
+    b.pipe(add(o, {0, 0, z0}), add(o, {0, 0, h}), r);
+    b.head(add(o, {0, 0, h}), {0, 0, 1}, r, dish, 0.05);
+    b.ringPlate(add(o, {0, 0, 0.7 * h}), r + 0.1, r + 1.1, 0.15, 0.0, 4.71238898038469);
     b.block(add(o, {-r - 0.3, -r - 0.3, 0}), 2 * r + 0.6, 2 * r + 0.6, 0.3, 0);  // plinth
 }
 
@@ -188,9 +268,21 @@ void horizontalDrum(Builder& b, W o, double r, double len) {
         b.wedge(add(o, {x - 0.8, -0.3, 0}), add(o, {x + 0.8, -0.3, 0}), add(o, {x, -0.3, axisZ}),
                 0.6);
     }
-    b.prism(add(o, {0, 0, axisZ}), add(o, {len, 0, axisZ}), r, 12);
-    b.disc(add(o, {0, 0, axisZ}), r, {-1, 0, 0});
-    b.disc(add(o, {len, 0, axisZ}), r, {1, 0, 0});
+    b.pipe(add(o, {0, 0, axisZ}), add(o, {len, 0, axisZ}), r);
+    b.head(add(o, {0, 0, axisZ}), {-1, 0, 0}, r, 0.5 * r, 0.05);
+    b.head(add(o, {len, 0, axisZ}), {1, 0, 0}, r, 0.5 * r, 0.05);
+}
+
+// A storage sphere on four legs, its inlet pipe entering from the top.
+void storageSphere(Builder& b, W o, double r) {
+    const W c = add(o, {0, 0, r + 1.5});
+    b.sphere(c, r);
+    for (int k = 0; k < 4; ++k) {
+        const double t = (45.0 + 90.0 * k) * kDegToRad;
+        const W foot = add(o, {0.9 * r * std::cos(t), 0.9 * r * std::sin(t), 0});
+        b.member(foot, add(foot, {0, 0, r + 1.5}), 0.25);
+    }
+    b.pipe(add(c, {0, 0, 0.6 * r}), add(c, {0, 0, r + 1.0}), 0.15 * r);
 }
 
 void building(Builder& b, W o, double a, double d, double h, double yaw) {
@@ -198,9 +290,10 @@ void building(Builder& b, W o, double a, double d, double h, double yaw) {
     b.block(add(o, {0.5, 0.5, h}), 1.2, 1.2, 0.8, yaw);  // roof unit, sitting on the roof
 }
 
+// A storage tank with a conical roof.
 void tank(Builder& b, W o, double r, double h) {
-    b.prism(o, add(o, {0, 0, h}), r, 12);
-    b.disc(add(o, {0, 0, h}), r, {0, 0, 1});
+    b.pipe(o, add(o, {0, 0, h}), r);
+    b.cone(add(o, {0, 0, h}), add(o, {0, 0, h + 0.25 * r}), r, 0.0);
 }
 
 // One unit of a plant: a rack of `bays` bays with pipes, equipment on both sides.
@@ -210,7 +303,8 @@ void plantUnit(Builder& b, W o, int bays, Rng& rng) {
     rackEnd(b, add(o, {bays * kBay, 0, 0}));
     const double len = bays * kBay;
     for (int k = 0; k < 3; ++k) {
-        rackPipe(b, o, len, 0.8 + k * 1.6 + rng.uniform(0, 0.4), kLevel1, rng.uniform(0.15, 0.35));
+        rackPipe(b, o, len, 0.8 + k * 1.6 + rng.uniform(0, 0.4), kLevel1, rng.uniform(0.15, 0.35),
+                 k == 1);
     }
     rackPipe(b, o, len, 1.5 + rng.uniform(0, 2.5), kLevel2, rng.uniform(0.2, 0.4));
     for (int i = 0; i < bays; i += 2) {
@@ -232,12 +326,15 @@ void plantUnit(Builder& b, W o, int bays, Rng& rng) {
                          rng.uniform(-10, 10));
                 break;
         }
-        switch (rng.pick(3)) {
+        switch (rng.pick(4)) {
             case 0:
                 tank(b, north, rng.uniform(1.5, 3.0), rng.uniform(4, 8));
                 break;
             case 1:
                 pump(b, north, rng.uniform(150, 210));
+                break;
+            case 2:
+                storageSphere(b, north, rng.uniform(1.5, 2.5));
                 break;
             default:
                 verticalVessel(b, north, rng.uniform(0.6, 1.2), rng.uniform(3, 7));
@@ -277,7 +374,7 @@ std::vector<Primitive> builtinPlant() {
     for (int i = 0; i < 3; ++i)
         rackBay(b, {i * kBay, 0, 0}, i == 1);
     rackEnd(b, {3 * kBay, 0, 0});
-    rackPipe(b, {0, 0, 0}, 3 * kBay, 1.2, kLevel1, 0.3);
+    rackPipe(b, {0, 0, 0}, 3 * kBay, 1.2, kLevel1, 0.3, true);
     rackPipe(b, {0, 0, 0}, 3 * kBay, 3.0, kLevel1, 0.25);
     rackPipe(b, {0, 0, 0}, 3 * kBay, 2.2, kLevel2, 0.35);
     // Two boxes, one behind the other.
@@ -289,6 +386,8 @@ std::vector<Primitive> builtinPlant() {
     verticalVessel(b, {20, -4, 0}, 1.2, 7);
     horizontalDrum(b, {8, 9, 0}, 1.0, 6);
     pump(b, {1, 10, 0}, 0);
+    storageSphere(b, {26, 8, 0}, 2.0);
+    tank(b, {16, 14, 0}, 2.0, 4.0);
     return b.prims;
 }
 
@@ -318,6 +417,17 @@ geolib::_s_hd_prof_* tessellate(const Primitive& prim) {
             return geolib::ep_divide_pri(prim.pa, prim.pb, prim.pc, prim.n);
         case Primitive::Kind::Disc:
             return geolib::ep_divide_cir(prim.center, prim.a, prim.normal);
+        case Primitive::Kind::Cone:
+            return geolib::ep_divide_con(prim.pa, prim.pb, prim.a, prim.b);
+        case Primitive::Kind::Sphere:
+            return geolib::ep_divide_sph(prim.center, prim.a);
+        case Primitive::Kind::Elbow:
+            return geolib::ep_divide_tor(prim.a, prim.b, prim.center, prim.pa, prim.normal, prim.n);
+        case Primitive::Kind::Head:
+            return geolib::ep_divide_ova(prim.a, prim.b, prim.c, prim.center, prim.normal);
+        case Primitive::Kind::RingPlate:
+            return geolib::ep_divide_sad(prim.a, prim.b, prim.c, prim.center, prim.a0, prim.a1,
+                                         prim.normal);
     }
     return nullptr;
 }

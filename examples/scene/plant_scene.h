@@ -2,9 +2,11 @@
 //
 // Not part of the library: a deterministic generator of primitives (pipe racks of columns,
 // beams and braces; pumps, vessels, drums, tanks and their supports; pipes on the racks)
-// placed in world coordinates (X east, Y north, Z up) and turned into drawing coordinates by
-// an oblique view, so that objects overlap in the drawing plane at many depths, hide each
-// other and in places cut through each other.
+// placed in world coordinates (X east, Y north, Z up, in metres) and turned into drawing
+// coordinates (millimetres, as plant models are) by an oblique view, so that objects overlap in
+// the drawing plane at many depths, hide each other and in places cut through each other.
+// Pipes, elbows, reducers, vessels with dished heads, spheres and ring platforms are built from
+// the curved primitives; steel, equipment and buildings from boxes and wedges.
 #ifndef VOGEBASIC_EXAMPLES_PLANT_SCENE_H
 #define VOGEBASIC_EXAMPLES_PLANT_SCENE_H
 
@@ -19,13 +21,21 @@ using Pt = geolib::_s_hd_point_;
 
 /// One primitive, in drawing coordinates, with the arguments of its tessellator.
 struct Primitive {
-    enum class Kind { Box, Wedge, Prism, Disc };
+    enum class Kind { Box, Wedge, Prism, Disc, Cone, Sphere, Elbow, Head, RingPlate };
     Kind kind = Kind::Box;
-    double a = 0, b = 0, c = 0;  ///< Box: edge lengths along u and v, height. Wedge: c = h.
-    Pt p{}, u{}, v{};            ///< Box: corner and unit edge directions.
-    Pt pa{}, pb{}, pc{};         ///< Wedge: triangle. Prism: axis pa -> pb, pc = a base vertex.
-    int n = 0;                   ///< Prism: number of sides. Box: flag.
-    Pt center{}, normal{};       ///< Disc: centre and normal; a = radius.
+    /// Box: edge lengths along u and v, height. Wedge: c = h. Disc, Sphere: a = radius.
+    /// Cone: a, b = radii at pa and pb. Elbow: a = tube radius, b = swept angle.
+    /// Head: a = radius, b = height of the dished part, c = flange length.
+    /// RingPlate: a, b = inner and outer radius, c = thickness.
+    double a = 0, b = 0, c = 0;
+    Pt p{}, u{}, v{};       ///< Box: corner and unit edge directions.
+    Pt pa{}, pb{}, pc{};    ///< Wedge: triangle. Prism: axis pa -> pb, pc = a base vertex.
+                            ///< Cone: axis pa -> pb. Elbow: pa = start of the centre line.
+    int n = 0;              ///< Prism: number of sides. Box: flag. Elbow: chords (0: chosen).
+    Pt center{}, normal{};  ///< Disc: centre and normal. Sphere: centre. Elbow: bend centre
+                            ///< and bend axis. Head: base centre and axis. RingPlate: centre
+                            ///< and axis.
+    double a0 = 0, a1 = 0;  ///< RingPlate: start and end angle.
 };
 
 /// A parallel view: drawing = R . world, rows of R = screen right, screen down, depth.

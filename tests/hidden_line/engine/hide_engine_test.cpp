@@ -58,12 +58,57 @@ void expectEngineMatchesReference(std::vector<_s_hd_prof_*> forEngine,
     }
 }
 
+// Curved solids in the views where their outlines degenerate, cutting through each other: a
+// pipe along the view axis entering a sphere, a cone seen into, an elbow seen along its bend
+// axis and one along its tube, an elbow whose tube overlaps itself, heads facing the viewer and
+// seen edge-on, a ring plate round a pipe.
+std::vector<vgscene::Primitive> curvedScene() {
+    using K = vgscene::Primitive::Kind;
+    using P = _s_hd_point_;
+    auto prim = [](K kind, double a, double b, double c) {
+        vgscene::Primitive p;
+        p.kind = kind;
+        p.a = a;
+        p.b = b;
+        p.c = c;
+        return p;
+    };
+    std::vector<vgscene::Primitive> out;
+    auto cone = [&](P pa, P pb, double ra, double rb) {
+        out.push_back(prim(K::Cone, ra, rb, 0));
+        out.back().pa = pa;
+        out.back().pb = pb;
+    };
+    auto round = [&](K kind, P center, P normal, double a, double b, double c) {
+        out.push_back(prim(kind, a, b, c));
+        out.back().center = center;
+        out.back().normal = normal;
+    };
+    round(K::Sphere, {0, 0, 0}, {}, 2.0, 0, 0);
+    cone({0, 0, -5}, {0, 0, 1}, 0.5, 0.5);               // along the view axis into the sphere
+    cone({1, 1, -3}, {1.5, 1.2, 3}, 1.5, 0.2);           // seen into, crossing the sphere
+    cone({-3, -1, 0}, {3, 1, 0.5}, 0.4, 0.8);            // across, cutting sphere and pipes
+    round(K::Elbow, {4, 0, 0}, {0, 0, 1}, 0.5, 3.0, 0);  // bend axis along the view
+    out.back().pa = {6, 0, 0};
+    round(K::Elbow, {4, 3, 0}, {1, 0, 0}, 0.5, 1.5707963267948966, 0);  // end on at its start
+    out.back().pa = {4, 5, 0};
+    round(K::Elbow, {0, 5, 1}, {0.3, 0.4, 0.866}, 0.9, 6.283185307179586, 0);  // overlapping
+    out.back().pa = {0.8 * 0.866, 5, 1 - 0.8 * 0.3};
+    round(K::Head, {-4, 3, 0}, {0, 0, -1}, 1.2, 0.6, 0.1);  // facing the viewer
+    round(K::Head, {-4, -3, 0}, {1, 0, 0}, 1.2, 0.6, 0.0);  // seen across
+    round(K::RingPlate, {0, 0, -3}, {0, 0, 1}, 0.6, 1.6, 0.2);
+    out.back().a0 = 0.5;
+    out.back().a1 = 5.0;
+    return out;
+}
+
 TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
     const struct {
         const char* id;
         std::vector<vgscene::Primitive> prims;
     } scenes[] = {
         {"built-in plant", vgscene::builtinPlant()},
+        {"curved solids", curvedScene()},
         {"150 primitives, seed 1", vgscene::generatePlant(150, 1)},
         {"150 primitives, seed 7", vgscene::generatePlant(150, 7)},
         {"400 primitives, seed 3", vgscene::generatePlant(400, 3)},
