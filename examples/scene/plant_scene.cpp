@@ -59,8 +59,7 @@ public:
     /// A box from its corner p along the unit directions u (length a) and v (b), height c
     /// along u x v.
     void box(W p, double a, double b, double c, W u, W v) {
-        Primitive prim;
-        prim.kind = Primitive::Kind::Box;
+        Primitive& prim = newPrimitive(Primitive::Kind::Box);
         prim.a = mm(a);
         prim.b = mm(b);
         prim.c = mm(c);
@@ -68,7 +67,6 @@ public:
         prim.u = dir(u);
         prim.v = dir(v);
         prim.n = 1;
-        prims.push_back(prim);
     }
 
     /// A straight member of square section w from a to b (columns, beams, braces).
@@ -92,55 +90,46 @@ public:
 
     /// A cone (a concentric reducer) on the axis a -> b, radius ra at a and rb at b.
     void cone(W a, W b, double ra, double rb) {
-        Primitive prim;
-        prim.kind = Primitive::Kind::Cone;
+        Primitive& prim = newPrimitive(Primitive::Kind::Cone);
         prim.pa = toDrawing(a);
         prim.pb = toDrawing(b);
         prim.a = mm(ra);
         prim.b = mm(rb);
-        prims.push_back(prim);
     }
 
     /// A pipe elbow of tube radius r: its centre line leaves s and turns through angle
     /// (radians) about the bend centre c, counter-clockwise about axis.
     void elbow(W s, W c, W axis, double r, double angle) {
-        Primitive prim;
-        prim.kind = Primitive::Kind::Elbow;
+        Primitive& prim = newPrimitive(Primitive::Kind::Elbow);
         prim.pa = toDrawing(s);
         prim.center = toDrawing(c);
         prim.normal = dir(axis);
         prim.a = mm(r);
         prim.b = angle;
-        prims.push_back(prim);
     }
 
     /// A sphere of radius r about c.
     void sphere(W c, double r) {
-        Primitive prim;
-        prim.kind = Primitive::Kind::Sphere;
+        Primitive& prim = newPrimitive(Primitive::Kind::Sphere);
         prim.center = toDrawing(c);
         prim.a = mm(r);
-        prims.push_back(prim);
     }
 
     /// A dished vessel head on the base circle of radius r about c, bulging along axis: a
     /// straight flange of length f, then a dish of height h.
     void head(W c, W axis, double r, double h, double f) {
-        Primitive prim;
-        prim.kind = Primitive::Kind::Head;
+        Primitive& prim = newPrimitive(Primitive::Kind::Head);
         prim.center = toDrawing(c);
         prim.normal = dir(axis);
         prim.a = mm(r);
         prim.b = mm(h);
         prim.c = mm(f);
-        prims.push_back(prim);
     }
 
     /// A ring platform of thickness t round the vertical axis through c, between radii ri
     /// and ro, from angle a0 to a1 (radians).
     void ringPlate(W c, double ri, double ro, double t, double a0, double a1) {
-        Primitive prim;
-        prim.kind = Primitive::Kind::RingPlate;
+        Primitive& prim = newPrimitive(Primitive::Kind::RingPlate);
         prim.center = toDrawing(c);
         prim.normal = dir({0, 0, 1});
         prim.a = mm(ri);
@@ -148,31 +137,31 @@ public:
         prim.c = mm(t);
         prim.a0 = a0;
         prim.a1 = a1;
-        prims.push_back(prim);
     }
 
     /// A flat disc of radius r at c with normal nrm.
     void disc(W c, double r, W nrm) {
-        Primitive prim;
-        prim.kind = Primitive::Kind::Disc;
+        Primitive& prim = newPrimitive(Primitive::Kind::Disc);
         prim.center = toDrawing(c);
         prim.normal = dir(nrm);
         prim.a = mm(r);
-        prims.push_back(prim);
     }
 
     /// A triangle pa, pb, pc extruded by h (saddles, supports, ramps).
     void wedge(W pa, W pb, W pc, double h) {
-        Primitive prim;
-        prim.kind = Primitive::Kind::Wedge;
+        Primitive& prim = newPrimitive(Primitive::Kind::Wedge);
         prim.pa = toDrawing(pa);
         prim.pb = toDrawing(pb);
         prim.pc = toDrawing(pc);
         prim.c = mm(h);
-        prims.push_back(prim);
     }
 
 private:
+    Primitive& newPrimitive(Primitive::Kind kind) {
+        prims.emplace_back();
+        prims.back().kind = kind;
+        return prims.back();
+    }
     // The world is laid out in metres; the drawing is in millimetres, as plant models are.
     Pt toDrawing(W p) const { return view_.point(mm(p.x), mm(p.y), mm(p.z)); }
     static double mm(double metres) { return 1000.0 * metres; }
