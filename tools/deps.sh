@@ -1,14 +1,19 @@
 #!/usr/bin/env bash
 # Installs what building and testing VoGeBasic needs on a Debian machine, when it is missing:
-# compiler, CMake, Ninja, GoogleTest and Google Benchmark (with --fuzz: clang with libFuzzer).
-# Does nothing when all are there.
+# compiler, CMake, Ninja, CLI11, GoogleTest and Google Benchmark (with --tool: only what the
+# library and the drawing tool need; with --fuzz: clang with libFuzzer). Does nothing when all
+# are there.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev pkgconf binutils)
+packages=(g++ cmake ninja-build libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev pkgconf binutils)
 # With --fuzz: clang and its runtime libraries (libFuzzer, the sanitizers) for the fuzz preset.
-if [[ "${1:-}" == "--fuzz" ]]; then
-  packages=(clang libclang-rt-dev)
-fi
+# With --tool: the library and vogedraw only (the tool preset), no test tools.
+case "${1:-}" in
+  --fuzz) packages=(clang libclang-rt-dev) ;;
+  --tool) packages=(g++ cmake ninja-build libcli11-dev) ;;
+  "") ;;
+  *) echo "usage: $0 [--tool | --fuzz]" >&2; exit 2 ;;
+esac
 missing=()
 for p in "${packages[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
