@@ -163,6 +163,7 @@ bool writeDxf(std::FILE* f, const Drawing& d) {
                       "0\nLAYER\n2\nHIDDEN\n70\n0\n62\n8\n6\nDASHED\n"
                       "0\nENDTAB\n"
                       "0\nENDSEC\n"
+                      "0\nSECTION\n2\nBLOCKS\n0\nENDSEC\n"
                       "0\nSECTION\n2\nENTITIES\n",
                       2 * dash, dash, -dash) > 0 &&
          ok;
