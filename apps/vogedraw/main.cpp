@@ -9,8 +9,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <condition_variable>
 #include <cstdio>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <unistd.h>
@@ -33,7 +36,8 @@ double msSince(Clock::time_point t0) {
 }
 
 // Progress on stderr: shown only when stderr is a terminal and the run has taken over a
-// second, at most ten times a second; the line is cleared at the end.
+// second, at most ten times a second; the line is cleared at the end. A stage that is one
+// library call (the hide pass) shows its elapsed seconds from a ticking thread.
 class Progress {
 public:
     Progress() : tty_(::isatty(2) == 1), start_(Clock::now()), last_(start_) {}
@@ -42,6 +46,7 @@ public:
     void show(const char* stage, long k, long total) {
         if (!tty_)
             return;
+        std::lock_guard<std::mutex> lock(mutex_);
         const Clock::time_point now = Clock::now();
         if (now - start_ < std::chrono::seconds(1) ||
             (shown_ && now - last_ < std::chrono::milliseconds(100) && k != total))
@@ -51,10 +56,36 @@ public:
         if (total > 0)
             std::fprintf(stderr, "\r%s %ld/%ld\033[K", stage, k, total);
         else
-            std::fprintf(stderr, "\r%s...\033[K", stage);
+            std::fprintf(stderr, "\r%s... %ld s\033[K", stage, k);
         std::fflush(stderr);
     }
+    /// Shows stage with its elapsed seconds until stopTicking.
+    void startTicking(const char* stage) {
+        if (!tty_)
+            return;
+        ticking_ = true;
+        ticker_ = std::thread([this, stage] {
+            const Clock::time_point t0 = Clock::now();
+            std::unique_lock<std::mutex> lock(tickMutex_);
+            while (!tick_.wait_for(lock, std::chrono::milliseconds(200),
+                                   [this] { return !ticking_; })) {
+                show(stage, static_cast<long>(msSince(t0) / 1000.0), 0);
+            }
+        });
+    }
+    void stopTicking() {
+        if (!ticker_.joinable())
+            return;
+        {
+            std::lock_guard<std::mutex> lock(tickMutex_);
+            ticking_ = false;
+        }
+        tick_.notify_one();
+        ticker_.join();
+    }
     void done() {
+        stopTicking();
+        std::lock_guard<std::mutex> lock(mutex_);
         if (shown_)
             std::fprintf(stderr, "\r\033[K");
         shown_ = false;
@@ -64,6 +95,11 @@ private:
     bool tty_;
     bool shown_ = false;
     Clock::time_point start_, last_;
+    std::mutex mutex_;
+    std::mutex tickMutex_;
+    std::condition_variable tick_;
+    bool ticking_ = false;
+    std::thread ticker_;
 };
 
 std::string lowerExtension(const std::string& path) {
@@ -192,8 +228,9 @@ int main(int argc, char** argv) {
     }
 
     t = Clock::now();
-    progress.show("hide pass", 0, 0);
+    progress.startTicking("hide pass");
     _s_hd_proline_* visible = geolib::kestHideObject(objs.list.data(), count);
+    progress.stopTicking();
     const double tHide = msSince(t);
     if (visible == nullptr && lines > 0) {
         // Null is also the answer when nothing is visible; a drawing with lines has some.

@@ -26,6 +26,10 @@ struct Form {
 const std::vector<Form>& forms() {
     static const std::vector<Form> table = {
         {Kind::Box, "box", {"x", "y", "z", "dx", "dy", "dz"}, 0},
+        {Kind::OrientedBox,
+         "obox",
+         {"x", "y", "z", "a", "b", "c", "ux", "uy", "uz", "vx", "vy", "vz"},
+         0},
         {Kind::Wedge, "wedge", {"ax", "ay", "az", "bx", "by", "bz", "cx", "cy", "cz", "h"}, 0},
         {Kind::Prism, "prism", {"ax", "ay", "az", "bx", "by", "bz", "sx", "sy", "sz", "n"}, 100000},
         {Kind::Line, "line", {"x0", "y0", "z0", "x1", "y1", "z1"}, 0},

@@ -12,6 +12,7 @@ namespace vogedraw {
 /// The primitives of the model format, one per tessellator of the library.
 enum class Kind {
     Box,
+    OrientedBox,
     Wedge,
     Prism,
     Line,

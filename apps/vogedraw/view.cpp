@@ -144,6 +144,20 @@ _s_hd_prof_* tessellate(const Primitive& prim, const VoGeMatrix3D& m, std::strin
             return geolib::ep_divide_box(s[0], s[1], s[2], p.rotate({c[0], c[1], c[2]}),
                                          p.rotate({1, 0, 0}), p.rotate({0, 1, 0}), 1);
         }
+        case Kind::OrientedBox: {
+            // u as given, v made square to it: the box is right-angled whatever v was.
+            const V3 u = unit({p.num(6), p.num(7), p.num(8)});
+            const V3 v0{p.num(9), p.num(10), p.num(11)};
+            const double along = dot(v0, u);
+            const V3 v = unit({v0.x - along * u.x, v0.y - along * u.y, v0.z - along * u.z});
+            if (dot(u, u) < 0.5 || dot(v, v) < 0.5 ||
+                std::sqrt(dot(cross(u, v0), cross(u, v0))) <= 1e-9 * std::sqrt(dot(v0, v0))) {
+                why = "u and v are null or parallel";
+                return nullptr;
+            }
+            return geolib::ep_divide_box(p.num(3), p.num(4), p.num(5), p.point(0), p.rotate(u),
+                                         p.rotate(v), 1);
+        }
         case Kind::Wedge:
             return geolib::ep_divide_wed(p.point(0), p.point(3), p.point(6), p.num(9));
         case Kind::Prism:

@@ -167,13 +167,17 @@ bool writeDxf(std::FILE* f, const Drawing& d) {
                       "0\nSECTION\n2\nENTITIES\n",
                       2 * dash, dash, -dash) > 0 &&
          ok;
-    // Drawing Y runs down the sheet; DXF's runs up.
+    // Drawing Y runs down the sheet; DXF's runs up. Rounding noise near zero is written as 0.
+    const double tiny = 1e-12 * std::fmax(std::fmax(std::fabs(e.xmin), std::fabs(e.xmax)),
+                                          std::fmax(std::fabs(e.ymin), std::fabs(e.ymax)));
+    auto clean = [tiny](double v) { return std::fabs(v) <= tiny ? 0.0 : v; };
     auto lines = [&](const std::vector<Segment>& set, const char* layer) {
-        for (const Segment& s : set) {
+        for (const Segment& s0 : set) {
+            const Segment s{clean(s0.x0), clean(-s0.y0), clean(s0.x1), clean(-s0.y1)};
             ok = std::fprintf(f,
                               "0\nLINE\n8\n%s\n10\n%.10g\n20\n%.10g\n30\n0.0\n11\n%.10g\n21\n%."
                               "10g\n31\n0.0\n",
-                              layer, s.x0, -s.y0, s.x1, -s.y1) > 0 &&
+                              layer, s.x0, s.y0, s.x1, s.y1) > 0 &&
                  ok;
         }
     };

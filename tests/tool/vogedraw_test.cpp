@@ -56,7 +56,7 @@ TEST(ModelReader, RejectsBadLinesNamingLineAndField) {
 TEST(ModelReader, ReadsEveryPrimitiveWithCommentsAndBlankLines) {
     const std::string text =
         "# every primitive\n\n"
-        "box 0 0 0 1 1 1  # trailing comment\n"
+        "box 0 0 0 1 1 1  # trailing comment\nobox 0 0 0 1 2 3 1 1 0 -1 1 0\n"
         "wedge 0 0 0 1 0 0 0 1 0 1\nprism 0 0 0 0 0 1 1 0 0 0\nline 0 0 0 1 1 1\n"
         "polyline 0 0 0 1 0 0 1 1 0\ndisc 0 0 0 1 0 0 1\ncone 0 0 0 0 0 1 1 0.5\n"
         "cylinder 0 0 0 0 0 1 1\necone 0 0 0 0.5 0 1 1 0.5 0 0 1\n"
@@ -66,9 +66,9 @@ TEST(ModelReader, ReadsEveryPrimitiveWithCommentsAndBlankLines) {
     std::vector<Primitive> prims;
     std::string error;
     ASSERT_TRUE(parse(text, prims, error)) << error;
-    ASSERT_EQ(prims.size(), 16u);
+    ASSERT_EQ(prims.size(), 17u);
     EXPECT_EQ(prims[0].line, 3);
-    EXPECT_EQ(prims[4].v.size(), 9u);
+    EXPECT_EQ(prims[5].v.size(), 9u);
     for (const Primitive& p : prims)
         EXPECT_NE(std::string(vogedraw::keywordOf(p.kind)), "?");
 }
