@@ -15,7 +15,8 @@ namespace vogedraw {
 namespace {
 
 // One primitive of the format: its fields, by name. A field named "n" must be an integer in
-// 0..maxN; a trailing "[n]" field may be left out (0). A polyline takes points of x y z.
+// 0..maxN (a thousand chords or sides: more only slow the hide pass down); a trailing "[n]" field
+// may be left out (0). A polyline takes points of x y z.
 struct Form {
     Kind kind;
     const char* keyword;
@@ -31,7 +32,7 @@ const std::vector<Form>& forms() {
          {"x", "y", "z", "a", "b", "c", "ux", "uy", "uz", "vx", "vy", "vz"},
          0},
         {Kind::Wedge, "wedge", {"ax", "ay", "az", "bx", "by", "bz", "cx", "cy", "cz", "h"}, 0},
-        {Kind::Prism, "prism", {"ax", "ay", "az", "bx", "by", "bz", "sx", "sy", "sz", "n"}, 100000},
+        {Kind::Prism, "prism", {"ax", "ay", "az", "bx", "by", "bz", "sx", "sy", "sz", "n"}, 1000},
         {Kind::Line, "line", {"x0", "y0", "z0", "x1", "y1", "z1"}, 0},
         {Kind::Polyline, "polyline", {}, 0},
         {Kind::Disc, "disc", {"cx", "cy", "cz", "r", "nx", "ny", "nz"}, 0},
@@ -54,7 +55,7 @@ const std::vector<Form>& forms() {
         {Kind::Elbow,
          "elbow",
          {"r", "angle", "cx", "cy", "cz", "sx", "sy", "sz", "ax", "ay", "az", "[n]"},
-         10000},
+         1000},
         {Kind::Head, "head", {"r", "h", "f", "cx", "cy", "cz", "ax", "ay", "az"}, 0},
         {Kind::RingPlate,
          "ringplate",
@@ -83,7 +84,7 @@ bool toNumber(const std::string& word, double& value, std::string& why) {
         return false;
     }
     if (std::fabs(value) > kMaxCoordinate) {
-        why = "out of range (magnitude above 1e7): '" + word + "'";
+        why = "out of range (magnitude above 1e6): '" + word + "'";
         return false;
     }
     return true;

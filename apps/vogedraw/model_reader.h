@@ -38,7 +38,7 @@ struct Primitive {
 };
 
 /// Limits of the reader: larger values are refused as absurd rather than passed on.
-constexpr double kMaxCoordinate = 1e7;  ///< largest magnitude of any number
+constexpr double kMaxCoordinate = 1e6;  ///< largest magnitude of any number
 constexpr int kMaxPolylinePoints = 100000;
 constexpr int kMaxPrimitives = 10000000;
 
