@@ -180,6 +180,54 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, double a0,
                                          double a1);
 
+// ---- doubly curved primitives: pipe elbow and dished head ---------------------------------------
+
+/// A pipe elbow: a tube of radius r whose centre line is the arc about the bend centre c that
+/// starts at s and sweeps `angle` radians (0 < angle <= 2 pi) counter-clockwise about `axis`
+/// seen from its tip. The bend radius is |s - c|; s - c must be normal to the axis within 1e-6
+/// of its length; the axis is normalised. The tube is cut into rings of m = 8, 10 or 12
+/// vertices (the disc's rule on r) at n + 1 stations along the bend at equal angles (n = 0:
+/// getArcDivideNum on the outer radius |s - c| + r for the sweep, 8 to 12 chords), with further
+/// rings where the tube is seen end-on and wherever its silhouette turns round the tube by more
+/// than a quarter of a ring chord between two rings. Each ring starts at one of its silhouette
+/// points, centre + r * unit(Z x tangent), and has the other half way round (a ring seen
+/// end-on splits along the axis instead); faces between rings are quadrilaterals, or two
+/// triangles (split along the shorter diagonal) where not planar. A sweep within 1e-9 of 2 pi is a
+/// full ring without ends; otherwise flat ends close the tube, each a strip across its end ring. A
+/// tube radius above the bend radius gives a closed face set that passes through itself near the
+/// axis. Faces: the start end, the tube between consecutive rings (ring by ring, round each ring
+/// from its first vertex), the far end; tag 0. Lines: the start ring's m chords, the tube's
+/// outline (every edge between a face turned towards the viewer and one turned away: the two
+/// silhouettes along the bend, and the whole of a ring seen end-on) ring by ring, the far ring's
+/// m chords; no end rings for a full ring.
+/// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
+/// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
+/// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or
+/// above 100000, or if an allocation fails.
+VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ s,
+                                         _s_hd_point_ axis, int n);
+
+/// A dished (semi-ellipsoidal) vessel head: a straight flange, the cylinder of radius r from c to
+/// c + f * axis (none when f is 0), then half an ellipsoid of revolution of base radius r and
+/// height h along the axis (normalised), its apex at c + (f + h) * axis; closed at c by a flat
+/// base. The flange's two rings have m = 8, 10 or 12 vertices (the disc's rule on r), split at
+/// c +- r * e0, e0 = unit(Z x axis) (the disc's split (r, 0, 0) only for an axis exactly along
+/// Z). The dome is cut along meridians from e0 to -e0 over the apex, one of them its contour
+/// in the view along Z, and along parallels about e0 through the ring's vertices; it meets the
+/// flange smoothly.
+/// Faces: the base (a strip across the base ring), the flange (one per ring chord), the dome
+/// meridian by meridian from the side of axis x e0; tag 0. Lines: the base ring's m chords,
+/// the flange's two silhouette generators (unless f is 0 or the axis lies along Z), the dome's
+/// contour from e0 over the top to -e0 (m / 2 chords), and, when f is above 0, the flange's top
+/// ring. The last two are exclusive: seen so nearly along the axis that the hide pass takes the
+/// flange's faces as edge-on (the axis within 0.0003 of Z), the top ring is drawn instead of
+/// the dome's contour, which hugs it.
+/// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
+/// null on non-finite input, when r or h is below 0.01, when f is negative, for a null axis, or
+/// if an allocation fails.
+VOGEBASIC_API _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c,
+                                         _s_hd_point_ axis);
+
 }  // namespace geolib
 
 #endif  // VOGEBASIC_HD_TESSELLATORS_H

@@ -344,8 +344,9 @@ bool isFlatTriangle(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, double size)
 
 }  // namespace
 
-void HDProfDraft::addPlanarQuad(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
+PlanarQuadFaces planarQuadFaces(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
                                 double size) {
+    PlanarQuadFaces out;
     const bool flat1 = isFlatTriangle(p1, p2, p3, size);
     const bool flat2 = isFlatTriangle(p1, p3, p4, size);
     if (!flat1 && !flat2) {
@@ -355,14 +356,75 @@ void HDProfDraft::addPlanarQuad(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p
         const double volume = det3x3(a.x, a.y, a.z, b.x, b.y, b.z, c.x, c.y, c.z);
         const _s_hd_point_ n = vecCross(a, b);
         if (std::fabs(volume) <= hd::kPlanarFaceTol * size * std::sqrt(vecDot(n, n))) {
-            addQuad(p1, p2, p3, p4);
-            return;
+            out.faces[out.count++] = {4, {p1, p2, p3, p4}};
+            return out;
         }
     }
     if (!flat1)
-        addTri(p1, p2, p3);
+        out.faces[out.count++] = {3, {p1, p2, p3, p3}};
     if (!flat2)
-        addTri(p1, p3, p4);
+        out.faces[out.count++] = {3, {p1, p3, p4, p4}};
+    return out;
+}
+
+PlanarQuadFaces ringBandFaces(const ViewSplitRing& a, const ViewSplitRing& b, int shift, int k,
+                              double size) {
+    const int m = a.count;
+    const _s_hd_point_ p1 = a.pts[k], p2 = a.pts[(k + 1) % m];
+    const _s_hd_point_ p3 = b.pts[(k + 1 + shift) % m], p4 = b.pts[(k + shift) % m];
+    // A quadrilateral that is not planar splits along its shorter diagonal: of the two pairs of
+    // triangles those are the nearer to the surface between the rings, so their normals keep
+    // the sides of a silhouette apart.
+    if (pointDist2(p2, p4) < pointDist2(p1, p3))
+        return planarQuadFaces(p2, p3, p4, p1, size);
+    return planarQuadFaces(p1, p2, p3, p4, size);
+}
+
+void HDProfDraft::addFaces(const PlanarQuadFaces& faces) {
+    for (int i = 0; i < faces.count; ++i) {
+        const PlanarQuadFaces::Face& f = faces.faces[i];
+        if (f.count == 4)
+            addQuad(f.pts[0], f.pts[1], f.pts[2], f.pts[3]);
+        else
+            addTri(f.pts[0], f.pts[1], f.pts[2]);
+    }
+}
+
+void HDProfDraft::addPlanarQuad(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
+                                double size) {
+    addFaces(planarQuadFaces(p1, p2, p3, p4, size));
+}
+
+void HDProfDraft::addRingLines(const ViewSplitRing& ring) {
+    const int m = ring.count;
+    for (int k = 0; k < m; ++k)
+        addLine(ring.pts[k], ring.pts[(k + 1) % m]);
+}
+
+void HDProfDraft::addRingDisc(const ViewSplitRing& ring, bool reversed) {
+    const _s_hd_point_* p = ring.pts;
+    const int m = ring.count;
+    const int half = m / 2;
+    auto tri = [&](_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c) {
+        if (reversed)
+            addTri(c, b, a);
+        else
+            addTri(a, b, c);
+    };
+    tri(p[0], p[1], p[m - 1]);
+    for (int k = 1; k < half - 1; ++k) {
+        if (reversed)
+            addQuad(p[m - k], p[m - k - 1], p[k + 1], p[k]);
+        else
+            addQuad(p[k], p[k + 1], p[m - k - 1], p[m - k]);
+    }
+    tri(p[half - 1], p[half], p[half + 1]);
+}
+
+void HDProfDraft::addRingBand(const ViewSplitRing& a, const ViewSplitRing& b, int shift,
+                              double size) {
+    for (int k = 0; k < a.count; ++k)
+        addFaces(ringBandFaces(a, b, shift, k, size));
 }
 
 void HDProfDraft::addFace(_s_hd_sect_* chain, std::int32_t tag) {

@@ -141,6 +141,33 @@ struct ViewSplitRing {
 /// x n), or c + (r, 0, 0) when |n.z| is within hd::kFacingTol of 1. Allocates nothing. Returns
 /// false, leaving ring empty, when r is below 0.01 (or NaN).
 bool viewSplitRing(_s_hd_point_ c, double r, _s_hd_point_ n, ViewSplitRing& ring);
+/// The same ring split at the given point s of the circle (e = 2c - s) instead of where the
+/// circle is extreme in the view: for a ring that must follow its neighbours on a surface. Returns
+/// false, leaving ring empty, when r is below 0.01 (or NaN), on non-finite input, or when s and e
+/// both coincide with c.
+bool splitRing(_s_hd_point_ c, double r, _s_hd_point_ n, _s_hd_point_ s, ViewSplitRing& ring);
+
+/// The faces a quadrilateral becomes: itself, or the triangles of a split.
+struct PlanarQuadFaces {
+    struct Face {
+        int count;            ///< 3 or 4 vertices
+        _s_hd_point_ pts[4];  ///< in order; a triangle repeats its last vertex
+    };
+    int count = 0;  ///< 0, 1 or 2 faces
+    Face faces[2];
+};
+/// The quadrilateral p1, p2, p3, p4 of an object of the given size (its largest extent) as one
+/// face when p4 lies within hd::kPlanarFaceTol * size of the plane of p1, p2, p3, otherwise as the
+/// triangles (p1, p2, p3) and (p1, p3, p4). A triangle whose third vertex lies within that
+/// distance of the line of its longest side has no area and is left out, so a quadrilateral with
+/// a collapsed side (p1 = p2, or p3 = p4) gives one triangle.
+PlanarQuadFaces planarQuadFaces(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
+                                double size);
+/// The faces of the quadrilateral k of the band between rings a and b (see
+/// HDProfDraft::addRingBand): (a[k], a[k + 1], b[k + 1 + shift], b[k + shift]), split along its
+/// shorter diagonal when it is not planar.
+PlanarQuadFaces ringBandFaces(const ViewSplitRing& a, const ViewSplitRing& b, int shift, int k,
+                              double size);
 
 // ---- lists and object drafts --------------------------------------------------------------------
 
@@ -180,13 +207,23 @@ public:
                  std::int32_t tag = 0);
     /// Appends the triangular face p1, p2, p3 with the tag.
     void addTri(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, std::int32_t tag = 0);
-    /// Appends the quadrilateral p1, p2, p3, p4 of an object of the given size (its largest
-    /// extent) as one face when p4 lies within hd::kPlanarFaceTol * size of the plane of p1, p2,
-    /// p3, otherwise as the triangles (p1, p2, p3) and (p1, p3, p4). A triangle whose third
-    /// vertex lies within that distance of the line of its longest side has no area and is left
-    /// out, so a quadrilateral with a collapsed side (p1 = p2, or p3 = p4) gives one triangle.
+    /// Appends the faces of planarQuadFaces(p1, p2, p3, p4, size).
     void addPlanarQuad(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
                        double size);
+    /// Appends the faces, in order.
+    void addFaces(const PlanarQuadFaces& faces);
+    /// Appends the m chords of a ring, pts[k] -> pts[k + 1] round the circle from s.
+    void addRingLines(const ViewSplitRing& ring);
+    /// Appends the flat disc spanned by a ring as a strip across it between its halves: the
+    /// triangle (pts[0], pts[1], pts[m - 1]), quadrilaterals (pts[k], pts[k + 1], pts[m - k - 1],
+    /// pts[m - k]) and the triangle (pts[m/2 - 1], pts[m/2], pts[m/2 + 1]), wound
+    /// counter-clockwise about the ring's normal, or each in reverse when reversed.
+    void addRingDisc(const ViewSplitRing& ring, bool reversed);
+    /// Appends the band between two rings of the same count, b further along the normal of a:
+    /// (a[k], a[k + 1], b[k + 1 + shift], b[k + shift]) for each k (indices of b round the
+    /// ring), each as ringBandFaces makes it with the object's size. Wound outward from the
+    /// rings' axis when both run counter-clockwise about a normal that points from a to b.
+    void addRingBand(const ViewSplitRing& a, const ViewSplitRing& b, int shift, double size);
     /// Marks the draft failed (a step outside the draft could not allocate).
     void fail();
     /// Returns a new object holding the faces, the lines and the box, owned by the caller;

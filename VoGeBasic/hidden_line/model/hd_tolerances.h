@@ -86,6 +86,28 @@ constexpr int kMaxSnoutChords = 360;
 /// keep its side faces from looking away where the side is nearly edge-on to the view.
 constexpr int kMaxSideRefinements = 4;
 
+// ---- elbows ------------------------------------------------------------------------------------
+
+/// The start of an elbow's centre line may leave the plane through the bend centre normal to
+/// the axis by this fraction of the bend radius: a start point computed from rotated drawing
+/// coordinates carries rounding far below it, a wrong start point far above it.
+constexpr double kBendPlaneTol = 1e-6;
+/// An elbow's sweep within this (radians) of a full turn is a full turn (a closed ring); above a
+/// full turn by more than this it is refused.
+constexpr double kSweepTol = 1e-9;
+/// Neighbouring tube rings of an elbow place their silhouette points at most this fraction of a
+/// ring's chord angle apart round the tube; further apart, a ring is put between them, so that
+/// the faces along a silhouette do not twist across it.
+constexpr double kMaxRingTwist = 0.25;
+/// Tube rings put between the chosen ones lie at least this far apart along the bend (radians):
+/// closer, the silhouette turns only where the tube is seen end-on, and its ring is drawn.
+constexpr double kMinRingStep = 1e-7;
+/// A face whose unit normal has a Z component below this is seen edge-on: it lies on neither
+/// side of a silhouette (as fine as the rounding of the faces' own coordinates allows).
+constexpr double kEdgeOnFaceZ = 1e-9;
+/// At most this many tube rings are put between the chosen ones of one elbow.
+constexpr int kMaxAddedRings = 4096;
+
 }  // namespace hd
 }  // namespace geolib
 

@@ -5,4 +5,6 @@ target_sources(vogebasic_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/tess_box.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_revolved.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_cone.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/tess_sphere.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/tess_sphere.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tess_torus.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tess_head.cpp)

@@ -46,15 +46,17 @@ bool viewSplitRing(_s_hd_point_ c, double r, _s_hd_point_ n, ViewSplitRing& ring
         return false;
     // Split the circle where it is extreme in the view along Z.
     const _s_hd_point_ view = {0.0, 0.0, 1.0};
-    _s_hd_point_ s;
-    _s_hd_point_ e;
-    if (std::fabs(std::fabs(vecDot(n, view)) - 1.0) <= hd::kFacingTol) {
-        s = vecAdd(c, {r, 0.0, 0.0});
-        e = vecSub(c, {r, 0.0, 0.0});
-    } else {
-        s = linComb(1.0, c, r, unitCross(view, n));
-        e = mirrorPoint(s, c);
-    }
+    if (std::fabs(std::fabs(vecDot(n, view)) - 1.0) <= hd::kFacingTol)
+        return splitRing(c, r, n, vecAdd(c, {r, 0.0, 0.0}), ring);
+    return splitRing(c, r, n, linComb(1.0, c, r, unitCross(view, n)), ring);
+}
+
+bool splitRing(_s_hd_point_ c, double r, _s_hd_point_ n, _s_hd_point_ s, ViewSplitRing& ring) {
+    ring.count = 0;
+    if (!(r >= hd::kMinDiscRadius) || !std::isfinite(r) || !isFinitePoint(c) || !isFinitePoint(n) ||
+        !isFinitePoint(s))
+        return false;
+    const _s_hd_point_ e = mirrorPoint(s, c);
     if (isSamePointFine(s, c) && isSamePointFine(e, c))
         return false;
     int m = getCircleDivideNum(c, r);

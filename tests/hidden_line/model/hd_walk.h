@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "hd_records.h"
+#include "hidden_line/model/solid_checks.h"
 #include "support/geom_expect.h"
 
 namespace hdtest {
@@ -73,6 +74,32 @@ inline void expectOrders(const geolib::_s_hd_prof_* obj, const std::vector<P>& c
 inline void expectHeadToTail(const std::vector<Line>& lines) {
     for (size_t i = 1; i < lines.size(); ++i)
         EXPECT_TRUE(same(lines[i - 1]->end, lines[i]->start)) << "chord " << i;
+}
+
+/// v scaled to unit length (v must not be null).
+inline P unit(P v) {
+    const double len = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
+    return {v.x / len, v.y / len, v.z / len};
+}
+
+/// Distance of p from the circle of radius r about centre with unit normal n.
+inline double circleDist(P p, P centre, P n, double r) {
+    const P q = {p.x - centre.x, p.y - centre.y, p.z - centre.z};
+    const double h = q.x * n.x + q.y * n.y + q.z * n.z;
+    const P in = {q.x - h * n.x, q.y - h * n.y, q.z - h * n.z};
+    return std::hypot(h, std::sqrt(in.x * in.x + in.y * in.y + in.z * in.z) - r);
+}
+
+/// A closed solid made of well-formed faces, wound outward, held by its box, whose vertices lie
+/// on the analytic surface (dist, within 1e-12 of the object's size). Returns the size.
+inline double expectSolidOnSurface(const geolib::_s_hd_prof_* obj,
+                                   const std::function<double(P)>& dist, const char* what) {
+    const double size = solid::size(obj);
+    expectWellFormedFaces(obj, what);
+    expectClosedOutward(obj, what);
+    expectBoxHolds(obj, what);
+    expectOnSurface(obj, dist, 1e-12 * size, what);
+    return size;
 }
 
 }  // namespace hdtest

@@ -1,0 +1,337 @@
+// Tessellator of the pipe elbow: a segment of a torus, drawn by its outline and its end rims.
+//
+// The tube is cut into rings (stations) along the bend. Each ring is a circle of the tube's
+// radius about a point of the centre line, in the plane normal to the bend's tangent there, and
+// is divided like a disc (viewSplitRing's rule), so that an elbow's end ring and the rim of a
+// pipe of the same radius coincide chord for chord. The tube's normal along a ring is the
+// ring's own radial direction, so the ring's two silhouette points are where that direction is
+// normal to Z: centre +- r * unit(Z x t), t the tangent, exactly a disc's split points. Every
+// ring starts at one silhouette point and has the other half way round; consecutive rings keep
+// the same index for the same silhouette (the sign of the split is carried along the bend), so
+// that the faces' own outline, the edges between faces turned towards the viewer and faces
+// turned away, runs along the silhouettes (ring k, 0) -> (ring k+1, 0) and (ring k, m/2) ->
+// (ring k+1, m/2). That outline is what the elbow draws, with its end rims: never a seam, and
+// never a line that the faces contradict. Where the silhouette turns round the tube between
+// rings, the faces between them lean, and on the saddle side of the tube (towards the bend
+// centre) their outline may step a face away from the silhouette.
+#include <cmath>
+
+#include "hd_tessellators.h"
+#include "hidden_line/model/hd_builders.h"
+#include "hidden_line/model/hd_tolerances.h"
+
+namespace geolib {
+
+namespace {
+
+constexpr _s_hd_point_ kViewAxis = {0.0, 0.0, 1.0};
+/// Depth of the ring subdivision between two chosen rings: far more than halving a full turn
+/// down to kMinRingStep needs.
+constexpr int kMaxRingDepth = 64;
+
+// The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
+// angle phi runs counter-clockwise about a.
+struct Bend {
+    _s_hd_point_ c, a, u0, v0;
+    double bendRadius;
+    double tubeRadius;
+};
+
+// One ring of the tube.
+struct Station {
+    double phi;
+    _s_hd_point_ centre;
+    _s_hd_point_ radial;   // unit, from the bend centre
+    _s_hd_point_ tangent;  // unit, along the bend
+    bool endOn;            // the tube is seen along its length here: the whole ring is outline
+    _s_hd_point_ split;    // unit, from the ring's centre to its first vertex
+    double turn;           // the split's angle round the tube, from the radial towards the axis
+};
+
+double wrapAngle(double x) {
+    return std::remainder(x, hd::kTwoPi);
+}
+
+// The ring at phi, its split on the same silhouette as prev's (when there is one).
+Station stationAt(const Bend& b, double phi, const Station* prev) {
+    Station st;
+    st.phi = phi;
+    st.radial = linComb(std::cos(phi), b.u0, std::sin(phi), b.v0);
+    st.tangent = linComb(-std::sin(phi), b.u0, std::cos(phi), b.v0);
+    st.centre = linComb(1.0, b.c, b.bendRadius, st.radial);
+    // Seen along the tube the silhouette points are undefined: the ring splits along the bend
+    // axis, the limit of its neighbours' splits, so the tube does not twist there.
+    st.endOn = std::fabs(std::fabs(st.tangent.z) - 1.0) <= hd::kFacingTol;
+    st.split = st.endOn ? b.a : unitCross(kViewAxis, st.tangent);
+    st.turn = std::atan2(vecDot(st.split, b.a), vecDot(st.split, st.radial));
+    if (prev != nullptr && std::fabs(wrapAngle(st.turn - prev->turn)) > 0.5 * hd::kPi) {
+        st.split = vecNegate(st.split);
+        st.turn = wrapAngle(st.turn + hd::kPi);
+    }
+    return st;
+}
+
+// The sign of the Z component of a face's normal; 0 for a face seen edge-on.
+int faceSide(const PlanarQuadFaces::Face& f) {
+    _s_hd_point_ n = {0.0, 0.0, 0.0};
+    for (int i = 1; i + 1 < f.count; ++i)
+        n = vecAdd(n, vecCross(vecSub(f.pts[i], f.pts[0]), vecSub(f.pts[i + 1], f.pts[0])));
+    const double len = std::sqrt(vecDot(n, n));
+    if (!(std::fabs(n.z) > hd::kEdgeOnFaceZ * len))
+        return 0;
+    return n.z > 0.0 ? 1 : -1;
+}
+
+bool samePoint(_s_hd_point_ a, _s_hd_point_ b) {
+    return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+// The side (faceSide) of the face of q that has the edge u-v; 2 when none has it.
+int sideAlong(const PlanarQuadFaces& q, _s_hd_point_ u, _s_hd_point_ v) {
+    for (int i = 0; i < q.count; ++i) {
+        const PlanarQuadFaces::Face& f = q.faces[i];
+        for (int j = 0; j < f.count; ++j) {
+            const _s_hd_point_ a = f.pts[j], b = f.pts[(j + 1) % f.count];
+            if ((samePoint(a, u) && samePoint(b, v)) || (samePoint(a, v) && samePoint(b, u)))
+                return faceSide(f);
+        }
+    }
+    return 2;
+}
+
+// True when the faces on the two sides of an edge face opposite ways: the edge is on the
+// outline of the faces.
+bool isOutline(int side1, int side2) {
+    return side1 * side2 == -1;
+}
+
+// Builds the elbow ring by ring along the bend: faces and box go to the draft as each ring is
+// made. The tube's lines are its faces' own outline: every edge between a face turned towards
+// the viewer and one turned away. The rings are split at the silhouette points, so that
+// outline runs along the silhouettes (and round the rings seen end-on); where the faces'
+// normals, chords of the surface's, put it a face further, the line follows the faces, so that
+// the hide pass never shows a face's edge as a gap or a fold. The outline is collected apart and
+// handed over at the end, so that the lines come in the documented order.
+class ElbowBuilder {
+public:
+    ElbowBuilder(const Bend& bend, bool fullTurn, HDProfDraft& draft)
+        : bend_(bend), fullTurn_(fullTurn), draft_(draft), size_(2.0 * bend.tubeRadius) {}
+
+    void start() {
+        first_ = stationAt(bend_, 0.0, nullptr);
+        if (!makeRing(first_, firstRing_))
+            return;
+        const int m = firstRing_.count;
+        maxTwist_ = hd::kMaxRingTwist * hd::kTwoPi / m;
+        draft_.seedBox(firstRing_.pts[0]);
+        extendBox(firstRing_);
+        if (!fullTurn_) {
+            draft_.addRingLines(firstRing_);
+            draft_.addRingDisc(firstRing_, true);
+        }
+        prev_ = first_;
+        prevRing_ = firstRing_;
+    }
+
+    // Adds rings up to the one at phi, putting rings between where the silhouette turns round
+    // the tube too fast; last marks the elbow's last ring.
+    void advanceTo(double phi, bool last) {
+        double pending[kMaxRingDepth];
+        int top = 0;
+        pending[top++] = phi;
+        while (top > 0 && draft_.ok()) {
+            const double right = pending[top - 1];
+            const Station st = stationAt(bend_, right, &prev_);
+            if (std::fabs(wrapAngle(st.turn - prev_.turn)) > maxTwist_ &&
+                right - prev_.phi > hd::kMinRingStep && top < kMaxRingDepth &&
+                added_ < hd::kMaxAddedRings) {
+                pending[top++] = 0.5 * (prev_.phi + right);
+                ++added_;
+                continue;
+            }
+            addStation(st, last && top == 1);
+            --top;
+        }
+    }
+
+    // Hands the outline to the draft, then closes the far end.
+    void finish() {
+        draft_.addLines(outline_.head);
+        outline_ = ProlineChain{};
+        if (!fullTurn_ && draft_.ok()) {
+            draft_.addRingLines(prevRing_);
+            draft_.addRingDisc(prevRing_, false);
+        }
+    }
+
+    ~ElbowBuilder() { releaseProline(outline_.head); }
+    ElbowBuilder(const ElbowBuilder&) = delete;
+    ElbowBuilder& operator=(const ElbowBuilder&) = delete;
+
+private:
+    bool makeRing(const Station& st, ViewSplitRing& ring) {
+        const double r = bend_.tubeRadius;
+        if (!splitRing(st.centre, r, st.tangent, linComb(1.0, st.centre, r, st.split), ring)) {
+            draft_.fail();
+            return false;
+        }
+        return true;
+    }
+
+    void extendBox(const ViewSplitRing& ring) {
+        for (int k = 0; k < ring.count; ++k)
+            draft_.extendBox(ring.pts[k]);
+    }
+
+    void addOutline(_s_hd_point_ a, _s_hd_point_ b) {
+        if (!outline_.append(a, b))
+            draft_.fail();
+    }
+
+    void addStation(const Station& st, bool last) {
+        ViewSplitRing ring;
+        int shift = 0;
+        if (last && fullTurn_) {
+            // The ring closes on the first one, which may hold the silhouettes the other way
+            // round after a full turn.
+            ring = firstRing_;
+            if (vecDot(st.split, first_.split) < 0.0)
+                shift = ring.count / 2;
+        } else {
+            if (!makeRing(st, ring))
+                return;
+            extendBox(ring);
+        }
+        const int m = ring.count;
+        PlanarQuadFaces band[hd::kMaxCurveChords];
+        for (int k = 0; k < m; ++k) {
+            band[k] = ringBandFaces(prevRing_, ring, shift, k, size_);
+            draft_.addFaces(band[k]);
+        }
+        // The outline: the previous ring's chords (against the band before), the edges along
+        // the bend between neighbouring quadrilaterals, and the diagonals of split ones.
+        for (int k = 0; k < m; ++k) {
+            const _s_hd_point_ a0 = prevRing_.pts[k], a1 = prevRing_.pts[(k + 1) % m];
+            const int side = sideAlong(band[k], a0, a1);
+            if (bands_ == 0)
+                firstSide_[k] = side;
+            else if (isOutline(side, ringSide_[k]))
+                addOutline(a0, a1);
+        }
+        for (int k = 0; k < m; ++k) {
+            const int before = (k + m - 1) % m;
+            const _s_hd_point_ a = prevRing_.pts[k], b = ring.pts[(k + shift) % m];
+            if (isOutline(sideAlong(band[before], a, b), sideAlong(band[k], a, b)))
+                addOutline(a, b);
+            const PlanarQuadFaces& q = band[k];
+            if (q.count == 2 && isOutline(faceSide(q.faces[0]), faceSide(q.faces[1])))
+                addOutline(q.faces[0].pts[0], q.faces[0].pts[2]);
+        }
+        for (int k = 0; k < m; ++k) {
+            const int j = (k + shift) % m;
+            ringSide_[j] = sideAlong(band[k], ring.pts[j], ring.pts[(j + 1) % m]);
+        }
+        ++bands_;
+        if (last && fullTurn_)
+            for (int k = 0; k < m; ++k)
+                if (isOutline(firstSide_[k], ringSide_[k]))
+                    addOutline(ring.pts[k], ring.pts[(k + 1) % m]);
+        prev_ = st;
+        prevRing_ = ring;
+    }
+
+    Bend bend_;
+    bool fullTurn_;
+    HDProfDraft& draft_;
+    double size_;
+    double maxTwist_ = 0.0;
+    int added_ = 0;
+    int bands_ = 0;
+    Station first_{};
+    Station prev_{};
+    ViewSplitRing firstRing_;
+    ViewSplitRing prevRing_;
+    int firstSide_[hd::kMaxCurveChords] = {};  // the first band's sides along the first ring
+    int ringSide_[hd::kMaxCurveChords] = {};   // the last band's sides along its far ring
+    ProlineChain outline_;
+};
+
+// The angles in (0, sweep) at which the tube is seen end-on and which no chosen ring already
+// holds (at most two: the tangent runs along +Z at one and along -Z at the other), ascending.
+int endOnAngles(const Bend& b, double sweep, int n, double* out) {
+    const _s_hd_point_ p = linComb(1.0, kViewAxis, -vecDot(kViewAxis, b.a), b.a);
+    const double len = std::sqrt(vecDot(p, p));
+    if (!(len > 0.0))
+        return 0;
+    // tangent(phi) = (-sin phi) u0 + (cos phi) v0 runs along p at phi0.
+    const double phi0 = std::atan2(-vecDot(p, b.u0), vecDot(p, b.v0));
+    int count = 0;
+    for (int side = 0; side < 2; ++side) {
+        double phi = phi0 + side * hd::kPi;
+        phi = phi - hd::kTwoPi * std::floor(phi / hd::kTwoPi);
+        if (!(phi > hd::kMinRingStep && phi < sweep - hd::kMinRingStep))
+            continue;
+        const double tz = -std::sin(phi) * b.u0.z + std::cos(phi) * b.v0.z;
+        if (std::fabs(std::fabs(tz) - 1.0) > hd::kFacingTol)
+            continue;
+        const double nearest = std::nearbyint(phi / sweep * n) * sweep / n;
+        if (std::fabs(phi - nearest) > hd::kMinRingStep)
+            out[count++] = phi;
+    }
+    if (count == 2 && out[1] < out[0]) {
+        const double t = out[0];
+        out[0] = out[1];
+        out[1] = t;
+    }
+    return count;
+}
+
+}  // namespace
+
+_s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ s,
+                           _s_hd_point_ axis, int n) {
+    if (!std::isfinite(r) || !std::isfinite(angle) || !isFinitePoint(c) || !isFinitePoint(s) ||
+        !isFinitePoint(axis))
+        return nullptr;
+    if (!(r >= hd::kMinDiscRadius) || !(angle > 0.0) || angle > hd::kTwoPi + hd::kSweepTol ||
+        n < 0 || n > hd::kMaxArcChords)
+        return nullptr;
+    Bend b;
+    b.c = c;
+    b.a = vecNormalize(axis);
+    if (vecDot(b.a, b.a) == 0.0)
+        return nullptr;
+    const _s_hd_point_ off = vecSub(s, c);
+    const double offLen = std::sqrt(vecDot(off, off));
+    const double along = vecDot(off, b.a);
+    if (!(offLen >= hd::kMinDiscRadius) || !std::isfinite(offLen) ||
+        std::fabs(along) > hd::kBendPlaneTol * offLen)
+        return nullptr;
+    const _s_hd_point_ inPlane = linComb(1.0, off, -along, b.a);
+    b.bendRadius = std::sqrt(vecDot(inPlane, inPlane));
+    b.u0 = vecScale(1.0 / b.bendRadius, inPlane);
+    b.v0 = vecCross(b.a, b.u0);
+    b.tubeRadius = r;
+    const bool fullTurn = angle >= hd::kTwoPi - hd::kSweepTol;
+    const double sweep = fullTurn ? hd::kTwoPi : angle;
+    // The bend takes the chords of an arc of the outer equator's radius.
+    if (n == 0)
+        n = getArcDivideNum(c, b.bendRadius + r, 0.0, sweep);
+
+    double endOn[2];
+    const int endOnCount = endOnAngles(b, sweep, n, endOn);
+    HDProfDraft draft;
+    ElbowBuilder builder(b, fullTurn, draft);
+    builder.start();
+    int nextEndOn = 0;
+    for (int k = 1; k <= n && draft.ok(); ++k) {
+        const double phi = k == n ? sweep : sweep * k / n;
+        while (nextEndOn < endOnCount && endOn[nextEndOn] < phi)
+            builder.advanceTo(endOn[nextEndOn++], false);
+        builder.advanceTo(phi, k == n);
+    }
+    builder.finish();
+    return draft.finish();
+}
+
+}  // namespace geolib
