@@ -185,21 +185,11 @@ _s_hd_prof_* tessellate(const Primitive& prim, const VoGeMatrix3D& m, std::strin
         case Kind::Sphere:
             return geolib::ep_divide_sph(p.point(0), p.num(3));
         case Kind::Elbow:
-#ifdef VOGEDRAW_HAVE_ELBOW
             return geolib::ep_divide_tor(p.num(0), p.num(1) * kDeg, p.point(2), p.point(5),
                                          p.direction(8),
                                          prim.v.size() > 11 ? static_cast<int>(p.num(11)) : 0);
-#else
-            why = "not available: this build of the library has no elbow tessellator";
-            return nullptr;
-#endif
         case Kind::Head:
-#ifdef VOGEDRAW_HAVE_HEAD
             return geolib::ep_divide_ova(p.num(0), p.num(1), p.num(2), p.point(3), p.direction(6));
-#else
-            why = "not available: this build of the library has no dished-head tessellator";
-            return nullptr;
-#endif
         case Kind::RingPlate: {
             const double shift = ringAngleShift(p, 8);
             return geolib::ep_divide_sad(p.num(0), p.num(1), p.num(2), p.point(3),

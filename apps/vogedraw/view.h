@@ -28,8 +28,7 @@ VoGeMatrix3D viewMatrix(const ViewAngles& view);
 
 /// The primitive tessellated in drawing coordinates (m from viewMatrix). Returns a new object
 /// owned by the caller (release it with freeHDProfObjectPointer), or null when the tessellator
-/// refuses the primitive, the library lacks the tessellator, or an allocation fails; why then
-/// says which.
+/// refuses the primitive or an allocation fails; why then says which.
 geolib::_s_hd_prof_* tessellate(const Primitive& prim, const VoGeMatrix3D& m, std::string& why);
 
 }  // namespace vogedraw
