@@ -1,19 +1,20 @@
 #!/usr/bin/env bash
 # Installs what building and testing VoGeBasic needs on a Debian machine, when it is missing:
-# compiler, CMake, Ninja, GoogleTest and Google Benchmark (with --fuzz or --docs, the extras).
-# Does nothing when all are there.
+# compiler, CMake, Ninja, CLI11, GoogleTest and Google Benchmark. Does nothing when all are there.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev pkgconf binutils)
-# Extras instead of the build tools: --fuzz, clang and its runtime libraries (libFuzzer, the
-# sanitizers) for the fuzz preset; --docs, Doxygen for the API reference.
+packages=(g++ cmake ninja-build libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev pkgconf binutils)
+# Instead of all that: --tool, only what the library and the drawing tool need (the tool preset,
+# no test tools); --fuzz, clang and its runtime libraries (libFuzzer, the sanitizers) for the
+# fuzz preset; --docs, Doxygen for the API reference. Extras may be combined.
 if (($# > 0)); then
   packages=()
   for extra in "$@"; do
     case "$extra" in
+      --tool) packages+=(g++ cmake ninja-build libcli11-dev) ;;
       --fuzz) packages+=(clang libclang-rt-dev) ;;
       --docs) packages+=(doxygen) ;;
-      *) echo "usage: $0 [--fuzz] [--docs]" >&2; exit 2 ;;
+      *) echo "usage: $0 [--tool] [--fuzz] [--docs]" >&2; exit 2 ;;
     esac
   done
 fi

@@ -1,0 +1,227 @@
+// The visible and hidden pieces of the drawing, and its SVG and DXF files.
+#include "writers.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vogedraw {
+namespace {
+
+using geolib::_s_hd_point_;
+using geolib::_s_hd_prof_;
+using geolib::_s_hd_proline_;
+
+struct Extent {
+    double xmin = 0, ymin = 0, xmax = 1, ymax = 1;
+};
+
+Extent extentOf(const Drawing& d) {
+    Extent e{1e300, 1e300, -1e300, -1e300};
+    for (const std::vector<Segment>* set : {&d.visible, &d.hidden}) {
+        for (const Segment& s : *set) {
+            e.xmin = std::fmin(e.xmin, std::fmin(s.x0, s.x1));
+            e.xmax = std::fmax(e.xmax, std::fmax(s.x0, s.x1));
+            e.ymin = std::fmin(e.ymin, std::fmin(s.y0, s.y1));
+            e.ymax = std::fmax(e.ymax, std::fmax(s.y0, s.y1));
+        }
+    }
+    if (!(e.xmax >= e.xmin && e.ymax >= e.ymin))
+        return Extent{};
+    return e;
+}
+
+_s_hd_point_ sub(_s_hd_point_ a, _s_hd_point_ b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+double dot(_s_hd_point_ a, _s_hd_point_ b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+// Where q lies along the line s + t (e - s), and whether it lies on it within tol.
+bool along(const _s_hd_proline_& line, _s_hd_point_ q, double tol, double& t) {
+    const _s_hd_point_ d = sub(line.end, line.start);
+    const double len2 = dot(d, d);
+    const _s_hd_point_ r = sub(q, line.start);
+    if (len2 <= tol * tol) {
+        t = 0;
+        return dot(r, r) <= tol * tol;
+    }
+    t = dot(r, d) / len2;
+    const _s_hd_point_ off{r.x - t * d.x, r.y - t * d.y, r.z - t * d.z};
+    const double slack = tol / std::sqrt(len2);
+    return dot(off, off) <= tol * tol && t >= -slack && t <= 1 + slack;
+}
+
+Segment part(const _s_hd_proline_& line, double t0, double t1) {
+    const _s_hd_point_ d = sub(line.end, line.start);
+    return {line.start.x + t0 * d.x, line.start.y + t0 * d.y, line.start.x + t1 * d.x,
+            line.start.y + t1 * d.y};
+}
+
+}  // namespace
+
+Drawing splitPieces(_s_hd_prof_* const* objs, int n, const _s_hd_proline_* visible) {
+    Drawing d;
+    double size = 1;
+    for (int i = 0; i < n; ++i) {
+        if (objs[i] != nullptr) {
+            for (int k = 0; k < 6; ++k)
+                size = std::fmax(size, std::fabs(objs[i]->box[k]));
+        }
+    }
+    const double tol = 1e-7 * size;
+    for (const _s_hd_proline_* p = visible; p != nullptr; p = p->next)
+        d.visible.push_back({p->start.x, p->start.y, p->end.x, p->end.y});
+
+    // The pieces come line after line; a line takes the pieces that follow on from each other
+    // along it, and what lies between them (and beyond the last) is hidden.
+    const _s_hd_proline_* p = visible;
+    for (int i = 0; i < n; ++i) {
+        if (objs[i] == nullptr)
+            continue;
+        while (p != nullptr && p->owner < i)
+            p = p->next;
+        for (const _s_hd_proline_* line = objs[i]->proline; line != nullptr; line = line->next) {
+            const double slack =
+                tol /
+                std::fmax(std::sqrt(dot(sub(line->end, line->start), sub(line->end, line->start))),
+                          tol);
+            double covered = 0;
+            double ta = 0, tb = 0;
+            while (p != nullptr && p->owner == i && along(*line, p->start, tol, ta) &&
+                   along(*line, p->end, tol, tb) && std::fmin(ta, tb) >= covered - slack) {
+                if (std::fmin(ta, tb) > covered + slack)
+                    d.hidden.push_back(part(*line, covered, std::fmin(ta, tb)));
+                covered = std::fmax(covered, std::fmax(ta, tb));
+                p = p->next;
+            }
+            if (covered < 1 - slack)
+                d.hidden.push_back(part(*line, covered, 1));
+        }
+    }
+    return d;
+}
+
+bool writeSvg(std::FILE* f, const Drawing& d, bool hidden) {
+    const Extent e = extentOf(d);
+    const double width = 1600.0;
+    const double margin = 20.0;
+    const double scale = (width - 2 * margin) / std::fmax(e.xmax - e.xmin, 1e-9);
+    const double height = std::fmin((e.ymax - e.ymin) * scale, 1e6) + 2 * margin;
+    bool ok = std::fprintf(f,
+                           "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                           "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.0f\" "
+                           "height=\"%.0f\" viewBox=\"0 0 %.0f %.0f\">\n"
+                           "<rect width=\"100%%\" height=\"100%%\" fill=\"white\"/>\n",
+                           width, height, width, height) > 0;
+    auto path = [&](const std::vector<Segment>& set, const char* style) {
+        if (set.empty())
+            return;
+        ok = std::fprintf(f, "<path %s d=\"", style) > 0 && ok;
+        for (const Segment& s : set) {
+            ok = std::fprintf(f, "M%.2f %.2fL%.2f %.2f", margin + (s.x0 - e.xmin) * scale,
+                              margin + (s.y0 - e.ymin) * scale, margin + (s.x1 - e.xmin) * scale,
+                              margin + (s.y1 - e.ymin) * scale) > 0 &&
+                 ok;
+        }
+        ok = std::fprintf(f, "\"/>\n") > 0 && ok;
+    };
+    if (hidden) {
+        path(d.hidden,
+             "fill=\"none\" stroke=\"#9a9a9a\" stroke-width=\"0.8\" stroke-dasharray=\"4 3\"");
+    }
+    path(d.visible, "fill=\"none\" stroke=\"black\" stroke-width=\"1.2\" stroke-linecap=\"round\"");
+    return std::fprintf(f, "</svg>\n") > 0 && ok;
+}
+
+bool writeDxf(std::FILE* f, const Drawing& d) {
+    const Extent e = extentOf(d);
+    // Dashes of about a two-hundredth of the drawing's size.
+    const double dash = std::fmax(std::fmax(e.xmax - e.xmin, e.ymax - e.ymin), 1e-6) / 200.0;
+    bool ok = std::fprintf(f,
+                           "0\nSECTION\n2\nHEADER\n"
+                           "9\n$ACADVER\n1\nAC1009\n"
+                           "9\n$EXTMIN\n10\n%.10g\n20\n%.10g\n30\n0.0\n"
+                           "9\n$EXTMAX\n10\n%.10g\n20\n%.10g\n30\n0.0\n"
+                           "0\nENDSEC\n",
+                           e.xmin, -e.ymax, e.xmax, -e.ymin) > 0;
+    ok = std::fprintf(f,
+                      "0\nSECTION\n2\nTABLES\n"
+                      "0\nTABLE\n2\nLTYPE\n70\n2\n"
+                      "0\nLTYPE\n2\nCONTINUOUS\n70\n0\n3\nSolid line\n72\n65\n73\n0\n40\n0.0\n"
+                      "0\nLTYPE\n2\nDASHED\n70\n0\n3\nDashed __ __ __\n72\n65\n73\n2\n"
+                      "40\n%.10g\n49\n%.10g\n49\n%.10g\n"
+                      "0\nENDTAB\n"
+                      "0\nTABLE\n2\nLAYER\n70\n2\n"
+                      "0\nLAYER\n2\nVISIBLE\n70\n0\n62\n7\n6\nCONTINUOUS\n"
+                      "0\nLAYER\n2\nHIDDEN\n70\n0\n62\n8\n6\nDASHED\n"
+                      "0\nENDTAB\n"
+                      "0\nENDSEC\n"
+                      "0\nSECTION\n2\nBLOCKS\n0\nENDSEC\n"
+                      "0\nSECTION\n2\nENTITIES\n",
+                      2 * dash, dash, -dash) > 0 &&
+         ok;
+    // Drawing Y runs down the sheet; DXF's runs up. Rounding noise near zero is written as 0.
+    const double tiny = 1e-12 * std::fmax(std::fmax(std::fabs(e.xmin), std::fabs(e.xmax)),
+                                          std::fmax(std::fabs(e.ymin), std::fabs(e.ymax)));
+    auto clean = [tiny](double v) { return std::fabs(v) <= tiny ? 0.0 : v; };
+    auto lines = [&](const std::vector<Segment>& set, const char* layer) {
+        for (const Segment& s0 : set) {
+            const Segment s{clean(s0.x0), clean(-s0.y0), clean(s0.x1), clean(-s0.y1)};
+            ok = std::fprintf(f,
+                              "0\nLINE\n8\n%s\n10\n%.10g\n20\n%.10g\n30\n0.0\n11\n%.10g\n21\n%."
+                              "10g\n31\n0.0\n",
+                              layer, s.x0, s.y0, s.x1, s.y1) > 0 &&
+                 ok;
+        }
+    };
+    lines(d.hidden, "HIDDEN");
+    lines(d.visible, "VISIBLE");
+    return std::fprintf(f, "0\nENDSEC\n0\nEOF\n") > 0 && ok;
+}
+
+bool writeAtomically(const std::string& path, const std::function<bool(std::FILE*)>& write,
+                     std::string& error) {
+    std::string temp = path + ".tmp-XXXXXX";
+    std::vector<char> name(temp.begin(), temp.end());
+    name.push_back('\0');
+    const int fd = ::mkstemp(name.data());
+    if (fd < 0) {
+        error = path + ": cannot write: " + std::strerror(errno);
+        return false;
+    }
+    temp = name.data();
+    std::FILE* f = ::fdopen(fd, "w");
+    if (f == nullptr) {
+        error = path + ": cannot write: " + std::strerror(errno);
+        ::close(fd);
+        std::remove(temp.c_str());
+        return false;
+    }
+    bool ok = write(f);
+    ok = std::fflush(f) == 0 && ok;
+    ok = std::fclose(f) == 0 && ok;
+    if (!ok) {
+        error = path + ": write error: " + std::strerror(errno);
+        std::remove(temp.c_str());
+        return false;
+    }
+    // mkstemp makes the file private; give it the usual mode of a new file.
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::chmod(temp.c_str(), 0666 & ~mask);
+    if (std::rename(temp.c_str(), path.c_str()) != 0) {
+        error = path + ": cannot write: " + std::strerror(errno);
+        std::remove(temp.c_str());
+        return false;
+    }
+    return true;
+}
+
+}  // namespace vogedraw

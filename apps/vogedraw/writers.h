@@ -1,0 +1,46 @@
+// The drawing of vogedraw: the visible and hidden pieces of every line, in drawing coordinates
+// (X right, Y down the sheet), and the SVG and DXF writers.
+#ifndef VOGEDRAW_WRITERS_H
+#define VOGEDRAW_WRITERS_H
+
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "hd_records.h"
+
+namespace vogedraw {
+
+/// A piece of a line projected on the drawing plane.
+struct Segment {
+    double x0, y0, x1, y1;
+};
+
+/// What the drawing shows.
+struct Drawing {
+    std::vector<Segment> visible;
+    std::vector<Segment> hidden;
+};
+
+/// The drawing of the n objects after the hide pass returned visible (its pieces in object and
+/// line order, each line run from its near end, as kestHideObject gives them): the visible
+/// pieces, and for each line the parts of it that no visible piece covers.
+Drawing splitPieces(geolib::_s_hd_prof_* const* objs, int n, const geolib::_s_hd_proline_* visible);
+
+/// An SVG sheet 1600 pixels wide fitted to the drawing: visible pieces solid black, and with
+/// hidden set the hidden pieces dashed grey beneath them. False on a write error.
+bool writeSvg(std::FILE* f, const Drawing& d, bool hidden);
+
+/// An ASCII DXF (R12 entities) in model units with Y up: LINE entities on layer VISIBLE and,
+/// dashed, on layer HIDDEN. False on a write error.
+bool writeDxf(std::FILE* f, const Drawing& d);
+
+/// Runs write on a temporary file beside path and renames it to path when write succeeds;
+/// otherwise removes it and leaves path as it was. False with error set (one line) on failure.
+bool writeAtomically(const std::string& path, const std::function<bool(std::FILE*)>& write,
+                     std::string& error);
+
+}  // namespace vogedraw
+
+#endif  // VOGEDRAW_WRITERS_H
