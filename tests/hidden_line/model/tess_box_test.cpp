@@ -171,12 +171,14 @@ TEST(EpDivideFlatFaced, NonFiniteInputGivesNullAndFailedAllocationsReleaseAll) {
     EXPECT_EQ(ep_divide_pri(o, {0, 0, kNaN}, x, 6), nullptr);
     EXPECT_EQ(ep_divide_pln(o, bad), nullptr);
     point* list = pointList({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}});
-    auto check = [](_s_hd_prof_* obj) { freeHDProfObjectPointer(obj); };
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_box(1, 2, 3, o, x, y, 1)); });
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_wed(x, o, y, 2)); });
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_pri(o, {0, 0, 5}, x, 5)); });
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_pln(o, x)); });
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_plns(list)); });
+    const P top{0, 0, 5};
+    expectNoLeaks({
+        [&] { return ep_divide_box(1, 2, 3, o, x, y, 1); },
+        [&] { return ep_divide_wed(x, o, y, 2); },
+        [&] { return ep_divide_pri(o, top, x, 5); },
+        [&] { return ep_divide_pln(o, x); },
+        [&] { return ep_divide_plns(list); },
+    });
     freePoint(list);
 }
 
