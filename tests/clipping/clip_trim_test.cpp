@@ -231,8 +231,7 @@ TEST(PolygonTrimLine, PieceLeavingOverACornerFromAnEdgesLineStaysVisibleOutside)
     const double corner = 0.0005 / 15.0005;  // where the piece passes x = 0
     EXPECT_TRUE(sameIntervals(intervalsOf(piece->params), {{corner, 1}}, 1e-6));
     freeLineCut(piece);
-    double u0 = -1;
-    double u1 = -1;
+    double u0 = -1, u1 = -1;
     ASSERT_TRUE(box2DTrimLine(sq, s, e, u0, u1));
     EXPECT_GT(u0, u1);  // within the side tolerance of the start: nothing to report
     freeConvex(sq);

@@ -134,8 +134,7 @@ TEST(GetBoxBoundary, SmallestBoxOfPointsAndOfAParallelepiped) {
 TEST(ViewBoxTrimLine, ViewsWithNothingInCommonMissTheBox) {
     Box3D box;
     box.set(P(-20, -19.5, -14), P(-14, -13.999, -13.999));
-    double u0 = -1;
-    double u1 = -1;
+    double u0 = -1, u1 = -1;
     EXPECT_FALSE(viewBoxTrimLine(&box, P(-16, -13.97, 1), P(-13.999, -14, -20), u0, u1));
     EXPECT_EQ(u0, 1.0);
     EXPECT_EQ(u1, 0.0);
@@ -166,8 +165,7 @@ TEST(ViewBoxes, ContainerFailuresPassThroughLeavingTheCallersVectorsAsTheyWere) 
     Box3D box;
     box.set(P(0, 0, 0), P(10, 10, 10));
     vgtest::forEachNewFailure([&box] {
-        double u0 = 7;
-        double u1 = 7;
+        double u0 = 7, u1 = 7;
         viewBoxTrimLine(&box, P(-5, 5, 5), P(15, 5, 5), u0, u1);
     });
 }

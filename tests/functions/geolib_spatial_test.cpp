@@ -18,7 +18,7 @@ constexpr double kEndTol = 1e-4;  // a point this close to a segment's end is on
 constexpr double kOnTol = 1e-6;
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-TEST(IsPointOnLineSeg, CodesAlongAndAroundTheSegment) {
+TEST(IsPointOnLineSeg, CodesAlongAndAroundTheSegmentAndNaNAnywhereIsOffTheLine) {
     const P a(0, 0, 0);
     const P b(10, 0, 0);
     const struct {
@@ -41,6 +41,11 @@ TEST(IsPointOnLineSeg, CodesAlongAndAroundTheSegment) {
     // A segment without length has only its ends.
     EXPECT_EQ(isPointOnLineSeg(a, a, a, kOnTol), kSegOn | kSegAtStart | kSegAtEnd);
     EXPECT_EQ(isPointOnLineSeg(a, a, b, kOnTol), kSegOffLine);
+    // NaN anywhere is off the line.
+    const P n(kNaN, 0, 0);
+    EXPECT_EQ(isPointOnLineSeg(n, n, n, kOnTol), kSegOffLine);
+    EXPECT_EQ(isPointOnLineSeg(a, n, a, kOnTol), kSegOffLine);
+    EXPECT_EQ(isPointOnLineSeg(a, b, P(5, kNaN, 0), kOnTol), kSegOffLine);
 }
 
 TEST(IsPointOnArc, CodesOnAQuarterAndOnAnArcThroughZero) {
@@ -119,13 +124,6 @@ TEST(ArcParameters, AnglesToPointsAndBackOnATiltedCircle) {
     double b1 = -1;
     EXPECT_FALSE(getArcParamFromPoints(P(0, 0, 0), P(1, 0, 0), P(2, 0, 0), untouched, b0, b1));
     EXPECT_EQ(b0, -1.0);
-}
-
-TEST(IsPointOnLineSeg, NaNAnywhereIsOffTheLine) {
-    const P n(kNaN, 0, 0);
-    EXPECT_EQ(isPointOnLineSeg(n, n, n, kOnTol), kSegOffLine);
-    EXPECT_EQ(isPointOnLineSeg(P(0, 0, 0), n, P(0, 0, 0), kOnTol), kSegOffLine);
-    EXPECT_EQ(isPointOnLineSeg(P(0, 0, 0), P(1, 0, 0), P(0.5, kNaN, 0), kOnTol), kSegOffLine);
 }
 
 }  // namespace

@@ -74,6 +74,13 @@ double outside(const std::vector<VoGePoint3D>& c, double x, double y, double& sh
     return worst;
 }
 
+void traceRing(const std::vector<VoGePoint3D>& c) {
+    std::fprintf(stderr, "ring:");
+    for (const auto& q : c)
+        std::fprintf(stderr, " (%.17g, %.17g)", q.x, q.y);
+    std::fprintf(stderr, "\n");
+}
+
 void checkIntervals(const paramt* list, double end) {
     double last = -1.0;
     for (const paramt* p = list; p != nullptr; p = p->next) {
@@ -112,12 +119,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         split = ConvexIdentify(polys);
         if (split) {
             for (const convex* p = polys; p != nullptr; p = p->next) {
-                if (!convexRing(cornersOf(p)) && getenv("VG_FUZZ_TRACE")) {
-                    std::fprintf(stderr, "ring:");
-                    for (const auto& q : cornersOf(p))
-                        std::fprintf(stderr, " (%.17g, %.17g)", q.x, q.y);
-                    std::fprintf(stderr, "\n");
-                }
+                if (!convexRing(cornersOf(p)) && vgfuzz::tracing())
+                    traceRing(cornersOf(p));
                 VG_FUZZ_CHECK(convexRing(cornersOf(p)),
                               "a split that succeeds gives convex pieces");
             }
@@ -160,23 +163,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                     // a point within 1e-4 / L of its line counts as on it.
                     inside = inside || off <= 2e-4 / std::fmax(shortest, 1e-12) + 1e-3 * len;
                 }
-                if (!inside && getenv("VG_FUZZ_TRACE")) {
+                if (!inside && vgfuzz::tracing()) {
                     std::fprintf(stderr,
                                  "piece (%.17g, %.17g) -> (%.17g, %.17g) gap [%.17g, %.17g]\n",
                                  s[0], s[1], e[0], e[1], g->t0, g->t1);
-                    for (const auto& c : rings) {
-                        std::fprintf(stderr, "ring:");
-                        for (const auto& q : c)
-                            std::fprintf(stderr, " (%.17g, %.17g)", q.x, q.y);
-                        std::fprintf(stderr, "\n");
-                    }
+                    for (const auto& c : rings)
+                        traceRing(c);
                 }
                 VG_FUZZ_CHECK(inside, "what trimming removes lies inside an outline");
             }
             freeParamt(gaps);
         }
-        double u0 = 0.0;
-        double u1 = 0.0;
+        double u0 = 0.0, u1 = 0.0;
         VG_FUZZ_CHECK(box2DTrimLine(polys, s, e, u0, u1), "box2DTrimLine succeeds");
         VG_FUZZ_CHECK((u0 == 1.0 && u1 == 0.0) || (u0 >= 0.0 && u0 <= u1 && u1 <= 1.0),
                       "the hidden range lies within the piece, or is the empty range");
@@ -191,14 +189,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const double a1 = in.ConsumeFloatingPointInRange<double>(0.0, kTurn);
         arc_cut* arc = polygonTrimArc(polys, c, r, a0, a1);
         if (arc != nullptr) {
-            for (const paramt* p = arc->params; p != nullptr; p = p->next)
-                if (getenv("VG_FUZZ_TRACE"))
+            for (const paramt* p = arc->params; p != nullptr; p = p->next) {
+                if (vgfuzz::tracing())
                     std::fprintf(stderr,
                                  "arc c=(%.17g,%.17g) r=%.17g a0=%.17g a1=%.17g: [%.17g, %.17g]\n",
                                  c[0], c[1], r, a0, a1, p->t0, p->t1);
-            for (const paramt* p = arc->params; p != nullptr; p = p->next)
                 VG_FUZZ_CHECK(p->t0 >= 0.0 && p->t0 <= kTurn && p->t1 >= 0.0 && p->t1 <= kTurn,
                               "arc intervals lie within the turn");
+            }
             freeArcCut(arc);
         }
     }
@@ -206,12 +204,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // A view box: a true result carries a range within the piece.
     if (in.ConsumeBool()) {
         Box3D box;
-        box.set(VoGePoint3D(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in)),
-                VoGePoint3D(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in)));
-        const VoGePoint3D p0(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in));
-        const VoGePoint3D p1(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in));
-        double u0 = 0.0;
-        double u1 = 0.0;
+        const auto lo = vgfuzz::triple<VoGePoint3D>(in), hi = vgfuzz::triple<VoGePoint3D>(in);
+        box.set(lo, hi);
+        const auto p0 = vgfuzz::triple<VoGePoint3D>(in), p1 = vgfuzz::triple<VoGePoint3D>(in);
+        double u0 = 0.0, u1 = 0.0;
         if (viewBoxTrimLine(&box, p0, p1, u0, u1))
             VG_FUZZ_CHECK(u0 >= 0.0 && u0 <= u1 && u1 <= 1.0, "a view box range within the piece");
     }

@@ -13,11 +13,11 @@ namespace {
 constexpr double kTurn = 6.283185307179586;
 
 VoGeVector3D vectorFrom(FuzzedDataProvider& in) {
-    return VoGeVector3D(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in));
+    return vgfuzz::triple<VoGeVector3D>(in);
 }
 
 VoGePoint3D pointFrom(FuzzedDataProvider& in) {
-    return VoGePoint3D(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in));
+    return vgfuzz::triple<VoGePoint3D>(in);
 }
 
 bool isAngle(double a) {
@@ -114,24 +114,9 @@ void checkCircle(FuzzedDataProvider& in) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider in(data, size);
-    while (in.remaining_bytes() > 0) {
-        switch (in.ConsumeIntegralInRange<int>(0, 4)) {
-            case 0:
-                checkVectors(in);
-                break;
-            case 1:
-                checkFrames(in);
-                break;
-            case 2:
-                checkLinear(in);
-                break;
-            case 3:
-                checkSegments(in);
-                break;
-            default:
-                checkCircle(in);
-                break;
-        }
-    }
+    static void (*const kChecks[])(FuzzedDataProvider&) = {checkVectors, checkFrames, checkLinear,
+                                                           checkSegments, checkCircle};
+    while (in.remaining_bytes() > 0)
+        kChecks[in.ConsumeIntegralInRange<int>(0, 4)](in);
     return 0;
 }

@@ -17,7 +17,7 @@ using namespace geolib;
 using P = _s_hd_point_;
 
 P pointFrom(FuzzedDataProvider& in) {
-    return {vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in)};
+    return vgfuzz::triple<P>(in);
 }
 
 point* pointListFrom(FuzzedDataProvider& in) {
@@ -28,7 +28,7 @@ point* pointListFrom(FuzzedDataProvider& in) {
         point* p = mallocPoint();
         if (p == nullptr)
             break;
-        p->pt = VoGePoint3D(vgfuzz::number(in), vgfuzz::number(in), vgfuzz::number(in));
+        p->pt = vgfuzz::triple<VoGePoint3D>(in);
         *link = p;
         link = &p->next;
     }
@@ -239,15 +239,16 @@ void checkPieces(const std::vector<_s_hd_prof_*>& objs, const _s_hd_proline_* pi
             }
         }
         // Whatever is left for this object lies on none of its lines (checked lines only).
-        if (piece != nullptr && piece->owner == static_cast<int>(i) && getenv("VG_FUZZ_TRACE")) {
-            for (const _s_hd_proline_* l = objs[i]->proline; l != nullptr; l = l->next)
-                std::fprintf(stderr, "line (%.17g, %.17g, %.17g) -> (%.17g, %.17g, %.17g)\n",
+        if (piece != nullptr && piece->owner == static_cast<int>(i) && vgfuzz::tracing()) {
+            auto trace = [](const char* what, const _s_hd_proline_* l) {
+                std::fprintf(stderr, "%s (%.17g, %.17g, %.17g) -> (%.17g, %.17g, %.17g)\n", what,
                              l->start.x, l->start.y, l->start.z, l->end.x, l->end.y, l->end.z);
+            };
+            for (const _s_hd_proline_* l = objs[i]->proline; l != nullptr; l = l->next)
+                trace("line", l);
             for (const _s_hd_proline_* q = pieces; q != nullptr; q = q->next)
                 if (q->owner == static_cast<int>(i))
-                    std::fprintf(stderr, "piece%s (%.17g, %.17g, %.17g) -> (%.17g, %.17g, %.17g)\n",
-                                 q == piece ? "*" : "", q->start.x, q->start.y, q->start.z,
-                                 q->end.x, q->end.y, q->end.z);
+                    trace(q == piece ? "piece*" : "piece", q);
         }
         while (piece != nullptr && piece->owner == static_cast<int>(i)) {
             const P s = piece->start;

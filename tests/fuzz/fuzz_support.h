@@ -25,24 +25,10 @@ namespace vgfuzz {
 /// small integers (so that points coincide), values at the tolerances, huge values and the
 /// non-finite ones.
 inline double number(FuzzedDataProvider& in, double range = 10.0) {
-    static const double kSpecial[] = {0.0,
-                                      1e-9,
-                                      -1e-9,
-                                      5e-7,
-                                      1e-6,
-                                      1e-5,
-                                      1e-4,
-                                      3e-4,
-                                      0.001,
-                                      0.01,
-                                      1e9,
-                                      -1e9,
-                                      1e154,
-                                      -1e154,
-                                      1e300,
-                                      std::numeric_limits<double>::quiet_NaN(),
-                                      std::numeric_limits<double>::infinity(),
-                                      -std::numeric_limits<double>::infinity()};
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    static const double kSpecial[] = {0.0,  1e-9, -1e-9, 5e-7,  1e-6,   1e-5,  1e-4, 3e-4, 1e-3,
+                                      1e-2, 1e9,  -1e9,  1e154, -1e154, 1e300, nan,  inf,  -inf};
     const unsigned kind = in.ConsumeIntegralInRange<unsigned>(0, 15);
     if (kind < 10)
         return in.ConsumeFloatingPointInRange<double>(-range, range);
@@ -52,6 +38,17 @@ inline double number(FuzzedDataProvider& in, double range = 10.0) {
         return kSpecial[in.ConsumeIntegralInRange<unsigned>(
             0, sizeof kSpecial / sizeof *kSpecial - 1)];
     return in.ConsumeFloatingPoint<double>();
+}
+
+/// Three numbers, read in order, as a point or a vector of any type taking (x, y, z).
+template <class T>
+T triple(FuzzedDataProvider& in, double range = 10.0) {
+    return T{number(in, range), number(in, range), number(in, range)};
+}
+
+/// True when VG_FUZZ_TRACE is set: the targets then print what broke a promise.
+inline bool tracing() {
+    return std::getenv("VG_FUZZ_TRACE") != nullptr;
 }
 
 /// True when every value is finite and at most limit in magnitude.

@@ -40,15 +40,25 @@ std::vector<Piece> drawPlant(unsigned seed) {
 }
 
 // Bit for bit, field by field (the record has padding).
-bool same(const std::vector<Piece>& x, const std::vector<Piece>& y) {
-    if (x.size() != y.size())
-        return false;
-    for (size_t i = 0; i < x.size(); ++i) {
-        if (std::memcmp(&x[i].a, &y[i].a, sizeof x[i].a) != 0 ||
-            std::memcmp(&x[i].b, &y[i].b, sizeof x[i].b) != 0 || x[i].owner != y[i].owner)
-            return false;
-    }
-    return true;
+bool operator==(const Piece& x, const Piece& y) {
+    return std::memcmp(&x.a, &y.a, sizeof x.a) == 0 && std::memcmp(&x.b, &y.b, sizeof x.b) == 0 &&
+           x.owner == y.owner;
+}
+
+// Runs work(t) for each t alone, then on kThreads threads at once: every thread must get what
+// it got alone.
+template <class Work>
+void expectThreadsGetWhatOneThreadGets(Work work) {
+    std::vector<decltype(work(0))> alone, together(kThreads);
+    for (int t = 0; t < kThreads; ++t)
+        alone.push_back(work(t));
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([t, &work, &together] { together[t] = work(t); });
+    for (std::thread& th : threads)
+        th.join();
+    for (int t = 0; t < kThreads; ++t)
+        EXPECT_TRUE(alone[t] == together[t]) << "thread " << t;
 }
 
 // The visible intervals of pieces across the polygons, one fan of pieces per seed.
@@ -71,18 +81,8 @@ std::vector<double> trimFan(convex* polys, int seed) {
 }
 
 TEST(ConcurrentCalls, ThreadsOnDisjointScenesGetWhatOneThreadGets) {
-    std::vector<std::vector<Piece>> alone;
-    for (int t = 0; t < kThreads; ++t)
-        alone.push_back(drawPlant(static_cast<unsigned>(t + 1)));
-    std::vector<std::vector<Piece>> together(kThreads);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back(
-            [t, &together] { together[t] = drawPlant(static_cast<unsigned>(t + 1)); });
-    for (std::thread& th : threads)
-        th.join();
-    for (int t = 0; t < kThreads; ++t)
-        EXPECT_TRUE(same(alone[t], together[t])) << "thread " << t;
+    expectThreadsGetWhatOneThreadGets(
+        [](int t) { return drawPlant(static_cast<unsigned>(t + 1)); });
 }
 
 TEST(ConcurrentCalls, ThreadsTrimAgainstOneSharedPolygonList) {
@@ -91,17 +91,7 @@ TEST(ConcurrentCalls, ThreadsTrimAgainstOneSharedPolygonList) {
                                         {2, 2, 0}, {2, 8, 0}, {0, 8, 0}};
     convex* polys = transPtArray2Convex(l);
     ASSERT_TRUE(ConvexIdentify(polys));
-    std::vector<std::vector<double>> alone;
-    for (int t = 0; t < kThreads; ++t)
-        alone.push_back(trimFan(polys, t));
-    std::vector<std::vector<double>> together(kThreads);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([t, polys, &together] { together[t] = trimFan(polys, t); });
-    for (std::thread& th : threads)
-        th.join();
-    for (int t = 0; t < kThreads; ++t)
-        EXPECT_EQ(alone[t], together[t]) << "thread " << t;
+    expectThreadsGetWhatOneThreadGets([polys](int t) { return trimFan(polys, t); });
     freeConvex(polys);
 }
 

@@ -5,11 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <vector>
 
 #include "hd_records.h"
 #include "hidden_line/model/solid_checks.h"
+#include "support/alloc_hook.h"
 #include "support/geom_expect.h"
 
 namespace hdtest {
@@ -67,6 +69,17 @@ inline void expectOrders(const geolib::_s_hd_prof_* obj, const std::vector<P>& c
         for (int k : faces[i])
             want.push_back(corners[static_cast<size_t>(k)]);
         EXPECT_TRUE(vgtest::samePoints(gotFaces[i].pts, want, 0.0)) << "face " << i;
+    }
+}
+
+/// Each call, with each of its allocations failing in turn, leaks nothing (what it gives back,
+/// an object or null, is released).
+inline void expectNoLeaks(const std::vector<std::function<geolib::_s_hd_prof_*()>>& calls) {
+    for (const auto& call : calls) {
+        vgtest::forEachAllocationFailure([&] {
+            geolib::_s_hd_prof_* obj = call();
+            geolib::freeHDProfObjectPointer(obj);
+        });
     }
 }
 

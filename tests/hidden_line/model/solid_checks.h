@@ -71,6 +71,16 @@ inline std::vector<std::pair<P, P>> lines(const geolib::_s_hd_proline_* l) {
     return out;
 }
 
+/// Every vertex of the faces, then both ends of every line.
+inline std::vector<P> points(const geolib::_s_hd_prof_* obj) {
+    std::vector<P> out;
+    for (const auto& f : faces(obj))
+        out.insert(out.end(), f.begin(), f.end());
+    for (const auto& [a, b] : lines(obj->proline))
+        out.insert(out.end(), {a, b});
+    return out;
+}
+
 /// The Newell normal of a face (its length is twice the area).
 inline P areaNormal(const std::vector<P>& f) {
     P n{0, 0, 0};
@@ -203,19 +213,12 @@ inline void expectClosedOutward(const geolib::_s_hd_prof_* obj, const char* what
 inline void expectBoxHolds(const geolib::_s_hd_prof_* obj, const char* what) {
     ASSERT_NE(obj, nullptr) << what;
     double want[6] = {-HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL};
-    auto take = [&want](P p) {
+    for (const P p : solid::points(obj)) {
         const double c[3] = {p.x, p.y, p.z};
         for (int a = 0; a < 3; ++a) {
             want[2 * a] = std::max(want[2 * a], c[a]);
             want[2 * a + 1] = std::min(want[2 * a + 1], c[a]);
         }
-    };
-    for (const auto& f : solid::faces(obj))
-        for (P p : f)
-            take(p);
-    for (const auto& l : solid::lines(obj->proline)) {
-        take(l.first);
-        take(l.second);
     }
     for (int k = 0; k < 6; ++k)
         EXPECT_EQ(obj->box[k], want[k]) << what << ": box value " << k;
@@ -226,11 +229,8 @@ inline void expectOnSurface(const geolib::_s_hd_prof_* obj, const std::function<
                             double tol, const char* what) {
     ASSERT_NE(obj, nullptr) << what;
     double worst = 0.0;
-    for (const auto& f : solid::faces(obj))
-        for (P p : f)
-            worst = std::max(worst, std::fabs(dist(p)));
-    for (const auto& l : solid::lines(obj->proline))
-        worst = std::max({worst, std::fabs(dist(l.first)), std::fabs(dist(l.second))});
+    for (const P p : solid::points(obj))
+        worst = std::max(worst, std::fabs(dist(p)));
     EXPECT_LE(worst, tol) << what << ": a vertex lies off the surface";
 }
 

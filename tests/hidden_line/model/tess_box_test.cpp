@@ -171,12 +171,14 @@ TEST(EpDivideFlatFaced, NonFiniteInputGivesNullAndFailedAllocationsReleaseAll) {
     EXPECT_EQ(ep_divide_pri(o, {0, 0, kNaN}, x, 6), nullptr);
     EXPECT_EQ(ep_divide_pln(o, bad), nullptr);
     point* list = pointList({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}});
-    auto check = [](_s_hd_prof_* obj) { freeHDProfObjectPointer(obj); };
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_box(1, 2, 3, o, x, y, 1)); });
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_wed(x, o, y, 2)); });
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_pri(o, {0, 0, 5}, x, 5)); });
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_pln(o, x)); });
-    vgtest::forEachAllocationFailure([&] { check(ep_divide_plns(list)); });
+    const P top{0, 0, 5};
+    expectNoLeaks({
+        [&] { return ep_divide_box(1, 2, 3, o, x, y, 1); },
+        [&] { return ep_divide_wed(x, o, y, 2); },
+        [&] { return ep_divide_pri(o, top, x, 5); },
+        [&] { return ep_divide_pln(o, x); },
+        [&] { return ep_divide_plns(list); },
+    });
     freePoint(list);
 }
 
@@ -190,14 +192,9 @@ TEST(EpDividePri, ChosenCountIsOneForBothRingsAndTheBoxHoldsEveryLine) {
             _s_hd_prof_* pri = ep_divide_pri(pa, pb, {pa.x + 0.8 * r, pa.y - 0.6 * r, pa.z}, 0);
             ASSERT_NE(pri, nullptr);
             const size_t faces = facesOf(pri).size();
-            EXPECT_EQ(linesOf(pri->proline).size(), 3 * faces) << len << " " << r;
-            for (const auto* l : linesOf(pri->proline)) {
-                for (const P& q : {l->start, l->end}) {
-                    EXPECT_TRUE(q.x <= pri->box[0] && q.x >= pri->box[1] && q.y <= pri->box[2] &&
-                                q.y >= pri->box[3] && q.z <= pri->box[4] && q.z >= pri->box[5])
-                        << len << " " << r;
-                }
-            }
+            const std::string what = std::to_string(len) + " " + std::to_string(r);
+            EXPECT_EQ(linesOf(pri->proline).size(), 3 * faces) << what;
+            expectBoxHolds(pri, what.c_str());
             freeHDProfObjectPointer(pri);
         }
     }

@@ -97,10 +97,8 @@ TEST(EpDivideCir, BoxHoldsTheRimAndBadInputGivesNull) {
     EXPECT_EQ(ep_divide_cir({kInf, 0, 0}, 1, z), nullptr);
     for (P n : {P{0, kNaN, 1}, P{0, 0, 0}, P{0, 0, 2}})
         EXPECT_EQ(ep_divide_cir(o, 1, n), nullptr);
-    vgtest::forEachAllocationFailure([] {
-        _s_hd_prof_* tilted = ep_divide_cir({1, 2, 3}, 30, {0, 0.6, 0.8});
-        freeHDProfObjectPointer(tilted);
-    });
+    const P c{1, 2, 3}, n{0, 0.6, 0.8};
+    expectNoLeaks({[&] { return ep_divide_cir(c, 30, n); }});
 }
 
 }  // namespace

@@ -152,25 +152,13 @@ TEST(EpDivideSphSad, BadInputGivesNullAndAFailedAllocationLeaksNothing) {
     };
     for (std::size_t i = 0; i < sizeof bad / sizeof bad[0]; ++i)
         EXPECT_EQ(bad[i], nullptr) << i;
-    const std::vector<std::function<_s_hd_prof_*()>> calls = {
-        [&] {
-            return ep_divide_sph({1, 2, 3}, 30);
-        },
-        [&] {
-            return ep_divide_sad(1, 2, 0.5, {1, 2, 3}, 0.3, 2);
-        },
-        [&] {
-            return ep_divide_sad(1, 2, 0.5, {1, 2, 3}, 0, 7);
-        },
-        [&] {
-            return ep_divide_sad(0, 2, 0.5, {1, 2, 3}, 0, 1);
-        },
-    };
-    for (const auto& call : calls)
-        vgtest::forEachAllocationFailure([&] {
-            _s_hd_prof_* obj = call();
-            freeHDProfObjectPointer(obj);
-        });
+    const P c{1, 2, 3};
+    expectNoLeaks({
+        [&] { return ep_divide_sph(c, 30); },
+        [&] { return ep_divide_sad(1, 2, 0.5, c, 0.3, 2); },  // a sector
+        [&] { return ep_divide_sad(1, 2, 0.5, c, 0, 7); },    // a full ring
+        [&] { return ep_divide_sad(0, 2, 0.5, c, 0, 1); },    // a disc's sector
+    });
 }
 
 }  // namespace
