@@ -1,7 +1,7 @@
-// Fuzz target: scenes of every tessellator, registered for face intersection, through the
-// hide pass. Checks that every box holds its object, that the engine gives what the plain
-// step-by-step pass gives, node for node and bit for bit, and that the visible pieces lie on
-// their lines, in order from each line's near end and disjoint.
+// Fuzz target: scenes of every tessellator (the elbow and the head included), registered for face
+// intersection, through the hide pass. Checks that every box holds its object, that the engine
+// gives what the plain step-by-step pass gives, node for node and bit for bit, and that the visible
+// pieces lie on their lines, in order from each line's near end and disjoint.
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -36,7 +36,7 @@ point* pointListFrom(FuzzedDataProvider& in) {
 }
 
 _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
-    switch (in.ConsumeIntegralInRange<int>(0, 12)) {
+    switch (in.ConsumeIntegralInRange<int>(0, 14)) {
         case 0: {
             const double a = vgfuzz::number(in), b = vgfuzz::number(in), c = vgfuzz::number(in);
             const P p = pointFrom(in), u = pointFrom(in), v = pointFrom(in);
@@ -102,6 +102,27 @@ _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
         case 10: {
             const P c = pointFrom(in);
             return ep_divide_sph(c, vgfuzz::number(in));
+        }
+        case 12: {
+            // An elbow: its start mostly placed square to the axis, as a drawing program does.
+            const double r = vgfuzz::number(in), angle = vgfuzz::number(in, 7.0);
+            const P c = pointFrom(in), axis = pointFrom(in);
+            P s = pointFrom(in);
+            const double bend = vgfuzz::number(in);
+            if (in.ConsumeBool()) {
+                const double l2 = axis.x * axis.x + axis.y * axis.y + axis.z * axis.z;
+                const double d = l2 > 0 ? (s.x * axis.x + s.y * axis.y + s.z * axis.z) / l2 : 0.0;
+                const P off{s.x - d * axis.x, s.y - d * axis.y, s.z - d * axis.z};
+                const double l = std::sqrt(off.x * off.x + off.y * off.y + off.z * off.z);
+                if (l > 0)
+                    s = {c.x + bend * off.x / l, c.y + bend * off.y / l, c.z + bend * off.z / l};
+            }
+            return ep_divide_tor(r, angle, c, s, axis, in.ConsumeIntegralInRange<int>(0, 16));
+        }
+        case 13: {
+            const double r = vgfuzz::number(in), h = vgfuzz::number(in), f = vgfuzz::number(in);
+            const P c = pointFrom(in);
+            return ep_divide_ova(r, h, f, c, pointFrom(in));
         }
         default: {
             const double ri = vgfuzz::number(in), ro = vgfuzz::number(in);
