@@ -57,21 +57,28 @@ bool convexRing(std::vector<VoGePoint3D> c) {
     return std::fabs(turned - kTurn) < 0.1;
 }
 
-// How far p lies outside the convex counter-clockwise ring (0 inside), and the shortest edge.
+// How far p lies outside the region of the ring (0 inside, by the crossing rule), and the
+// shortest of its edges that have a direction (0.001 and longer). The region, not the edges'
+// half-planes: a ring that is convex by the splitting's measure may still carry a tiny notch.
 double outside(const std::vector<VoGePoint3D>& c, double x, double y, double& shortest) {
-    double worst = 0.0;
+    bool in = false;
+    double nearest = HUGE_VAL;
     shortest = HUGE_VAL;
     for (size_t i = 0, n = c.size(); i < n; ++i) {
         const VoGePoint3D& p = c[i];
         const VoGePoint3D& q = c[(i + 1) % n];
-        const double len = std::hypot(q.x - p.x, q.y - p.y);
-        if (len < 0.001)
-            continue;  // shorter edges have no direction for the splitting either
-        shortest = std::fmin(shortest, len);
-        const double d = ((p.y - y) * (q.x - x) - (q.y - y) * (p.x - x)) / len;
-        worst = std::fmax(worst, d);
+        if ((p.y > y) != (q.y > y) && x < p.x + (y - p.y) * (q.x - p.x) / (q.y - p.y))
+            in = !in;
+        const double dx = q.x - p.x;
+        const double dy = q.y - p.y;
+        const double l2 = dx * dx + dy * dy;
+        double t = l2 > 0.0 ? ((x - p.x) * dx + (y - p.y) * dy) / l2 : 0.0;
+        t = std::fmin(1.0, std::fmax(0.0, t));
+        nearest = std::fmin(nearest, std::hypot(x - p.x - t * dx, y - p.y - t * dy));
+        if (std::sqrt(l2) >= 0.001)
+            shortest = std::fmin(shortest, std::sqrt(l2));
     }
-    return worst;
+    return in ? 0.0 : nearest;
 }
 
 void traceRing(const std::vector<VoGePoint3D>& c) {
