@@ -205,7 +205,11 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// from its first vertex), the far end; tag 0. Lines: the start ring's m chords, the tube's
 /// outline (every edge between a face turned towards the viewer and one turned away: the two
 /// silhouettes along the bend, and the whole of a ring seen end-on) ring by ring, the far ring's
-/// m chords; no end rings for a full ring.
+/// m chords; no end rings for a full ring. Seen along the bend axis or across it that outline is
+/// the chain of silhouette points; in other views, where the silhouette turns round the tube,
+/// the faces between the turned rings lean, and on the side towards the bend centre the outline
+/// may stand up to two ring chords off the true one, with short extra edges where a ring is
+/// seen nearly end-on.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
 /// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or
