@@ -143,10 +143,7 @@ int main(int argc, char** argv) {
 
     t = std::chrono::steady_clock::now();
     const int count = static_cast<int>(objs.size());
-    std::vector<_s_hd_prof_*> registry(objs.size() + 1, nullptr);
-    int registered = 0;
-    for (_s_hd_prof_* o : objs)
-        geolib::kestFaceIntersect(o, registry.data(), registered, count);
+    geolib::kestFaceIntersectAll(objs.data(), count);
     const double tInter = millisecondsSince(t);
 
     long linesIn = 0;
@@ -156,7 +153,7 @@ int main(int argc, char** argv) {
     }
 
     t = std::chrono::steady_clock::now();
-    _s_hd_proline_* visible = geolib::kestHideObject(objs.data(), count);
+    _s_hd_proline_* visible = geolib::kestHideObject(objs.data(), static_cast<int>(objs.size()));
     const double tHide = millisecondsSince(t);
 
     t = std::chrono::steady_clock::now();

@@ -42,6 +42,17 @@ VOGEBASIC_API _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n);
 /// no new line.
 VOGEBASIC_API void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max);
 
+/// Face intersection of a whole scene in one call: the same segments, in the same order, as
+/// registering objs[0], objs[1], ... objs[n - 1] one by one with kestFaceIntersect in an empty
+/// registry (each object meets the objects before it and then itself). It finds each object's
+/// neighbours through an index over the objects' boxes instead of looking at every object
+/// registered before it, so a scene costs about its size rather than its size squared.
+/// Null entries are skipped; nothing happens when objs is null or n is 0 or less. If an
+/// allocation fails, the object being cut at the time gets no new line (as with
+/// kestFaceIntersect); if the index itself cannot be built, the objects are registered one by
+/// one.
+VOGEBASIC_API void kestFaceIntersectAll(_s_hd_prof_** objs, int n);
+
 }  // namespace geolib
 
 #endif  // VOGEBASIC_HD_ENGINE_H

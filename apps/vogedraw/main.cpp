@@ -211,13 +211,9 @@ int main(int argc, char** argv) {
 
     t = Clock::now();
     if (!noIntersect) {
-        std::vector<_s_hd_prof_*> registry(objs.list.size() + 1, nullptr);
-        int registered = 0;
-        for (int i = 0; i < count; ++i) {
-            progress.show("face intersection", i + 1, count);
-            geolib::kestFaceIntersect(objs.list[static_cast<std::size_t>(i)], registry.data(),
-                                      registered, count);
-        }
+        progress.show("face intersection", 0, count);
+        geolib::kestFaceIntersectAll(objs.list.data(), count);
+        progress.show("face intersection", count, count);
     }
     const double tInter = msSince(t);
 

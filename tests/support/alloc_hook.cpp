@@ -5,8 +5,10 @@
 
 extern "C" {
 void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
 void __real_free(void* p);
 void* __wrap_malloc(std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
 void __wrap_free(void* p);
 }
 
@@ -84,6 +86,16 @@ extern "C" void* __wrap_malloc(std::size_t size) {
     if (!g_mallocs.grant())
         return nullptr;
     void* p = __real_malloc(size);
+    if (p != nullptr && g_mallocs.watching)
+        ++g_mallocs.live;
+    return p;
+}
+
+// The compiler may turn a malloc followed by zeroing into calloc: it counts as a malloc.
+extern "C" void* __wrap_calloc(std::size_t count, std::size_t size) {
+    if (!g_mallocs.grant())
+        return nullptr;
+    void* p = __real_calloc(count, size);
     if (p != nullptr && g_mallocs.watching)
         ++g_mallocs.live;
     return p;

@@ -1,6 +1,7 @@
 // Allocation-failure hook for the unit tests.
 //
-// The test executable links with -Wl,--wrap=malloc,--wrap=free, so every malloc and free made
+// The test executable links with -Wl,--wrap=malloc,--wrap=calloc,--wrap=free, so every malloc
+// (calloc counts as one) and free made
 // by the library's code (and by the tests) goes through the wrappers in alloc_hook.cpp. While
 // an AllocationWatch is alive, the wrappers count allocations and releases and can make one
 // chosen allocation return null. operator new is replaced too: a NewWatch counts its calls

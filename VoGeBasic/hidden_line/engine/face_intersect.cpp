@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "hd_engine.h"
+#include "hidden_line/engine/box_index.h"
 #include "hidden_line/engine/hd_engine_internal.h"
 #include "hidden_line/engine/hd_engine_tolerances.h"
 
@@ -130,11 +131,14 @@ bool getFaceInterLine(const HDFace& f, const FacePrep& fp, const HDFace& g, cons
     return faceInterLine(f, &fp, g, &gp, a, b);
 }
 
-void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max) {
-    if (objs == nullptr || count < 0 || count > max || count == INT_MAX)
-        return;
-    objs[count] = obj;
-    ++count;
+namespace {
+
+// Appends to obj's line list the segments along which its faces cut the faces of the objects
+// that forEachRegistered hands to its visitor, in the order it hands them (the visitor returns
+// false once an allocation has failed, and the rest may be skipped). Objects whose 3-D boxes do
+// not touch obj's are passed over here.
+template <class ForEachRegistered>
+void addCutLines(_s_hd_prof_* obj, ForEachRegistered&& forEachRegistered) {
     // Segments are only ever linked behind an existing line.
     if (obj == nullptr || obj->prosect == nullptr || obj->proline == nullptr)
         return;
@@ -144,10 +148,9 @@ void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max
     if (!ok)
         return;
     ProlineChain found;
-    for (int k = 0; k < count && ok; ++k) {
-        const _s_hd_prof_* other = objs[k];
+    forEachRegistered([&](const _s_hd_prof_* other) {
         if (other == nullptr || !boxesTouch(other->box, obj->box))
-            continue;
+            return true;
         for (const _s_hd_prosect_* fs = other->prosect; fs != nullptr && ok; fs = fs->next) {
             PreparedFace f;
             if (!readFace(fs->sect, f.face))
@@ -165,13 +168,56 @@ void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max
                     ok = found.append(a, b);
             }
         }
-    }
+        return ok;
+    });
     std::free(own);
     if (!ok) {
         releaseProline(found.head);
         return;
     }
     concatProline(obj->proline, found.head);
+}
+
+}  // namespace
+
+void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max) {
+    if (objs == nullptr || count < 0 || count > max || count == INT_MAX)
+        return;
+    objs[count] = obj;
+    ++count;
+    const int registered = count;
+    addCutLines(obj, [&](auto&& visit) {
+        for (int k = 0; k < registered && visit(objs[k]); ++k) {
+        }
+    });
+}
+
+void kestFaceIntersectAll(_s_hd_prof_** objs, int n) {
+    if (objs == nullptr || n <= 0)
+        return;
+    BoxIndex index;
+    int* near = static_cast<int*>(std::malloc(static_cast<size_t>(n) * sizeof(int)));
+    if (near == nullptr || !index.build(objs, n)) {
+        // Without the index the objects are registered one by one, with the same result.
+        std::free(near);
+        int count = 0;
+        for (int i = 0; i < n; ++i)
+            kestFaceIntersect(objs[i], objs, count, n - 1);
+        return;
+    }
+    for (int i = 0; i < n; ++i) {
+        if (objs[i] == nullptr)
+            continue;
+        // Object i meets the objects before it and itself, in array order: the objects of the
+        // registry when it is registered. Those the index leaves out have boxes that do not
+        // touch object i's on X and Y, so addCutLines would pass them over.
+        const int found = index.near(objs[i]->box, i + 1, near);
+        addCutLines(objs[i], [&](auto&& visit) {
+            for (int k = 0; k < found && visit(objs[near[k]]); ++k) {
+            }
+        });
+    }
+    std::free(near);
 }
 
 }  // namespace geolib

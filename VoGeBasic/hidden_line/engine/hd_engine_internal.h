@@ -142,6 +142,8 @@ public:
     /// becomes true.
     void remember(size_t face, _s_hd_point_ e, bool inside);
     bool failed() const { return failed_; }
+    /// The room the table takes.
+    size_t bytes() const;
 
 private:
     struct Entry;
@@ -164,6 +166,11 @@ struct FacePrep {
     _s_hd_point_ area;      ///< the unit area normal that isPointInFace signs its angles by
 };
 void prepareFaceTests(const HDFace& face, FacePrep& prep);
+/// The edges' part of prepareFaceTests alone (reach, len2, run), the same to the bit; dir and
+/// area are left unset. flatLengths, when given, holds each edge's run length (flatRunOf).
+void prepareEdgeTests(const HDFace& face, FacePrep& prep, const double* flatLengths = nullptr);
+/// The face's unit area normal, as prepareFaceTests sets prep.area.
+_s_hd_point_ faceAreaNormal(const HDFace& face);
 /// isPointInFace(p, face.count, face.v) with the face's data prepared.
 int isPointInFace(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
 
@@ -207,10 +214,15 @@ bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
 /// The same with the line's range worked out already (lineRangeOf).
 bool faceMeetsLineRange(const HDFace& face, const LineRange& range);
 
+class MergeScratch;
+
 /// When the face's XY extents touch the line p -> q (p the near end) and it hides a piece of
 /// it, appends that piece to hidden. Returns false only if that allocation fails (a memo that
 /// cannot grow is the caller's to check).
 bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
+                       FaceTestAids aids = {});
+/// The same, appending to working room.
+bool appendHiddenPiece(const HideLine& line, const HDFace& face, MergeScratch& hidden,
                        FaceTestAids aids = {});
 
 /// Tests the line (a copy, near end first) against every face of the list in order and
@@ -219,11 +231,15 @@ bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& h
 bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
                     ProlineChain& hidden);
 
-/// Working room for merging a line's hidden pieces without retrying the pairs that provably
-/// stay apart; it grows to the most pieces a line has. Not copyable.
+/// A line's hidden pieces in reused working room, for merging them without retrying the pairs
+/// that provably stay apart; it grows to the most pieces a line has. Not copyable.
 class MergeScratch {
 public:
-    struct Piece;
+    struct Piece {
+        _s_hd_point_ start, end;
+        SegmentReach reach;  ///< segmentReach(start, end), kept up to date while merging
+        bool settled;        ///< its row of a sweep ran without a merge since it last changed
+    };
     MergeScratch() = default;
     ~MergeScratch();
     MergeScratch(const MergeScratch&) = delete;
@@ -231,21 +247,41 @@ public:
 
     /// Room for n pieces; false, keeping what it had, if it cannot grow.
     bool reserve(size_t n);
+    /// Appends the piece from -> to; false, changing nothing, if the room cannot grow.
+    bool append(_s_hd_point_ from, _s_hd_point_ to);
+    void clear() { count_ = 0; }
+    void truncate(size_t n) { count_ = n < count_ ? n : count_; }
+    size_t size() const { return count_; }
     Piece* pieces() { return pieces_; }
+    /// The room the pieces take.
+    size_t bytes() const;
 
 private:
     Piece* pieces_ = nullptr;
     size_t capacity_ = 0;
+    size_t count_ = 0;
 };
 
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement
 /// on the line, pieces in order from p to q, each with owner -1; null when nothing is visible.
-/// With no hidden piece the whole line is visible. Without scratch every pair of pieces is tried
-/// again from the head after each merge; with it, the same merges happen in the same order
-/// without retrying pairs that provably stay apart. Returns false, having released the pieces
-/// and set visible to null, if an allocation fails.
+/// With no hidden piece the whole line is visible. Every pair of pieces is tried again from the
+/// head after each merge. Returns false, having released the pieces and set visible to null, if
+/// an allocation fails.
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
-                       _s_hd_proline_*& visible, MergeScratch* scratch = nullptr);
+                       _s_hd_proline_*& visible);
+/// The same for pieces held in working room (left merged and sorted): the same merges in the
+/// same order, without retrying the pairs that provably stay apart, and the same visible list.
+bool getVisibleProline(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q,
+                       _s_hd_proline_*& visible);
+
+/// What a hide pass did, for the benchmark.
+struct HidePassStats {
+    long long lines = 0;      ///< lines tested
+    long long faceTests = 0;  ///< line-against-face tests that reached hideLineByFace
+    size_t workingBytes = 0;  ///< the pass's own tables at their largest (not its result)
+};
+/// kestHideObject, counting into stats when it is not null.
+_s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats* stats);
 
 /// The hide pass followed step by step: the reference that kestHideObject must match node for
 /// node. Same contract as kestHideObject.
@@ -263,12 +299,9 @@ bool boxOverlapsLineRange(const double* box, const LineRange& range);
 struct VisibleCollector {
     _s_hd_proline_* head = nullptr;
     _s_hd_proline_* tail = nullptr;
-    MergeScratch* scratch = nullptr;  ///< handed to getVisibleProline
 
-    /// Re-orients the stored line in place (near end first), appends the visible complement of
-    /// its hidden pieces (consumed) with owner set to the object's index. Returns false, having
-    /// released hidden, if an allocation fails.
-    bool addLine(_s_hd_proline_* line, _s_hd_proline_* hidden, int owner);
+    /// Appends a line's visible pieces (taken over), with owner set to the object's index.
+    void add(_s_hd_proline_* visible, int owner);
     /// Releases what was collected and returns null.
     _s_hd_proline_* abandon();
 };
@@ -283,33 +316,31 @@ struct HideCandidate {
 /// included), and returns how many. The table has room for n entries, which is never exceeded.
 int touchingObjects(_s_hd_prof_* const* objs, int n, int i, HideCandidate* table);
 
-/// The frame of a hide pass (pieces merged with scratch, if any): for each non-null object i,
-/// findCandidates(i, table) fills the candidate table (room for n entries) and returns the count;
-/// then for each line, hideLine(line, table, count, hidden) appends its hidden pieces (false on a
-/// failed allocation), the line is re-oriented and its visible pieces collected. Returns the
-/// visible list, or null (having released all it built) if an allocation fails.
-template <class FindCandidates, class HideLine>
+/// The frame of a hide pass: for each non-null object i, findCandidates(i, table) fills the
+/// candidate table (room for n entries) and returns the count; then for each line,
+/// lineVisible(line, table, count, visible) sets visible to the line's visible pieces (re-orienting
+/// the line in place, near end first) and returns false on a failed allocation; the pieces are
+/// collected in line order. Returns the visible list, or null (having released all it built) if
+/// an allocation fails.
+template <class FindCandidates, class LineVisible>
 _s_hd_proline_* runHidePass(_s_hd_prof_** objs, int n, FindCandidates&& findCandidates,
-                            HideLine&& hideLine, MergeScratch* scratch = nullptr) {
+                            LineVisible&& lineVisible) {
     auto* table =
         static_cast<HideCandidate*>(std::malloc(static_cast<size_t>(n) * sizeof(HideCandidate)));
     if (table == nullptr)
         return nullptr;
     VisibleCollector out;
-    out.scratch = scratch;
     for (int i = 0; i < n; ++i) {
         if (objs[i] == nullptr)
             continue;
         const int candidates = findCandidates(i, table);
         for (_s_hd_proline_* line = objs[i]->proline; line != nullptr; line = line->next) {
-            ProlineChain hidden;
-            const bool ok = hideLine(line, table, candidates, hidden);
-            if (!ok || !out.addLine(line, hidden.head, i)) {
-                if (!ok)
-                    releaseProline(hidden.head);
+            _s_hd_proline_* visible = nullptr;
+            if (!lineVisible(line, table, candidates, visible)) {
                 std::free(table);
                 return out.abandon();
             }
+            out.add(visible, i);
         }
     }
     std::free(table);

@@ -52,6 +52,9 @@ constexpr double kOnSegRejectAbs = 0.001;
 /// ... nor is one where the cosine of the subtended angle is above this (an angle below about 3
 /// radians, far from the half turn the test looks for).
 constexpr double kOnSegSureOffCos = -0.99;
+/// ... nor measure the angle where the cosine lies farther than this from the cosine at which the
+/// test turns (about -0.99999996915): near it the angle moves by 2,500 times the cosine's change.
+constexpr double kOnSegEdgeBand = 1e-12;
 /// A point within this squared distance of a face's vertex lies in the face.
 constexpr double kInFaceVertexDist2 = 0.00000001;
 /// A point lies in a face when the angles its edges subtend at it add up to within this of a

@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 #include "hd_engine.h"
+#include "hidden_line/engine/box_index.h"
 #include "hidden_line/engine/hd_engine_internal.h"
 #include "hidden_line/engine/hd_engine_tolerances.h"
 
@@ -85,6 +87,10 @@ void BehindMemo::remember(size_t face, _s_hd_point_ e, bool inside) {
     ++used_;
 }
 
+size_t BehindMemo::bytes() const {
+    return capacity_ * sizeof(Entry);
+}
+
 bool BehindMemo::grow() {
     const size_t capacity = capacity_ == 0 ? kMemoFirstCapacity : 2 * capacity_;
     if (capacity > SIZE_MAX / 2 / sizeof(Entry)) {
@@ -121,27 +127,55 @@ bool isBoundedPoint(_s_hd_point_ p) {
            std::fabs(p.z) <= hd::kCullCoordLimit;
 }
 
-// A face read once, with its prepared test data and what the pruning test needs: its XY box
-// as centre and half sizes and its size; prunable is false when a vertex is not bounded (NaN
-// included).
+// A face read once, with its area normal and what the pruning tests need; prunable is false
+// when a vertex is not bounded (NaN included). The rest of the face's prepared data (its edges'
+// reach, length and run) is worked out again for each line that comes near: kept for every face
+// of a plant, it would take more room than the plant itself.
 struct CachedFace {
     HDFace face;
-    FacePrep prep;
+    _s_hd_point_ area;     ///< faceAreaNormal(face)
+    double flatLength[4];  ///< each edge's run length in the drawing plane (flatRunOf)
+    double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
     bool prunable;
+};
+
+// The face's XY box as centre and half sizes, and its size.
+struct FaceSpread {
     double cx, cy, hx, hy, size;
 };
+FaceSpread spreadOf(const HDFace& f) {
+    return {0.5 * (f.xmin + f.xmax), 0.5 * (f.ymin + f.ymax), 0.5 * (f.xmax - f.xmin),
+            0.5 * (f.ymax - f.ymin), (f.xmax - f.xmin) + (f.ymax - f.ymin) + (f.zmax - f.zmin)};
+}
+
+// The smallest depth of the face's plane over the face's XY extents widened by kBehindExtentTol
+// (the least of its four corners), or of a vertex off that plane: every point through which the
+// face hides a piece of a line lies no nearer, to within rounding (see faceBehindLine). +inf for
+// a face seen edge-on, which hides nothing; NaN when the plane has no normal.
+double frontDepth(const HDFace& f) {
+    const _s_hd_point_ n = f.normal;
+    if (std::fabs(n.z) < hd::kEdgeOnNormalZ)
+        return std::numeric_limits<double>::infinity();
+    const double gx = -n.x / n.z;
+    const double gy = -n.y / n.z;
+    const double w = hd::kBehindExtentTol;
+    const double x0 = f.xmin - w - f.v[0].x;
+    const double x1 = f.xmax + w - f.v[0].x;
+    const double y0 = f.ymin - w - f.v[0].y;
+    const double y1 = f.ymax + w - f.v[0].y;
+    const double plane = f.v[0].z + minOf(gx * x0, gx * x1) + minOf(gy * y0, gy * y1);
+    return plane < f.zmin ? plane : f.zmin;  // NaN stays NaN
+}
 
 void prepareFace(CachedFace& c) {
     const HDFace& f = c.face;
-    prepareFaceTests(f, c.prep);
+    c.area = faceAreaNormal(f);
+    for (int k = 0; k < f.count; ++k)
+        c.flatLength[k] = flatRunOf(f.v[k], f.v[nextVertex(k, f.count)]).len;
     c.prunable = true;
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
-    c.cx = 0.5 * (f.xmin + f.xmax);
-    c.cy = 0.5 * (f.ymin + f.ymax);
-    c.hx = 0.5 * (f.xmax - f.xmin);
-    c.hy = 0.5 * (f.ymax - f.ymin);
-    c.size = (f.xmax - f.xmin) + (f.ymax - f.ymin) + (f.zmax - f.zmin);
+    c.zNear = frontDepth(f);
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -153,6 +187,7 @@ struct LinePrune {
     double px, py;  ///< the near end in the drawing plane
     double nx, ny;  ///< unit normal of the projected line; zero when it projects to a point
     double length;  ///< 3-D length
+    double zFar;    ///< the far end's depth
 };
 
 LinePrune prepareLine(const HideLine& line) {
@@ -177,6 +212,7 @@ LinePrune prepareLine(const HideLine& line) {
         l.ny = dx / flat;
     }
     l.length = std::sqrt(dx * dx + dy * dy + dz * dz);
+    l.zFar = maxOf(p.z, q.z);
     return l;
 }
 
@@ -188,12 +224,30 @@ bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable)
         return false;
     const HDFace& f = c.face;
-    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
+    const FaceSpread s = spreadOf(f);
+    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + s.size);
     if (f.xmin - m > l.xmax || f.xmax + m < l.xmin || f.ymin - m > l.ymax || f.ymax + m < l.ymin)
         return true;
-    const double offset = (c.cx - l.px) * l.nx + (c.cy - l.py) * l.ny;
-    const double spread = c.hx * std::fabs(l.nx) + c.hy * std::fabs(l.ny);
+    const double offset = (s.cx - l.px) * l.nx + (s.cy - l.py) * l.ny;
+    const double spread = s.hx * std::fabs(l.nx) + s.hy * std::fabs(l.ny);
     return std::fabs(offset) > spread + m;
+}
+
+// True when the face lies wholly behind the line: it provably hides no piece of it. A face
+// hides through a point of the line that is behind, or level with, a point of the face: a line
+// end behind the point of the face's plane straight in front of it (that point within the
+// face's XY extents widened by kBehindExtentTol), a piercing point on the plane within
+// kPierceExtentTol of the extents, or a crossing where the face's edge is nearer than the line
+// or level with it (within kLevelDepthTol). Each of these points of the face is no nearer than
+// zNear, and each point of the line no deeper than its far end plus what isPointOnSeg lets a
+// point stray from it (2.5e-4 times its length, 1.2e-4 times the root of it); rounding of the
+// depths, at coordinates within kCullCoordLimit and plane slopes below 1 / kEdgeOnNormalZ, stays
+// below 1e-3. kCullMarginAbs and kCullMarginRel cover all of it.
+bool faceBehindLine(const CachedFace& c, const LinePrune& l) {
+    if (!c.prunable || !l.prunable)
+        return false;
+    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + spreadOf(c.face).size);
+    return c.zNear > l.zFar + hd::kLevelDepthTol + m;  // false for NaN
 }
 
 // The faces of all objects, read once: object i's faces are faces[first[i]] up to
@@ -234,9 +288,13 @@ public:
             }
         }
         first_[n] = at;
+        last_ = static_cast<size_t>(n);
         return true;
     }
 
+    size_t bytes() const {
+        return (first_[last_] + 1) * sizeof(CachedFace) + (last_ + 1) * sizeof(size_t);
+    }
     const CachedFace* begin(int i) const { return faces_ + first_[i]; }
     size_t indexOf(const CachedFace* f) const { return static_cast<size_t>(f - faces_); }
     const CachedFace* end(int i) const { return faces_ + first_[i + 1]; }
@@ -244,49 +302,86 @@ public:
 private:
     CachedFace* faces_ = nullptr;
     size_t* first_ = nullptr;
+    size_t last_ = 0;
 };
 
 }  // namespace
 
 _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
+    return kestHideObjectMeasured(objs, n, nullptr);
+}
+
+_s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats* stats) {
     if (objs == nullptr || n <= 0)
         return nullptr;
     FaceCache cache;
     if (!cache.build(objs, n))
         return nullptr;
+    // Candidates from the grid over the objects' boxes, given the same box test in the same
+    // ascending order as the full scan: the grid yields every object whose box can touch. If the
+    // grid cannot be built, the full scan serves.
+    BoxIndex index;
+    int* near = static_cast<int*>(std::malloc(static_cast<size_t>(n) * sizeof(int)));
+    const bool indexed = near != nullptr && index.build(objs, n);
     // Kept for one object's lines at a time: they are what share ends.
     BehindMemo memo;
-    MergeScratch scratch;
-    return runHidePass(
+    // The hidden pieces of one line at a time, in room reused from line to line.
+    MergeScratch hidden;
+    _s_hd_proline_* result = runHidePass(
         objs, n,
         [&](int i, HideCandidate* table) {
             memo.forget();
-            return touchingObjects(objs, n, i, table);
+            if (!indexed)
+                return touchingObjects(objs, n, i, table);
+            const int found = index.near(objs[i]->box, n, near);
+            int count = 0;
+            for (int k = 0; k < found; ++k) {
+                const int j = near[k];
+                if (xyBoxesTouch(objs[j]->box, objs[i]->box))
+                    table[count++] = {objs[j]->prosect, j};
+            }
+            return count;
         },
-        [&](const _s_hd_proline_* line, const HideCandidate* table, int candidates,
-            ProlineChain& hidden) {
+        [&](_s_hd_proline_* line, const HideCandidate* table, int candidates,
+            _s_hd_proline_*& visible) {
             const LineRange range = lineRangeOf(line->start, line->end);
+            if (stats != nullptr)
+                ++stats->lines;
             _s_hd_point_ p = line->start;
             _s_hd_point_ q = line->end;
             orientNearFirst(p, q);
             const HideLine prepared = hideLineOf(p, q);
             const LinePrune prune = prepareLine(prepared);
+            hidden.clear();
             for (int c = 0; c < candidates; ++c) {
                 const int j = table[c].index;
                 if (!boxOverlapsLineRange(objs[j]->box, range))
                     continue;
                 for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
-                    if (faceTooFarFromLine(*f, prune))
+                    if (faceTooFarFromLine(*f, prune) || faceBehindLine(*f, prune))
                         continue;
+                    if (!faceMeetsLineRange(f->face, prepared.range))
+                        continue;  // appendHiddenPiece would pass it over
+                    if (stats != nullptr)
+                        ++stats->faceTests;
+                    FacePrep prep;
+                    prepareEdgeTests(f->face, prep, f->flatLength);
+                    prep.area = f->area;
                     if (!appendHiddenPiece(prepared, f->face, hidden,
-                                           {&memo, cache.indexOf(f), &f->prep}) ||
+                                           {&memo, cache.indexOf(f), &prep}) ||
                         memo.failed())
                         return false;
                 }
             }
-            return true;
-        },
-        &scratch);
+            orientNearFirst(line->start, line->end);
+            return getVisibleProline(hidden, line->start, line->end, visible);
+        });
+    std::free(near);
+    if (stats != nullptr) {
+        stats->workingBytes = cache.bytes() + index.bytes() + memo.bytes() + hidden.bytes() +
+                              static_cast<size_t>(n) * (sizeof(int) + sizeof(HideCandidate));
+    }
+    return result;
 }
 
 }  // namespace geolib

@@ -14,6 +14,27 @@ using geometry::clampUnit;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
+// The angle test of isPointOnSeg on the cosine c of the angle the segment subtends.
+bool onSegAngleTest(double c) {
+    return std::fabs(2.0 * std::acos(c) - hd::kOnSegTurn) < hd::kOnSegAngleTol;
+}
+
+// The largest cosine in [-1, kOnSegSureOffCos] that passes onSegAngleTest, found by halving the
+// interval between a passing and a failing cosine down to neighbouring doubles. The test is
+// monotonic in c (acos decreases, and 2 acos(c) stays below kOnSegTurn), and acos is accurate to
+// an ulp or two, so every cosine farther than kOnSegEdgeBand below it passes and every one
+// farther above it fails: there the angle changes by over 1e-9, a million ulps.
+double onSegEdgeCosine() {
+    double pass = -1.0;
+    double fail = hd::kOnSegSureOffCos;
+    for (;;) {
+        const double mid = pass + 0.5 * (fail - pass);
+        if (mid == pass || mid == fail)
+            return pass;
+        (onSegAngleTest(mid) ? pass : fail) = mid;
+    }
+}
+
 // isPointOnSeg past its first step: p is known to lie within the segment's reach.
 int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
     if (isSamePointFine(p, a) || isSamePointFine(p, b))
@@ -26,8 +47,13 @@ int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
     const double c = clampUnit((pa * pa + pb * pb - ab * ab) / (2.0 * pa * pb));
     if (c > hd::kOnSegSureOffCos)
         return 0;  // the angle is far below a half turn: no need to measure it
-    const double phi = std::acos(c);
-    return std::fabs(2.0 * phi - hd::kOnSegTurn) < hd::kOnSegAngleTol ? 1 : 0;
+    // Away from the cosine where the angle test turns, its answer is known without the angle.
+    static const double edge = onSegEdgeCosine();
+    if (c < edge - hd::kOnSegEdgeBand)
+        return 1;
+    if (c > edge + hd::kOnSegEdgeBand)
+        return 0;
+    return onSegAngleTest(c) ? 1 : 0;
 }
 
 // The unit area normal of the polygon (Newell's sum, about the first vertex); zero for a
@@ -175,16 +201,28 @@ int isPointInFace(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) {
         [&](int k) { return prep.len2[k]; });
 }
 
-void prepareFaceTests(const HDFace& f, FacePrep& prep) {
+void prepareEdgeTests(const HDFace& f, FacePrep& prep, const double* flatLengths) {
     for (int k = 0; k < f.count; ++k) {
         const _s_hd_point_ a = f.v[k];
         const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
         prep.reach[k] = segmentReach(a, b);
         prep.len2[k] = pointDist2(a, b);
-        prep.run[k] = flatRunOf(a, b);
-        prep.dir[k] = unitDir(b, a);
+        if (flatLengths == nullptr)
+            prep.run[k] = flatRunOf(a, b);
+        else
+            prep.run[k] = {b.x - a.x, b.y - a.y, flatLengths[k]};
     }
-    prep.area = areaNormal(f.count, f.v);
+}
+
+_s_hd_point_ faceAreaNormal(const HDFace& f) {
+    return areaNormal(f.count, f.v);
+}
+
+void prepareFaceTests(const HDFace& f, FacePrep& prep) {
+    prepareEdgeTests(f, prep);
+    for (int k = 0; k < f.count; ++k)
+        prep.dir[k] = unitDir(f.v[nextVertex(k, f.count)], f.v[k]);
+    prep.area = faceAreaNormal(f);
 }
 
 int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {

@@ -13,26 +13,28 @@ namespace {
 // Folds B into A when the two overlap or touch: B starting on A extends A to B's end, B ending
 // on A extends A back to B's start; B inside A adds nothing, A inside B becomes B. Returns true
 // when B is to be dropped.
-bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
-    const bool startOn = isPointOnSeg(b->start, a->start, a->end) != 0;
-    const bool endOn = isPointOnSeg(b->end, a->start, a->end) != 0;
+bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, _s_hd_point_ bStart, _s_hd_point_ bEnd) {
+    const bool startOn = isPointOnSeg(bStart, aStart, aEnd) != 0;
+    const bool endOn = isPointOnSeg(bEnd, aStart, aEnd) != 0;
     if (startOn && !endOn) {
-        a->end = b->end;
+        aEnd = bEnd;
         return true;
     }
     if (!startOn && endOn) {
-        a->start = b->start;
+        aStart = bStart;
         return true;
     }
     if (startOn && endOn)
         return true;
-    if (isPointOnSeg(a->start, b->start, b->end) != 0 &&
-        isPointOnSeg(a->end, b->start, b->end) != 0) {
-        a->start = b->start;
-        a->end = b->end;
+    if (isPointOnSeg(aStart, bStart, bEnd) != 0 && isPointOnSeg(aEnd, bStart, bEnd) != 0) {
+        aStart = bStart;
+        aEnd = bEnd;
         return true;
     }
     return false;
+}
+bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
+    return absorbPiece(a->start, a->end, b->start, b->end);
 }
 
 // Merges overlapping and touching pieces: pairs are tried in list order (A before B) and the
@@ -57,14 +59,12 @@ void mergePieces(_s_hd_proline_* head) {
 
 }  // namespace
 
-struct MergeScratch::Piece {
-    _s_hd_proline_* node;
-    SegmentReach reach;  ///< the piece's reach (segmentReach), kept up to date
-    bool settled;        ///< its row of a sweep ran without a merge since it last changed
-};
-
 MergeScratch::~MergeScratch() {
     std::free(pieces_);
+}
+
+size_t MergeScratch::bytes() const {
+    return capacity_ * sizeof(Piece);
 }
 
 bool MergeScratch::reserve(size_t n) {
@@ -76,9 +76,18 @@ bool MergeScratch::reserve(size_t n) {
     auto* pieces = static_cast<Piece*>(std::malloc(capacity * sizeof(Piece)));
     if (pieces == nullptr)
         return false;
+    for (size_t k = 0; k < count_; ++k)
+        pieces[k] = pieces_[k];
     std::free(pieces_);
     pieces_ = pieces;
     capacity_ = capacity;
+    return true;
+}
+
+bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
+    if (count_ == capacity_ && !reserve(count_ + 1))
+        return false;
+    pieces_[count_++] = {from, to, {}, false};
     return true;
 }
 
@@ -87,29 +96,25 @@ namespace {
 // True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach and an end of
 // A outside B's, so every isPointOnSeg it would ask answers 0 at once.
 bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) {
-    return a.reach.excludes(b.node->start) && a.reach.excludes(b.node->end) &&
-           (b.reach.excludes(a.node->start) || b.reach.excludes(a.node->end));
+    return a.reach.excludes(b.end) && a.reach.excludes(b.start) &&
+           (b.reach.excludes(a.start) || b.reach.excludes(a.end));
 }
 
-// mergePieces with the same merges in the same order, but without trying the pairs that
-// provably stay apart. absorbPiece depends only on the two pieces and changes nothing when it
-// fails, so a pair that failed keeps failing until one of its pieces changes. A piece is marked
-// settled once its row of a sweep (it against every later piece) has run without a merge: every
-// pair of two settled pieces has then failed since either last changed (the pairs with earlier
-// pieces ran earlier in the same sweep). A merge unsettles the absorbing piece and drops the
-// other, so the remaining settled pairs keep failing; those pairs are skipped, and so are pairs
-// lying far apart (piecesFarApart), which would fail. Returns false, changing nothing, if the
-// scratch cannot hold the pieces.
-bool mergePiecesSkippingSettled(_s_hd_proline_* head, MergeScratch& scratch) {
-    size_t n = 0;
-    for (const _s_hd_proline_* h = head; h != nullptr; h = h->next)
-        ++n;
-    if (!scratch.reserve(n))
-        return false;
+// mergePieces on the scratch's pieces with the same merges in the same order, but without trying
+// the pairs that provably stay apart. absorbPiece depends only on the two pieces and changes
+// nothing when it fails, so a pair that failed keeps failing until one of its pieces changes. A
+// piece is marked settled once its row of a sweep (it against every later piece) has run without
+// a merge: every pair of two settled pieces has then failed since either last changed (the pairs
+// with earlier pieces ran earlier in the same sweep). A merge unsettles the absorbing piece and
+// drops the other, so the remaining settled pairs keep failing; those pairs are skipped, and so
+// are pairs lying far apart (piecesFarApart), which would fail.
+void mergePiecesSkippingSettled(MergeScratch& scratch) {
     MergeScratch::Piece* pieces = scratch.pieces();
-    size_t at = 0;
-    for (_s_hd_proline_* h = head; h != nullptr; h = h->next)
-        pieces[at++] = {h, segmentReach(h->start, h->end), false};
+    size_t n = scratch.size();
+    for (size_t k = 0; k < n; ++k) {
+        pieces[k].reach = segmentReach(pieces[k].start, pieces[k].end);
+        pieces[k].settled = false;
+    }
     bool changed = true;
     while (changed) {
         changed = false;
@@ -118,13 +123,12 @@ bool mergePiecesSkippingSettled(_s_hd_proline_* head, MergeScratch& scratch) {
             for (size_t j = i + 1; j < n; ++j) {
                 const MergeScratch::Piece& b = pieces[j];
                 if ((a.settled && b.settled) || piecesFarApart(a, b) ||
-                    !absorbPiece(a.node, b.node))
+                    !absorbPiece(a.start, a.end, b.start, b.end))
                     continue;
-                std::free(b.node);
                 for (size_t k = j; k + 1 < n; ++k)
                     pieces[k] = pieces[k + 1];
                 --n;
-                a.reach = segmentReach(a.node->start, a.node->end);
+                a.reach = segmentReach(a.start, a.end);
                 a.settled = false;
                 changed = true;
                 break;
@@ -133,10 +137,7 @@ bool mergePiecesSkippingSettled(_s_hd_proline_* head, MergeScratch& scratch) {
                 a.settled = true;
         }
     }
-    for (size_t k = 0; k + 1 < n; ++k)
-        pieces[k].node->next = pieces[k + 1].node;
-    pieces[n - 1].node->next = nullptr;  // the head is never dropped: n stays at least 1
-    return true;
+    scratch.truncate(n);
 }
 
 // Selection sort by the squared distance of each piece's start from p; of equal distances the
@@ -165,13 +166,27 @@ _s_hd_proline_* sortPieces(_s_hd_proline_* list, _s_hd_point_ p) {
 
 }  // namespace
 
-bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
-                       FaceTestAids aids) {
+namespace {
+
+template <class Hidden>
+bool appendPieceTo(const HideLine& line, const HDFace& face, Hidden& hidden, FaceTestAids aids) {
     _s_hd_point_ from;
     _s_hd_point_ to;
     if (!faceMeetsLineRange(face, line.range) || !hideLineByFace(line, face, from, to, aids))
         return true;
     return hidden.append(from, to);
+}
+
+}  // namespace
+
+bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
+                       FaceTestAids aids) {
+    return appendPieceTo(line, face, hidden, aids);
+}
+
+bool appendHiddenPiece(const HideLine& line, const HDFace& face, MergeScratch& hidden,
+                       FaceTestAids aids) {
+    return appendPieceTo(line, face, hidden, aids);
 }
 
 bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
@@ -186,18 +201,13 @@ bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
 }
 
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
-                       _s_hd_proline_*& visible, MergeScratch* scratch) {
+                       _s_hd_proline_*& visible) {
     visible = nullptr;
     if (hidden == nullptr) {
         visible = appendProline(p, q, nullptr);
         return visible != nullptr;
     }
-    if (scratch == nullptr) {
-        mergePieces(hidden);
-    } else if (!mergePiecesSkippingSettled(hidden, *scratch)) {
-        releaseProline(hidden);
-        return false;
-    }
+    mergePieces(hidden);
     hidden = sortPieces(hidden, p);
 
     // The gaps between the hidden pieces, written over the pieces themselves: the k-th gap is
@@ -241,6 +251,52 @@ bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
     return true;
 }
 
+bool getVisibleProline(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q,
+                       _s_hd_proline_*& visible) {
+    visible = nullptr;
+    if (hidden.size() == 0) {
+        visible = appendProline(p, q, nullptr);
+        return visible != nullptr;
+    }
+    mergePiecesSkippingSettled(hidden);
+    // sortPieces on the array: the first nearest start of the pieces left comes next, and the
+    // rest keep their order.
+    MergeScratch::Piece* pieces = hidden.pieces();
+    const size_t n = hidden.size();
+    for (size_t i = 0; i < n; ++i) {
+        size_t best = i;
+        double bestD = pointDist2(pieces[i].start, p);
+        for (size_t j = i + 1; j < n; ++j) {
+            const double d = pointDist2(pieces[j].start, p);
+            if (d < bestD) {
+                bestD = d;
+                best = j;
+            }
+        }
+        const MergeScratch::Piece chosen = pieces[best];
+        for (size_t k = best; k > i; --k)
+            pieces[k] = pieces[k - 1];
+        pieces[i] = chosen;
+    }
+    // The gaps between the pieces, as getVisibleProline on a list leaves them.
+    ProlineChain gaps;
+    bool ok = true;
+    _s_hd_point_ cursor = p;
+    for (size_t k = 0; k < n && ok; ++k) {
+        if (!isSamePointFine(cursor, pieces[k].start))
+            ok = gaps.append(cursor, pieces[k].start);
+        cursor = pieces[k].end;
+    }
+    if (ok && !isSamePointFine(cursor, q))
+        ok = gaps.append(cursor, q);
+    if (!ok) {
+        releaseProline(gaps.head);
+        return false;
+    }
+    visible = gaps.head;
+    return true;
+}
+
 bool xyBoxesTouch(const double* a, const double* b) {
     return !(a[1] > b[0]) && !(a[0] < b[1]) && !(a[3] > b[2]) && !(a[2] < b[3]);
 }
@@ -253,13 +309,9 @@ bool boxOverlapsLineRange(const double* box, const LineRange& range) {
     return box[0] > range.xmin && box[1] < range.xmax && box[2] > range.ymin && box[3] < range.ymax;
 }
 
-bool VisibleCollector::addLine(_s_hd_proline_* line, _s_hd_proline_* hidden, int owner) {
-    orientNearFirst(line->start, line->end);
-    _s_hd_proline_* visible = nullptr;
-    if (!getVisibleProline(hidden, line->start, line->end, visible, scratch))
-        return false;
+void VisibleCollector::add(_s_hd_proline_* visible, int owner) {
     if (visible == nullptr)
-        return true;
+        return;
     if (head == nullptr)
         head = visible;
     else
@@ -268,7 +320,6 @@ bool VisibleCollector::addLine(_s_hd_proline_* line, _s_hd_proline_* hidden, int
         v->owner = owner;
         tail = v;
     }
-    return true;
 }
 
 _s_hd_proline_* VisibleCollector::abandon() {
@@ -291,15 +342,19 @@ _s_hd_proline_* kestHideObjectReference(_s_hd_prof_** objs, int n) {
         return nullptr;
     return runHidePass(
         objs, n, [&](int i, HideCandidate* table) { return touchingObjects(objs, n, i, table); },
-        [&](const _s_hd_proline_* line, const HideCandidate* table, int candidates,
-            ProlineChain& hidden) {
+        [&](_s_hd_proline_* line, const HideCandidate* table, int candidates,
+            _s_hd_proline_*& visible) {
             const LineRange range = lineRangeOf(line->start, line->end);
+            ProlineChain hidden;
             for (int c = 0; c < candidates; ++c) {
                 if (boxOverlapsLineRange(objs[table[c].index]->box, range) &&
-                    !hideLineByProf(line->start, line->end, table[c].faces, hidden))
+                    !hideLineByProf(line->start, line->end, table[c].faces, hidden)) {
+                    releaseProline(hidden.head);
                     return false;
+                }
             }
-            return true;
+            orientNearFirst(line->start, line->end);
+            return getVisibleProline(hidden.head, line->start, line->end, visible);
         });
 }
 

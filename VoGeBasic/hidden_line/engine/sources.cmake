@@ -4,4 +4,5 @@ target_sources(vogebasic_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/hide_face.cpp
   ${CMAKE_CURRENT_LIST_DIR}/hide_pass.cpp
   ${CMAKE_CURRENT_LIST_DIR}/hide_engine.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/face_intersect.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/face_intersect.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/box_index.cpp)

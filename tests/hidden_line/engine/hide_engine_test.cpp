@@ -1,14 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include "hd_engine.h"
+#include "hidden_line/engine/box_index.h"
 #include "hidden_line/engine/hd_engine_fixtures.h"
 #include "hidden_line/engine/hd_engine_internal.h"
 #include "scene/plant_scene.h"
+#include "support/alloc_hook.h"
 
 namespace {
 
@@ -113,6 +117,7 @@ TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
         {"150 primitives, seed 7", vgscene::generatePlant(150, 7)},
         {"400 primitives, seed 3", vgscene::generatePlant(400, 3)},
         {"400 primitives, seed 11", vgscene::generatePlant(400, 11)},
+        {"1500 primitives, seed 5", vgscene::generatePlant(1500, 5)},
     };
     for (const auto& s : scenes) {
         SCOPED_TRACE(s.id);
@@ -269,6 +274,150 @@ TEST(KestHideObject, MatchesTheReferenceOnAwkwardScenes) {
         SCOPED_TRACE(seed);
         expectEngineMatchesReference(awkwardScene(seed), awkwardScene(seed));
     }
+}
+
+}  // namespace
+
+namespace {
+
+// Face intersection in one call against registering the objects one by one: the same lines,
+// node for node, on every object.
+void expectBatchMatchesOneByOne(std::vector<_s_hd_prof_*> batch,
+                                std::vector<_s_hd_prof_*> oneByOne) {
+    const int n = static_cast<int>(batch.size());
+    kestFaceIntersectAll(batch.data(), n);
+    std::vector<_s_hd_prof_*> registry(oneByOne.size() + 1, nullptr);
+    int count = 0;
+    for (_s_hd_prof_* o : oneByOne)
+        kestFaceIntersect(o, registry.data(), count, n);
+    for (int i = 0; i < n; ++i) {
+        SCOPED_TRACE(i);
+        if (batch[i] != nullptr)
+            expectSameLists(batch[i]->proline, oneByOne[i]->proline);
+        freeHDProfObjectPointer(batch[i]);
+        freeHDProfObjectPointer(oneByOne[i]);
+    }
+}
+
+TEST(KestFaceIntersectAll, MatchesRegisteringOneByOne) {
+    const std::vector<vgscene::Primitive> scenes[] = {vgscene::builtinPlant(), curvedScene(),
+                                                      vgscene::generatePlant(400, 3),
+                                                      vgscene::generatePlant(3000, 5)};
+    for (const auto& s : scenes) {
+        SCOPED_TRACE(s.size());
+        expectBatchMatchesOneByOne(vgscene::tessellateAll(s), vgscene::tessellateAll(s));
+    }
+    for (std::uint32_t seed : {1u, 2u, 3u}) {
+        SCOPED_TRACE(seed);
+        expectBatchMatchesOneByOne(awkwardScene(seed), awkwardScene(seed));
+    }
+    kestFaceIntersectAll(nullptr, 3);  // nothing to do, nothing touched
+}
+
+TEST(KestFaceIntersectAll, ReleasesAllItBuiltWhenAnAllocationFails) {
+    std::vector<vgscene::Primitive> prims = curvedScene();
+    prims.resize(4);  // a sphere and three pipes through it
+    const long mallocs = vgtest::forEachAllocationFailure([&] {
+        std::vector<_s_hd_prof_*> objs = vgscene::tessellateAll(prims);
+        kestFaceIntersectAll(objs.data(), static_cast<int>(objs.size()));
+        vgscene::releaseAll(objs);
+    });
+    EXPECT_GT(mallocs, 100);
+}
+
+// The grid yields, for any box, every object below the limit whose box touches it (NaN,
+// infinite, inverted and huge boxes included), ascending and each once.
+TEST(BoxIndex, YieldsEveryTouchingBoxAscendingAndOnce) {
+    Lcg r(9);
+    for (int round = 0; round < 20; ++round) {
+        SCOPED_TRACE(round);
+        const int n = 1 + static_cast<int>(r.in(0, 300));
+        std::vector<_s_hd_prof_*> objs(static_cast<size_t>(n), nullptr);
+        for (_s_hd_prof_*& o : objs) {
+            if (r.chance(0.05))
+                continue;  // a null entry
+            o = mallocHDProfObject();
+            ASSERT_NE(o, nullptr);
+            const double x = r.in(-100, 100);
+            const double y = r.in(-100, 100);
+            const double w = r.chance(0.1) ? r.in(0, 150) : r.in(0, 4);
+            const double h = r.chance(0.1) ? r.in(0, 150) : r.in(0, 4);
+            const double box[6] = {x + w, x, y + h, y, 1, 0};
+            std::copy(box, box + 6, o->box);
+            const double odd = r.unit();
+            if (odd < 0.03)
+                o->box[static_cast<size_t>(r.in(0, 3.99))] = enginetest::kNaN;
+            else if (odd < 0.06)
+                o->box[0] = 1e300;
+            else if (odd < 0.08)
+                std::swap(o->box[0], o->box[1]);  // inverted
+            else if (odd < 0.1)
+                o->box[2] = std::numeric_limits<double>::infinity();
+        }
+        BoxIndex index;
+        ASSERT_TRUE(index.build(objs.data(), n));
+        std::vector<int> near(static_cast<size_t>(n));
+        for (int i = 0; i < n; ++i) {
+            if (objs[i] == nullptr)
+                continue;
+            const int limit = r.chance(0.5) ? n : 1 + static_cast<int>(r.in(0, n - 0.01));
+            const int found = index.near(objs[i]->box, limit, near.data());
+            for (int k = 1; k < found; ++k)
+                ASSERT_LT(near[k - 1], near[k]) << "object " << i;
+            int at = 0;
+            for (int j = 0; j < limit; ++j) {
+                while (at < found && near[at] < j)
+                    ++at;
+                const bool yielded = at < found && near[at] == j;
+                if (objs[j] == nullptr) {
+                    EXPECT_FALSE(yielded) << "object " << i << " yields null " << j;
+                } else if (xyBoxesTouch(objs[j]->box, objs[i]->box)) {
+                    EXPECT_TRUE(yielded) << "object " << i << " misses " << j;
+                }
+            }
+            if (found > 0) {
+                EXPECT_LT(near[found - 1], limit);
+            }
+        }
+        for (_s_hd_prof_* o : objs)
+            freeHDProfObjectPointer(o);
+    }
+}
+
+// The on-segment test decides without the angle away from the cosine where it turns: its
+// answers are those of measuring the angle every time, on points straddling that cosine.
+TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
+    auto measured = [](_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
+        if (segmentReach(a, b).excludes(p))
+            return 0;
+        if (isSamePointFine(p, a) || isSamePointFine(p, b) || pointDist2(p, a) <= 1e-9 ||
+            pointDist2(p, b) <= 1e-9)
+            return 1;
+        const double pa = pointDist(p, a);
+        const double pb = pointDist(p, b);
+        const double ab = pointDist(a, b);
+        const double c =
+            std::fmax(-1.0, std::fmin(1.0, (pa * pa + pb * pb - ab * ab) / (2.0 * pa * pb)));
+        return std::fabs(2.0 * std::acos(c) - 6.2831885307179585) < 0.0005 ? 1 : 0;
+    };
+    Lcg r(13);
+    int on = 0;
+    for (int k = 0; k < 200000; ++k) {
+        const _s_hd_point_ a = {r.in(-5, 5), r.in(-5, 5), r.in(-5, 5)};
+        const _s_hd_point_ b = {r.in(-5, 5), r.in(-5, 5), r.in(-5, 5)};
+        const double len = pointDist(a, b);
+        const double t = r.in(0.05, 0.95);
+        // Off the segment by about the distance at which the angle test turns there.
+        const double turn = 2.484e-4 * len * t * (1 - t);
+        const double d = turn * (1 + (r.chance(0.5) ? r.in(-1e-4, 1e-4) : r.in(-0.5, 0.5)));
+        const _s_hd_point_ u = vecNormalize(vecCross(vecSub(b, a), {r.in(-1, 1), 1, 0.5}));
+        const _s_hd_point_ p = linComb(1.0, linComb(1.0, a, t, vecSub(b, a)), d, u);
+        const int expected = measured(p, a, b);
+        on += expected;
+        ASSERT_EQ(isPointOnSeg(p, a, b), expected) << k;
+    }
+    EXPECT_GT(on, 20000);
+    EXPECT_LT(on, 180000);
 }
 
 }  // namespace
