@@ -79,6 +79,9 @@ constexpr double kCullMarginRel = 0.001;
 /// Pruning is used only when every coordinate of the line and of the face is finite and within
 /// this of zero, so that rounding of positions (below 3e-7) stays far below the margins.
 constexpr double kCullCoordLimit = 1e9;
+/// A quadrilateral whose fourth vertex lies within this part of its size (X plus Y plus Z
+/// extent) of the plane of its first three is flat enough to be pruned by its outline.
+constexpr double kCullFlatRel = 1e-6;
 
 // ---- face intersection --------------------------------------------------------------------------
 

@@ -137,6 +137,7 @@ struct CachedFace {
     double flatLength[4];  ///< each edge's run length in the drawing plane (flatRunOf)
     double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
     bool prunable;
+    bool flat;  ///< a triangle, or a quadrilateral in the plane of its first three vertices
 };
 
 // The face's XY box as centre and half sizes, and its size.
@@ -176,6 +177,8 @@ void prepareFace(CachedFace& c) {
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
     c.zNear = frontDepth(f);
+    c.flat = f.count == 3 || std::fabs(vecDot(f.normal, vecSub(f.v[3], f.v[0]))) <=
+                                 hd::kCullFlatRel * spreadOf(f).size;  // false for NaN
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -185,6 +188,7 @@ struct LinePrune {
     bool prunable;
     double xmin, xmax, ymin, ymax;
     double px, py;  ///< the near end in the drawing plane
+    double qx, qy;  ///< the far end in the drawing plane
     double nx, ny;  ///< unit normal of the projected line; zero when it projects to a point
     double length;  ///< 3-D length
     double zFar;    ///< the far end's depth
@@ -203,6 +207,8 @@ LinePrune prepareLine(const HideLine& line) {
     l.ymax = p.y < q.y ? q.y : p.y;
     l.px = p.x;
     l.py = p.y;
+    l.qx = q.x;
+    l.qy = q.y;
     const double dx = q.x - p.x;
     const double dy = q.y - p.y;
     const double dz = q.z - p.z;
@@ -243,6 +249,58 @@ bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
 // point stray from it (2.5e-4 times its length, 1.2e-4 times the root of it); rounding of the
 // depths, at coordinates within kCullCoordLimit and plane slopes below 1 / kEdgeOnNormalZ, stays
 // below 1e-3. kCullMarginAbs and kCullMarginRel cover all of it.
+// True when the projection of a flat face lies farther than the margin from the projected
+// segment along an axis that separates them: the line's normal (the face's vertices all beyond
+// the margin on one side) or the normal of an edge that the face lies wholly inside of (both
+// ends of the segment beyond the margin outside it). The points through which the face can hide
+// (see faceTooFarFromLine) lie in the face's plane within its outline or within what its
+// vertex and on-edge tests accept of it (at most 1e-4 from a vertex, 2.5e-4 times an edge's
+// length plus 1.2e-4 times its root from an edge), and projecting onto the drawing plane brings
+// no point nearer to the outline; a quadrilateral's fourth vertex within kCullFlatRel of the
+// plane moves its angle sum, at the margin's distance, by far less than its tolerance. The
+// margin is faceTooFarFromLine's, which covers all of that.
+bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
+    if (!c.prunable || !l.prunable || !c.flat)
+        return false;
+    const HDFace& f = c.face;
+    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + spreadOf(f).size);
+    double lo = 0.0;
+    double hi = 0.0;
+    for (int k = 0; k < f.count; ++k) {
+        const double o = (f.v[k].x - l.px) * l.nx + (f.v[k].y - l.py) * l.ny;
+        lo = k == 0 || o < lo ? o : lo;
+        hi = k == 0 || o > hi ? o : hi;
+    }
+    if (lo > m || hi < -m)
+        return true;
+    for (int k = 0; k < f.count; ++k) {
+        const _s_hd_point_ a = f.v[k];
+        const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+        const double len = c.flatLength[k];
+        if (!(len > 0.0))
+            continue;
+        const double ex = -(b.y - a.y) / len;
+        const double ey = (b.x - a.x) / len;
+        // The face lies on one side of the edge's line: the side of its other vertices.
+        double side = 0.0;
+        bool supporting = true;
+        for (int j = 0; j < f.count && supporting; ++j) {
+            const double o = (f.v[j].x - a.x) * ex + (f.v[j].y - a.y) * ey;
+            if (o * side < 0.0)
+                supporting = false;
+            else if (side == 0.0 && o != 0.0)
+                side = o;
+        }
+        if (!supporting || side == 0.0)
+            continue;
+        const double op = (l.px - a.x) * ex + (l.py - a.y) * ey;
+        const double oq = (l.qx - a.x) * ex + (l.qy - a.y) * ey;
+        if (side > 0.0 ? op < -m && oq < -m : op > m && oq > m)
+            return true;
+    }
+    return false;
+}
+
 bool faceBehindLine(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable)
         return false;
@@ -358,7 +416,8 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                 if (!boxOverlapsLineRange(objs[j]->box, range))
                     continue;
                 for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
-                    if (faceTooFarFromLine(*f, prune) || faceBehindLine(*f, prune))
+                    if (faceTooFarFromLine(*f, prune) || faceBehindLine(*f, prune) ||
+                        faceOutlineApartFromLine(*f, prune))
                         continue;
                     if (!faceMeetsLineRange(f->face, prepared.range))
                         continue;  // appendHiddenPiece would pass it over
@@ -367,10 +426,13 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     FacePrep prep;
                     prepareEdgeTests(f->face, prep, f->flatLength);
                     prep.area = f->area;
+                    const size_t before = hidden.size();
                     if (!appendHiddenPiece(prepared, f->face, hidden,
                                            {&memo, cache.indexOf(f), &prep}) ||
                         memo.failed())
                         return false;
+                    if (stats != nullptr && hidden.size() > before)
+                        ++stats->hidingTests;
                 }
             }
             orientNearFirst(line->start, line->end);
