@@ -363,6 +363,21 @@ private:
     size_t last_ = 0;
 };
 
+bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// True when the first hidden piece of the line p -> q is the whole line, its ends p and q to the
+// bit: no face tested after that can change what is visible, which is nothing. Every piece's
+// ends lie on the line by isPointOnSeg (they are p, q, or points hideLineByFace accepted with
+// the line's reach, the same test), so when the merge tries the first piece against a later
+// one, both of the later one's ends lie on it and the later one is dropped; the first piece,
+// never changed, is the only one left, and the gaps before p and after q are empty.
+bool hiddenWhole(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q) {
+    return hidden.size() > 0 && sameBits(hidden.pieces()[0].start, p) &&
+           sameBits(hidden.pieces()[0].end, q);
+}
+
 }  // namespace
 
 _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
@@ -411,11 +426,12 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             const HideLine prepared = hideLineOf(p, q);
             const LinePrune prune = prepareLine(prepared);
             hidden.clear();
-            for (int c = 0; c < candidates; ++c) {
+            for (int c = 0; c < candidates && !hiddenWhole(hidden, p, q); ++c) {
                 const int j = table[c].index;
                 if (!boxOverlapsLineRange(objs[j]->box, range))
                     continue;
-                for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
+                for (const CachedFace* f = cache.begin(j);
+                     f != cache.end(j) && !hiddenWhole(hidden, p, q); ++f) {
                     if (faceTooFarFromLine(*f, prune) || faceBehindLine(*f, prune) ||
                         faceOutlineApartFromLine(*f, prune))
                         continue;
