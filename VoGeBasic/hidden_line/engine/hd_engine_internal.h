@@ -55,6 +55,9 @@ int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
 /// polygon's area normal, so the angles of an outside point cancel. 0 for fewer than three
 /// vertices and for a polygon of no area (p on its outline still counts as inside).
 int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v);
+/// arccos c for c in [-1, 1] by a polynomial, within 3e-8 of the true angle (rounding included):
+/// for deciding the face tests away from their tolerances' edges.
+double acosBound(double c);
 /// 1 when the direction from a to b is not parallel to the plane of unit normal n.
 int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n);
 /// True when the unit direction dir is not parallel to the plane of unit normal n.

@@ -61,6 +61,10 @@ constexpr double kInFaceVertexDist2 = 0.00000001;
 /// full turn (the double nearest to 2 pi).
 constexpr double kInFaceTurnTol = 0.09;
 constexpr double kInFaceTurn = 6.283185307179586;
+/// The angle sum is first added up with a polynomial arccos good to 2e-8 an angle (acosBound,
+/// 3e-8 with its rounding), so to within 1.2e-7 over four edges: where that sum lies farther
+/// than this from the tolerance's edges, it gives the same answer as the measured angles.
+constexpr double kInFaceRoughBand = 1e-6;
 
 // ---- pruning in the library's hide pass (changes no result) -------------------------------------
 

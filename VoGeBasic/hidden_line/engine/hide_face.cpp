@@ -56,6 +56,23 @@ int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
     return onSegAngleTest(c) ? 1 : 0;
 }
 
+}  // namespace
+
+double acosBound(double c) {
+    // arccos x = sqrt(1 - x) (a0 + a1 x + ... + a7 x^7) on [0, 1], within 2e-8 (the classic
+    // eight-term fit); arccos(-x) = pi - arccos x.
+    constexpr double kA[8] = {1.5707963050, -0.2145988016, 0.0889789874, -0.0501743046,
+                              0.0308918810, -0.0170881256, 0.0066700901, -0.0012624911};
+    const double x = std::fabs(c);
+    double poly = kA[7];
+    for (int k = 6; k >= 0; --k)
+        poly = poly * x + kA[k];
+    const double r = std::sqrt(1.0 - x) * poly;
+    return c < 0.0 ? hd::kPi - r : r;
+}
+
+namespace {
+
 // The unit area normal of the polygon (Newell's sum, about the first vertex); zero for a
 // polygon of no area.
 _s_hd_point_ areaNormal(int count, const _s_hd_point_* v) {
@@ -82,17 +99,31 @@ int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point
     // whichever way round its first three vertices turn.
     if (area.x == 0.0 && area.y == 0.0 && area.z == 0.0)
         return 0;
-    double sum = 0.0;
+    // The angle sum first with acosBound in place of acos: away from the tolerance's edges it
+    // gives the answer, and only near them are the angles measured with acos.
+    double cosines[4];
+    bool negative[4];
+    double rough = 0.0;
     for (int k = 0; k < count; ++k) {
         const _s_hd_point_ a = v[k];
         const _s_hd_point_ b = v[nextVertex(k, count)];
         const double da2 = pointDist2(p, a);
         const double db2 = pointDist2(p, b);
         const double ab2 = len2(k);
-        const double angle =
-            std::acos(clampUnit((da2 + db2 - ab2) / (2.0 * std::sqrt(da2) * std::sqrt(db2))));
-        const double side = vecDot(vecCross(vecSub(a, p), vecSub(b, p)), area);
-        sum += side < 0.0 ? -angle : angle;
+        cosines[k] = clampUnit((da2 + db2 - ab2) / (2.0 * std::sqrt(da2) * std::sqrt(db2)));
+        negative[k] = vecDot(vecCross(vecSub(a, p), vecSub(b, p)), area) < 0.0;
+        const double angle = acosBound(cosines[k]);
+        rough += negative[k] ? -angle : angle;
+    }
+    const double roughOff = std::fabs(std::fabs(rough) - hd::kInFaceTurn);
+    if (roughOff < hd::kInFaceTurnTol - hd::kInFaceRoughBand)
+        return 1;
+    if (roughOff > hd::kInFaceTurnTol + hd::kInFaceRoughBand)
+        return 0;
+    double sum = 0.0;
+    for (int k = 0; k < count; ++k) {
+        const double angle = std::acos(cosines[k]);
+        sum += negative[k] ? -angle : angle;
     }
     return std::fabs(std::fabs(sum) - hd::kInFaceTurn) < hd::kInFaceTurnTol ? 1 : 0;
 }

@@ -421,3 +421,82 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(AcosBound, StaysWithinItsBoundOfTheMeasuredAngle) {
+    double worst = 0.0;
+    for (int k = 0; k <= 2000000; ++k) {
+        const double c = -1.0 + 2.0 * k / 2000000.0;
+        worst = std::fmax(worst, std::fabs(acosBound(c) - std::acos(c)));
+    }
+    for (double c : {-1.0, -0.9999999999, 0.0, 1e-300, 0.9999999999, 1.0})
+        worst = std::fmax(worst, std::fabs(acosBound(c) - std::acos(c)));
+    EXPECT_LT(worst, 3e-8);
+}
+
+// The inside test decides from the rough angle sum away from its tolerance's edges: its answers
+// are those of measuring every angle, on points in, on, near and off faces of every kind (off
+// their plane too, where the sum sweeps through the tolerance's edge).
+TEST(IsPointInFace, AnswersAsMeasuringEveryAngle) {
+    auto measured = [](_s_hd_point_ p, int count, const _s_hd_point_* v) {
+        for (int k = 0; k < count; ++k) {
+            if (isPointOnSeg(p, v[k], v[(k + 1) % count]) != 0)
+                return 1;
+        }
+        for (int k = 0; k < count; ++k) {
+            if (pointDist2(p, v[k]) <= 1e-8)
+                return 1;
+        }
+        _s_hd_point_ area = {0, 0, 0};
+        for (int k = 1; k + 1 < count; ++k)
+            area = vecAdd(area, vecCross(vecSub(v[k], v[0]), vecSub(v[k + 1], v[0])));
+        area = vecNormalize(area);
+        if (area.x == 0.0 && area.y == 0.0 && area.z == 0.0)
+            return 0;
+        double sum = 0.0;
+        for (int k = 0; k < count; ++k) {
+            const _s_hd_point_ a = v[k];
+            const _s_hd_point_ b = v[(k + 1) % count];
+            const double da2 = pointDist2(p, a);
+            const double db2 = pointDist2(p, b);
+            const double c =
+                (da2 + db2 - pointDist2(a, b)) / (2.0 * std::sqrt(da2) * std::sqrt(db2));
+            const double angle = std::acos(std::fmax(-1.0, std::fmin(1.0, c)));
+            sum += vecDot(vecCross(vecSub(a, p), vecSub(b, p)), area) < 0.0 ? -angle : angle;
+        }
+        return std::fabs(std::fabs(sum) - 6.283185307179586) < 0.09 ? 1 : 0;
+    };
+    Lcg r(17);
+    int inside = 0;
+    for (int n = 0; n < 4000; ++n) {
+        using P = _s_hd_point_;
+        const P c = {r.in(-1, 1), r.in(-1, 1), r.in(-1, 1)};
+        const double s = r.in(0.01, 3);
+        const P a = {c.x + s, c.y + r.in(-s, s), c.z + r.in(-s, s)};
+        const P b = {c.x + r.in(-s, s), c.y + s, c.z + r.in(-s, s)};
+        const P d = {a.x + b.x - c.x + r.in(-s, s), a.y + b.y - c.y + r.in(-s, s),
+                     a.z + b.z - c.z + (r.chance(0.5) ? 0.0 : r.in(-0.2, 0.2) * s)};
+        const P v[4] = {c, a, b, d};
+        const int count = r.chance(0.5) ? 3 : 4;
+        const P normal = vecNormalize(vecCross(vecSub(a, c), vecSub(b, c)));
+        for (int k = 0; k < 20; ++k) {
+            const P u = v[k % count];
+            const P w = v[(k + 1) % count];
+            const double t = r.in(-0.3, 1.3);
+            const double toward = r.in(-0.3, 1.0);
+            const P centre = {(c.x + a.x + b.x) / 3, (c.y + a.y + b.y) / 3, (c.z + a.z + b.z) / 3};
+            P p = linComb(1.0, u, t, vecSub(w, u));
+            p = linComb(1.0, p, toward, vecSub(centre, p));
+            const double lift = r.chance(0.5) ? 0.0 : r.in(-1, 1) * s * r.unit() * r.unit();
+            p = linComb(1.0, p, lift, normal);
+            const int expected = measured(p, count, v);
+            inside += expected;
+            ASSERT_EQ(isPointInFace(p, count, v), expected) << n << " " << k;
+        }
+    }
+    EXPECT_GT(inside, 8000);
+    EXPECT_LT(inside, 72000);
+}
+
+}  // namespace
