@@ -32,6 +32,21 @@ bool extentsOverlap(const HDFace& f, const HDFace& g) {
            f.zmax > g.zmin && f.zmin < g.zmax;
 }
 
+// True when the point a + t (b - a) of an edge a -> b of squared length len2 lies on the edge's
+// line beyond an end by more than kOffEdgeGap: isPointOnSeg rejects it, being neither within
+// kOnSegEndDist2 (3.2e-5) nor kSamePointFineTol of an end, and seeing the edge under an angle of
+// about 0 from it (rounding of the point, a few 1e-16 of the coordinates, tilts that by under a
+// hundredth of a radian at coordinates within kCullCoordLimit), far from the half turn the test
+// looks for.
+bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
+    const double gap2 = hd::kOffEdgeGap * hd::kOffEdgeGap;
+    const bool beyond =
+        (t > 1.0 && (t - 1.0) * (t - 1.0) * len2 > gap2) || (t < 0.0 && t * t * len2 > gap2);
+    const double lim = hd::kCullCoordLimit;
+    return beyond && std::fabs(a.x) <= lim && std::fabs(a.y) <= lim && std::fabs(a.z) <= lim &&
+           std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
+}
+
 // Adds to pts (kept so far: kept) the points where the edges of e pierce the face `plane`.
 // Returns true once two distinct points are kept. With ep and pp (the faces' prepared data,
 // both or neither) the faces' own parts of the tests are taken from them.
@@ -45,7 +60,10 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
         if (ep != nullptr ? !crossesPlane(ep->dir[k], plane.normal)
                           : isLineCrossPlane(a, b, plane.normal) == 0)
             continue;
-        const _s_hd_point_ x = linePlaneInter(plane.normal, plane.v[0], a, b);
+        double t = 0.0;
+        const _s_hd_point_ x = linePlaneInter(plane.normal, plane.v[0], a, b, t);
+        if (ep != nullptr && farOffEdge(t, ep->len2[k], a, b))
+            continue;  // onSegWithin would say no
         if (ep != nullptr ? !onSegWithin(x, a, b, ep->reach[k]) : isPointOnSeg(x, a, b) == 0)
             continue;
         if (!withinXYExtents(x, plane, hd::kPierceExtentTol) ||

@@ -70,6 +70,9 @@ _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2
                                _s_hd_point_ b);
 /// The same with the plane given by its normal n and one of its points v0.
 _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b);
+/// The same, setting t to the point's parameter along a -> b (NaN when there is no point).
+_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
+                            double& t);
 
 /// Where the drawing-plane projections of the line a-b and of the edge c-d cross.
 struct ProjCrossing {

@@ -49,6 +49,8 @@ constexpr double kOnSegTurn = 6.2831885307179585;
 /// the segment's largest extent, plus kOnSegRejectAbs, outside the segment's box is not on it ...
 constexpr double kOnSegRejectRel = 0.01;
 constexpr double kOnSegRejectAbs = 0.001;
+/// ... nor one on the segment's line farther than this beyond an end ...
+constexpr double kOffEdgeGap = 0.0001;
 /// ... nor is one where the cosine of the subtended angle is above this (an angle below about 3
 /// radians, far from the half turn the test looks for).
 constexpr double kOnSegSureOffCos = -0.99;

@@ -261,11 +261,18 @@ int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
 }
 
 _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b) {
+    double t = 0.0;
+    return linePlaneInter(n, v0, a, b, t);
+}
+
+_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
+                            double& t) {
     const _s_hd_point_ d = vecSub(b, a);
     const double den = vecDot(n, d);
+    t = kNaN;
     if (den == 0.0)
         return {kNaN, kNaN, kNaN};
-    const double t = vecDot(n, vecSub(v0, a)) / den;
+    t = vecDot(n, vecSub(v0, a)) / den;
     return linComb(1.0, a, t, d);
 }
 
