@@ -58,7 +58,9 @@ bool convexRing(std::vector<VoGePoint3D> c) {
 }
 
 // How far p lies outside the region of the ring (0 inside, by the crossing rule), and the
-// shortest of its edges that have a direction (0.001 and longer). The region, not the edges'
+// shortest of its edges of any length: trimming measures every edge's side values unscaled
+// against 1e-4, so near an edge of length L, 1e-4 / L counts as on its line (a ring of 1e-5
+// wide hides up to 10 units beyond its ends). The region, not the edges'
 // half-planes: a ring that is convex by the splitting's measure may still carry a tiny notch.
 double outside(const std::vector<VoGePoint3D>& c, double x, double y, double& shortest) {
     bool in = false;
@@ -75,7 +77,7 @@ double outside(const std::vector<VoGePoint3D>& c, double x, double y, double& sh
         double t = l2 > 0.0 ? ((x - p.x) * dx + (y - p.y) * dy) / l2 : 0.0;
         t = std::fmin(1.0, std::fmax(0.0, t));
         nearest = std::fmin(nearest, std::hypot(x - p.x - t * dx, y - p.y - t * dy));
-        if (std::sqrt(l2) >= 0.001)
+        if (l2 > 0.0)
             shortest = std::fmin(shortest, std::sqrt(l2));
     }
     return in ? 0.0 : nearest;
