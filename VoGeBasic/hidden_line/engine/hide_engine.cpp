@@ -189,6 +189,7 @@ struct LinePrune {
     double xmin, xmax, ymin, ymax;
     double px, py;  ///< the near end in the drawing plane
     double qx, qy;  ///< the far end in the drawing plane
+    double pz, qz;  ///< the ends' depths
     double nx, ny;  ///< unit normal of the projected line; zero when it projects to a point
     double length;  ///< 3-D length
     double zFar;    ///< the far end's depth
@@ -209,6 +210,8 @@ LinePrune prepareLine(const HideLine& line) {
     l.py = p.y;
     l.qx = q.x;
     l.qy = q.y;
+    l.pz = p.z;
+    l.qz = q.z;
     const double dx = q.x - p.x;
     const double dy = q.y - p.y;
     const double dz = q.z - p.z;
@@ -299,6 +302,33 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
             return true;
     }
     return false;
+}
+
+// True when a flat face's plane lies behind both ends of the line, with the margin to spare:
+// then no point of the line is behind the face or level with it. A face hides only through a
+// point of the line (or one isPointOnSeg lets stray from it by d, at most the cull margin) that
+// lies behind its plane, or level within kLevelDepthTol: a line end behind the plane's point
+// straight in front of it, a piercing point on the plane, or a crossing where the edge, in the
+// plane to within kCullFlatRel of the face's size, is nearer. How far the plane lies behind a
+// point changes linearly along the line, so it is least at an end; a stray of d changes it by at
+// most d (1 + slope), the slope being that of the plane's depth over the drawing plane.
+// Rounding at coordinates within kCullCoordLimit and slopes up to 1 / kEdgeOnNormalZ stays
+// below 1e-3.
+bool lineInFrontOfFace(const CachedFace& c, const LinePrune& l) {
+    if (!c.prunable || !l.prunable || !c.flat)
+        return false;
+    const HDFace& f = c.face;
+    const _s_hd_point_ n = f.normal;
+    if (!(std::fabs(n.z) >= hd::kEdgeOnNormalZ))
+        return false;  // seen edge-on: the face test says no at once anyway
+    const double size = spreadOf(f).size;
+    const double slope = std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z);
+    const double m = hd::kLevelDepthTol + hd::kCullFlatRel * size +
+                     (hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + size)) * (1.0 + slope);
+    auto behindBy = [&](double x, double y, double z) {
+        return f.v[0].z - (n.x * (x - f.v[0].x) + n.y * (y - f.v[0].y)) / n.z - z;
+    };
+    return behindBy(l.px, l.py, l.pz) > m && behindBy(l.qx, l.qy, l.qz) > m;
 }
 
 bool faceBehindLine(const CachedFace& c, const LinePrune& l) {
@@ -433,7 +463,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                 for (const CachedFace* f = cache.begin(j);
                      f != cache.end(j) && !hiddenWhole(hidden, p, q); ++f) {
                     if (faceTooFarFromLine(*f, prune) || faceBehindLine(*f, prune) ||
-                        faceOutlineApartFromLine(*f, prune))
+                        faceOutlineApartFromLine(*f, prune) || lineInFrontOfFace(*f, prune))
                         continue;
                     if (!faceMeetsLineRange(f->face, prepared.range))
                         continue;  // appendHiddenPiece would pass it over
