@@ -238,6 +238,88 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c,
 VOGEBASIC_API _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c,
                                          _s_hd_point_ axis);
 
+// ---- swept solids: members of any section, plates of any outline, bends ----------------------
+//
+// A section or outline is a `point` list read in order and closed from its last point back to
+// the first (a last point equal to the first, and a point equal to the one before it, are
+// dropped). It may run either way round and need not be convex (an L, U, I or H section, a comb),
+// but it must be simple: 3 to 4096 points, no edge shorter than 0.001, no two edges that do not
+// share a corner closer than 0.001, no edge turning straight back on the one before. Each is
+// swept through a row of stations: two for a straight sweep, more along a bend. The end caps are
+// the section split into convex pieces (ConvexIdentify) and those into triangles and
+// quadrilaterals, so a split may put points on the section's edges: the sides then run through
+// them too. Faces, wound counter-clockwise seen from outside, tag 0: the first cap, the side
+// (between each pair of stations one quadrilateral per edge of the section, round the section
+// from its first point), the last cap. Lines: the outline of the first cap, that of the last
+// cap, then the edges along the sweep at each corner of the section (not where the section runs
+// straight on through a point), corner by corner from the first point, and last the silhouettes
+// of a bend. Each returns a new object owned by the caller; release it with
+// freeHDProfObjectPointer. Each returns null for a section or outline that is not simple as
+// above or has a coordinate that is not finite, on other non-finite input, or if an allocation
+// fails.
+
+/// A straight member (a beam, column or brace of any steel section): the section `profile`, in
+/// its own plane frame (x and y of each point, z ignored; model units), swept from a to b. The
+/// section's origin lies on the axis; its y axis points along ydir made square to the axis (the
+/// web of an I section drawn along y stands along ydir) and its x axis along y x (b - a), so the
+/// section is seen as drawn when looking back from b towards a. Two stations, at a and b.
+/// Also null when a and b are closer than 1e-5 or ydir lies within 1e-6 (sine) of the axis.
+VOGEBASIC_API _s_hd_prof_* ep_divide_str(point* profile, _s_hd_point_ a, _s_hd_point_ b,
+                                         _s_hd_point_ ydir);
+
+/// A plate, wall or slab: the plane outline `outline` (model coordinates) extruded by the vector
+/// dir (its length is the thickness; it need not be square to the plate). Two stations: the
+/// outline and the outline moved by dir. Also null when the outline leaves its mean plane by
+/// more than 1e-6 of its size, or dir is null or lies within 1e-6 (cosine) of that plane.
+VOGEBASIC_API _s_hd_prof_* ep_divide_pline(point* outline, _s_hd_point_ dir);
+
+/// The same plate extruded by t along the outline's own unit normal: the normal about which the
+/// outline runs counter-clockwise, so a negative t extrudes towards the side from which it is
+/// seen clockwise. Also null when t is 0 (or too small to make the thickness 1e-5).
+VOGEBASIC_API _s_hd_prof_* ep_divide_pline(point* outline, double t);
+
+/// A square-to-round transition (a duct adapter): the rectangle of width w along xdir and
+/// height h along ydir (made square to xdir) about its centre o, and the circle of radius r about
+/// c in the parallel plane through c; c - o may lean off the normal (an offset transition). The
+/// side is made of a flat triangle over each side of the rectangle, its apex the circle point
+/// where the circle runs along that side, and a fan of triangles from each corner to the quarter
+/// of the circle between two such points. The circle takes getCircleDivideNum(r) chords (8 to
+/// 12) shared out by quarters, each quarter cut further at the silhouettes of its fan (where the
+/// side is square to the view) so that a circle vertex lies on each. With corners C0 = o -
+/// w/2 x - h/2 y, C1, C2, C3 counter-clockwise about x x y, turned towards c (y is reversed
+/// when c lies on its negative side), and circle vertices P0 = c - r y, P1, ... counter-clockwise:
+/// Faces: the side, round the circle from C0 - C1: (C0, C1, P0), the fan of C1 (C1, P(k+1), Pk)
+/// over the first quarter, the flat triangle over C1 - C2, the fan of C2 and so on; then the
+/// rectangle (C0 C3 C2 C1) and the disc, a strip across the circle. Lines: the rectangle's four
+/// sides from C0 - C1, the circle's chords from P0 round, then the silhouettes: each generator
+/// between two side faces of which one faces the viewer and the other faces away, in face order.
+/// The side is smooth, so no other line is drawn on it.
+/// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
+/// null on non-finite input, when w, h or r is below 0.01, for a null xdir, a ydir within 1e-6
+/// (sine) of xdir, when c lies within 1e-6 (cosine) of the rectangle's plane seen from o, or if
+/// an allocation fails.
+VOGEBASIC_API _s_hd_prof_* ep_divide_squcir(_s_hd_point_ o, double w, double h, _s_hd_point_ xdir,
+                                            _s_hd_point_ ydir, _s_hd_point_ c, double r);
+
+/// A bend (a curved beam, a rectangular duct bend, a bent member of any section): the section
+/// `profile` (at most 256 points) swept along the arc about the bend centre c that starts at s
+/// and turns `angle` radians counter-clockwise about `axis` (seen from its tip). At s the section
+/// is placed as ep_divide_str places it on an axis along the arc's direction (y along ydir made
+/// square to that direction, x along y x direction); it turns with the bend. The stations lie at
+/// getArcDivideNum(c, R, 0, angle) equal steps (8 to 12; R the largest distance of the section
+/// from the bend axis), and where the side swept by an edge of the section has a silhouette in
+/// the view along Z (such a side is a piece of a cone, cylinder or ring about the bend axis,
+/// and its silhouettes are whole copies of the edge); each side face is a planar trapezoid. An
+/// angle within 1e-9 of 2 pi makes a closed ring without caps. Lines as above; at a corner the
+/// edge along the bend is its chain of chords, and the silhouettes are the edges across a side
+/// between a face that faces the viewer and one that faces away, station by station.
+/// Also null when s - c is shorter than 0.01 or leaves the plane square to the axis through c
+/// by more than 1e-6 of its length, for a null axis, for an angle not above 0 or above 2 pi,
+/// when ydir lies within 1e-6 (sine) of the arc's direction at s, or when the section comes
+/// closer than 0.01 to the bend axis (or crosses it).
+VOGEBASIC_API _s_hd_prof_* ep_divide_arc(point* profile, _s_hd_point_ c, _s_hd_point_ s,
+                                         _s_hd_point_ axis, double angle, _s_hd_point_ ydir);
+
 }  // namespace geolib
 
 #endif  // VOGEBASIC_HD_TESSELLATORS_H

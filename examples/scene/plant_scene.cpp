@@ -69,8 +69,21 @@ public:
         prim.n = 1;
     }
 
-    /// A straight member of square section w from a to b (columns, beams, braces).
+    /// A straight steel member of depth w from a to b: an H section for a column (its web
+    /// along Y), an I section for a beam or brace (its web upright).
     void member(W a, W b, double w) {
+        const W d = unit({b.x - a.x, b.y - a.y, b.z - a.z});
+        const bool column = std::fabs(d.z) > 0.99;
+        const double flange = column ? w : 0.6 * w;
+        Primitive& prim = newPrimitive(Primitive::Kind::Member);
+        prim.pa = toDrawing(a);
+        prim.pb = toDrawing(b);
+        prim.u = dir(column ? W{0, 1, 0} : W{0, 0, 1});
+        prim.outline = iSection(mm(flange), mm(w), mm(0.08 * w), mm(0.05 * w));
+    }
+
+    /// A box member of square section w from a to b (legs and posts).
+    void post(W a, W b, double w) {
         const W d{b.x - a.x, b.y - a.y, b.z - a.z};
         const double len = std::sqrt(d.x * d.x + d.y * d.y + d.z * d.z);
         const W u = unit(d);
@@ -139,6 +152,40 @@ public:
         prim.a1 = a1;
     }
 
+    /// A slab or floor plate: the horizontal outline (world points) extruded by t up (t < 0:
+    /// down).
+    void plate(const std::vector<W>& outline, double t) {
+        Primitive& prim = newPrimitive(Primitive::Kind::Plate);
+        for (const W& p : outline)
+            prim.outline.push_back(toDrawing(p));
+        prim.u = dir({0, 0, mm(t)});
+    }
+
+    /// A square-to-round duct transition: the rectangle a x b about o in the plane of the
+    /// unit directions u (a) and v (b), the circle of radius r about c.
+    void transition(W o, double a, double b, W u, W v, W c, double r) {
+        Primitive& prim = newPrimitive(Primitive::Kind::Transition);
+        prim.p = toDrawing(o);
+        prim.a = mm(a);
+        prim.b = mm(b);
+        prim.u = dir(u);
+        prim.v = dir(v);
+        prim.center = toDrawing(c);
+        prim.c = mm(r);
+    }
+
+    /// A curved I beam of depth w: its centre line leaves s and turns through angle about the
+    /// vertical axis through c, its web upright.
+    void curvedBeam(W s, W c, double w, double angle) {
+        Primitive& prim = newPrimitive(Primitive::Kind::Bend);
+        prim.pa = toDrawing(s);
+        prim.center = toDrawing(c);
+        prim.normal = dir({0, 0, 1});
+        prim.u = dir({0, 0, 1});
+        prim.b = angle;
+        prim.outline = iSection(mm(0.6 * w), mm(w), mm(0.08 * w), mm(0.05 * w));
+    }
+
     /// A flat disc of radius r at c with normal nrm.
     void disc(W c, double r, W nrm) {
         Primitive& prim = newPrimitive(Primitive::Kind::Disc);
@@ -165,6 +212,14 @@ private:
     // The world is laid out in metres; the drawing is in millimetres, as plant models are.
     Pt toDrawing(W p) const { return view_.point(mm(p.x), mm(p.y), mm(p.z)); }
     static double mm(double metres) { return 1000.0 * metres; }
+    // An I (or H) section of flange width f, depth h, flange thickness tf and web tw about its
+    // centre, in its own frame (y along the web).
+    static std::vector<Pt> iSection(double f, double h, double tf, double tw) {
+        const double x = 0.5 * f, y = 0.5 * h, w = 0.5 * tw;
+        return {{-x, -y, 0},     {x, -y, 0},      {x, -y + tf, 0},  {w, -y + tf, 0},
+                {w, y - tf, 0},  {x, y - tf, 0},  {x, y, 0},        {-x, y, 0},
+                {-x, y - tf, 0}, {-w, y - tf, 0}, {-w, -y + tf, 0}, {-x, -y + tf, 0}};
+    }
     Pt dir(W d) const {
         const Pt o = view_.point(0, 0, 0);
         const Pt q = view_.point(d.x, d.y, d.z);
@@ -269,7 +324,7 @@ void storageSphere(Builder& b, W o, double r) {
     for (int k = 0; k < 4; ++k) {
         const double t = (45.0 + 90.0 * k) * kDegToRad;
         const W foot = add(o, {0.9 * r * std::cos(t), 0.9 * r * std::sin(t), 0});
-        b.member(foot, add(foot, {0, 0, r + 1.5}), 0.25);
+        b.post(foot, add(foot, {0, 0, r + 1.5}), 0.25);
     }
     b.pipe(add(c, {0, 0, 0.6 * r}), add(c, {0, 0, r + 1.0}), 0.15 * r);
 }
@@ -285,6 +340,31 @@ void tank(Builder& b, W o, double r, double h) {
     b.cone(add(o, {0, 0, h}), add(o, {0, 0, h + 0.25 * r}), r, 0.0);
 }
 
+// A base slab with chamfered corners under equipment, its top at ground level.
+void baseSlab(Builder& b, W o, double a, double d) {
+    const double k = 0.3;
+    b.plate({add(o, {k, 0, 0}), add(o, {a - k, 0, 0}), add(o, {a, k, 0}), add(o, {a, d - k, 0}),
+             add(o, {a - k, d, 0}), add(o, {k, d, 0}), add(o, {0, d - k, 0}), add(o, {0, k, 0})},
+            -0.3);
+}
+
+// An L-shaped floor plate at height z round the corner of a rack.
+void floorPlate(Builder& b, W o, double z) {
+    b.plate({add(o, {0, 0, z}), add(o, {4, 0, z}), add(o, {4, 1.5, z}), add(o, {1.5, 1.5, z}),
+             add(o, {1.5, 5, z}), add(o, {0, 5, z})},
+            0.05);
+}
+
+// A rectangular duct leaving a building's wall at o (heading north) through a square-to-round
+// transition into a round duct.
+void duct(Builder& b, W o) {
+    b.block(add(o, {-0.6, 0, 0}), 1.2, 1.5, 0.8, 0);
+    const W start = add(o, {0, 1.5, 0.4});
+    const W end = add(start, {0.2, 1.0, 0.1});
+    b.transition(start, 1.2, 0.8, {1, 0, 0}, {0, 0, 1}, end, 0.35);
+    b.pipe(end, add(end, {0, 3.0, 0}), 0.35);
+}
+
 // One unit of a plant: a rack of `bays` bays with pipes, equipment on both sides.
 void plantUnit(Builder& b, W o, int bays, Rng& rng) {
     for (int i = 0; i < bays; ++i)
@@ -296,6 +376,7 @@ void plantUnit(Builder& b, W o, int bays, Rng& rng) {
                  k == 1);
     }
     rackPipe(b, o, len, 1.5 + rng.uniform(0, 2.5), kLevel2, rng.uniform(0.2, 0.4));
+    floorPlate(b, add(o, {0.3, 0.3, 0}), kLevel1 - 0.5 * kSteel - 0.05);
     for (int i = 0; i < bays; i += 2) {
         const W south = add(o, {i * kBay + rng.uniform(0, 2), -5.0 - rng.uniform(0, 3), 0});
         const W north =
@@ -315,6 +396,7 @@ void plantUnit(Builder& b, W o, int bays, Rng& rng) {
                          rng.uniform(-10, 10));
                 break;
         }
+        baseSlab(b, add(south, {-0.5, -0.5, 0}), 3.0, 2.0);
         switch (rng.pick(4)) {
             case 0:
                 tank(b, north, rng.uniform(1.5, 3.0), rng.uniform(4, 8));
@@ -377,6 +459,12 @@ std::vector<Primitive> builtinPlant() {
     pump(b, {1, 10, 0}, 0);
     storageSphere(b, {26, 8, 0}, 2.0);
     tank(b, {16, 14, 0}, 2.0, 4.0);
+    // Steel and civil work of the swept kinds: a floor plate in the rack, a slab under the pump,
+    // a duct leaving the box seen from its corner, a curved beam round the vessel.
+    floorPlate(b, {0.3, 0.3, 0}, kLevel1 - 0.5 * kSteel - 0.05);
+    baseSlab(b, {0.5, 9.5, 0}, 3.4, 2.0);
+    duct(b, {6.0, -4.0, 0});
+    b.curvedBeam({22.6, -4, 4.5}, {20, -4, 4.5}, 0.3, 2.0);
     return b.prims;
 }
 
@@ -395,6 +483,34 @@ std::vector<Primitive> generatePlant(int n, std::uint32_t seed) {
         b.prims.resize(static_cast<size_t>(n));
     return b.prims;
 }
+
+namespace {
+
+// A primitive made from its outline, handed to the library as a point list.
+geolib::_s_hd_prof_* tessellateOutline(const Primitive& prim) {
+    geolib::point* head = nullptr;
+    geolib::point** link = &head;
+    for (const Pt& p : prim.outline) {
+        *link = geolib::mallocPoint();
+        if (*link == nullptr) {
+            geolib::freePoint(head);
+            return nullptr;
+        }
+        (*link)->pt = VoGePoint3D(p.x, p.y, p.z);
+        link = &(*link)->next;
+    }
+    geolib::_s_hd_prof_* obj = nullptr;
+    if (prim.kind == Primitive::Kind::Member)
+        obj = geolib::ep_divide_str(head, prim.pa, prim.pb, prim.u);
+    else if (prim.kind == Primitive::Kind::Plate)
+        obj = geolib::ep_divide_pline(head, prim.u);
+    else
+        obj = geolib::ep_divide_arc(head, prim.center, prim.pa, prim.normal, prim.b, prim.u);
+    geolib::freePoint(head);
+    return obj;
+}
+
+}  // namespace
 
 geolib::_s_hd_prof_* tessellate(const Primitive& prim) {
     switch (prim.kind) {
@@ -417,6 +533,13 @@ geolib::_s_hd_prof_* tessellate(const Primitive& prim) {
         case Primitive::Kind::RingPlate:
             return geolib::ep_divide_sad(prim.a, prim.b, prim.c, prim.center, prim.a0, prim.a1,
                                          prim.normal);
+        case Primitive::Kind::Transition:
+            return geolib::ep_divide_squcir(prim.p, prim.a, prim.b, prim.u, prim.v, prim.center,
+                                            prim.c);
+        case Primitive::Kind::Member:
+        case Primitive::Kind::Plate:
+        case Primitive::Kind::Bend:
+            return tessellateOutline(prim);
     }
     return nullptr;
 }

@@ -6,7 +6,9 @@
 // coordinates (millimetres, as plant models are) by an oblique view, so that objects overlap in
 // the drawing plane at many depths, hide each other and in places cut through each other.
 // Pipes, elbows, reducers, vessels with dished heads, spheres and ring platforms are built from
-// the curved primitives; steel, equipment and buildings from boxes and wedges.
+// the curved primitives; equipment and buildings from boxes and wedges; the rack's steel as I
+// and H sections, slabs and floor plates from their outlines, duct transitions from rectangle to
+// round and curved beams from the swept tessellators.
 #ifndef VOGEBASIC_EXAMPLES_PLANT_SCENE_H
 #define VOGEBASIC_EXAMPLES_PLANT_SCENE_H
 
@@ -21,7 +23,21 @@ using Pt = geolib::_s_hd_point_;
 
 /// One primitive, in drawing coordinates, with the arguments of its tessellator.
 struct Primitive {
-    enum class Kind { Box, Wedge, Prism, Disc, Cone, Sphere, Elbow, Head, RingPlate };
+    enum class Kind {
+        Box,
+        Wedge,
+        Prism,
+        Disc,
+        Cone,
+        Sphere,
+        Elbow,
+        Head,
+        RingPlate,
+        Member,
+        Plate,
+        Transition,
+        Bend
+    };
     Kind kind = Kind::Box;
     /// Box: edge lengths along u and v, height. Wedge: c = h. Disc, Sphere: a = radius.
     /// Cone: a, b = radii at pa and pb. Elbow: a = tube radius, b = swept angle.
@@ -36,6 +52,11 @@ struct Primitive {
                             ///< and bend axis. Head: base centre and axis. RingPlate: centre
                             ///< and axis.
     double a0 = 0, a1 = 0;  ///< RingPlate: start and end angle.
+    /// Member: section (x, y) from pa to pb, its y along u. Bend: section placed at pa on the
+    /// arc about center, turning b radians about normal, its y along u. Plate: outline in
+    /// drawing coordinates extruded by u. Transition: rectangle a x b about p along u and v,
+    /// circle of radius c about center.
+    std::vector<Pt> outline;
 };
 
 /// A parallel view: drawing = R . world, rows of R = screen right, screen down, depth.

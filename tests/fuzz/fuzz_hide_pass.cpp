@@ -1,7 +1,7 @@
-// Fuzz target: scenes of every tessellator (the elbow and the head included), registered for face
-// intersection, through the hide pass. Checks that every box holds its object, that the engine
-// gives what the plain step-by-step pass gives, node for node and bit for bit, and that the visible
-// pieces lie on their lines, in order from each line's near end and disjoint.
+// Fuzz target: scenes of every tessellator (the elbow, the head and the swept solids included),
+// registered for face intersection, through the hide pass. Checks that every box holds its object,
+// that the engine gives what the plain step-by-step pass gives, node for node and bit for bit, and
+// that the visible pieces lie on their lines, in order from each line's near end and disjoint.
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -36,7 +36,7 @@ point* pointListFrom(FuzzedDataProvider& in) {
 }
 
 _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
-    switch (in.ConsumeIntegralInRange<int>(0, 14)) {
+    switch (in.ConsumeIntegralInRange<int>(0, 18)) {
         case 0: {
             const double a = vgfuzz::number(in), b = vgfuzz::number(in), c = vgfuzz::number(in);
             const P p = pointFrom(in), u = pointFrom(in), v = pointFrom(in);
@@ -123,6 +123,31 @@ _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
             const double r = vgfuzz::number(in), h = vgfuzz::number(in), f = vgfuzz::number(in);
             const P c = pointFrom(in);
             return ep_divide_ova(r, h, f, c, pointFrom(in));
+        }
+        case 15:
+        case 16:
+        case 17: {
+            // A member, a plate (by a vector or a thickness) or a bend of a fuzzed outline.
+            const int kind = in.ConsumeIntegralInRange<int>(0, 3);
+            point* outline = pointListFrom(in);
+            const P a = pointFrom(in), b = pointFrom(in), d = pointFrom(in);
+            const double t = vgfuzz::number(in, 7.0);
+            _s_hd_prof_* obj = nullptr;
+            if (kind == 0)
+                obj = ep_divide_str(outline, a, b, d);
+            else if (kind == 1)
+                obj = ep_divide_pline(outline, d);
+            else if (kind == 2)
+                obj = ep_divide_pline(outline, t);
+            else
+                obj = ep_divide_arc(outline, a, b, d, t, pointFrom(in));
+            freePoint(outline);
+            return obj;
+        }
+        case 18: {
+            const P o = pointFrom(in), x = pointFrom(in), y = pointFrom(in), c = pointFrom(in);
+            const double w = vgfuzz::number(in), h = vgfuzz::number(in), r = vgfuzz::number(in);
+            return ep_divide_squcir(o, w, h, x, y, c, r);
         }
         default: {
             const double ri = vgfuzz::number(in), ro = vgfuzz::number(in);

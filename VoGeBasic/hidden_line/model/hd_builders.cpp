@@ -72,6 +72,14 @@ _s_hd_point_ mirrorPoint(_s_hd_point_ a, _s_hd_point_ c) {
     return {2.0 * c.x - a.x, 2.0 * c.y - a.y, 2.0 * c.z - a.z};
 }
 
+int quadViewSide(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d) {
+    const _s_hd_point_ n = vecCross(vecSub(c, a), vecSub(d, b));
+    const double len = std::sqrt(vecDot(n, n));
+    if (!(std::fabs(n.z) > hd::kEdgeOnFaceZ * len))
+        return 0;
+    return n.z > 0.0 ? 1 : -1;
+}
+
 bool vecIsParallel(_s_hd_point_ a, _s_hd_point_ b) {
     return vecLength(vecCross(a, b)) < hd::kUnitMinLength;
 }
@@ -419,6 +427,16 @@ void HDProfDraft::addRingDisc(const ViewSplitRing& ring, bool reversed) {
             addQuad(p[k], p[k + 1], p[m - k - 1], p[m - k]);
     }
     tri(p[half - 1], p[half], p[half + 1]);
+}
+
+void HDProfDraft::addRingStrip(const _s_hd_point_* ring, int count, bool reversed, double size) {
+    auto at = [&](int i) { return reversed ? ring[(count - i) % count] : ring[i]; };
+    int i = 0;
+    int j = count - 1;
+    for (; j - i >= 3; ++i, --j)
+        addPlanarQuad(at(i), at(i + 1), at(j - 1), at(j), size);
+    if (j - i == 2)
+        addTri(at(i), at(i + 1), at(j));
 }
 
 void HDProfDraft::addRingBand(const ViewSplitRing& a, const ViewSplitRing& b, int shift,

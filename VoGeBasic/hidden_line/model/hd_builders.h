@@ -169,6 +169,11 @@ PlanarQuadFaces planarQuadFaces(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p
 PlanarQuadFaces ringBandFaces(const ViewSplitRing& a, const ViewSplitRing& b, int shift, int k,
                               double size);
 
+/// The sign of the Z component of the normal of the planar quadrilateral a, b, c, d (a triangle
+/// when d is a): 1 or -1, or 0 for a face seen edge-on (that component below hd::kEdgeOnFaceZ of
+/// the normal's length). Faces of one surface whose signs are opposite meet on its silhouette.
+int quadViewSide(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d);
+
 // ---- lists and object drafts --------------------------------------------------------------------
 
 /// A line list under construction, appended at its tail in constant time. It owns nothing:
@@ -219,6 +224,11 @@ public:
     /// pts[m - k]) and the triangle (pts[m/2 - 1], pts[m/2], pts[m/2 + 1]), wound
     /// counter-clockwise about the ring's normal, or each in reverse when reversed.
     void addRingDisc(const ViewSplitRing& ring, bool reversed);
+    /// Appends the flat face spanned by a ring of count points as a strip across it from the
+    /// chord that closes the ring: quadrilaterals (P_i, P_i+1, P_j-1, P_j) for i = 0, 1, ... and
+    /// j = count - 1, count - 2, ..., and a triangle where the two sides meet at an odd count
+    /// (each as addPlanarQuad makes it). Wound as the ring runs, or the other way when reversed.
+    void addRingStrip(const _s_hd_point_* ring, int count, bool reversed, double size);
     /// Appends the band between two rings of the same count, b further along the normal of a:
     /// (a[k], a[k + 1], b[k + 1 + shift], b[k + shift]) for each k (indices of b round the
     /// ring), each as ringBandFaces makes it with the object's size. Wound outward from the

@@ -7,4 +7,7 @@ target_sources(vogebasic_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/tess_cone.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_sphere.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_torus.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/tess_head.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/tess_head.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/hd_section.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tess_swept.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tess_squcir.cpp)

@@ -59,13 +59,7 @@ struct Rings {
 // the face's outward normal, or clockwise when reversed.
 void addEndFace(HDProfDraft& draft, const _s_hd_point_* ring, int count, bool reversed,
                 double size) {
-    auto at = [&](int i) { return reversed ? ring[(count - i) % count] : ring[i]; };
-    int i = 0;
-    int j = count - 1;
-    for (; j - i >= 3; ++i, --j)
-        draft.addPlanarQuad(at(i), at(i + 1), at(j - 1), at(j), size);
-    if (j - i == 2)
-        draft.addTri(at(i), at(i + 1), at(j));
+    draft.addRingStrip(ring, count, reversed, size);
 }
 
 // The object of the rings. Faces: the side faces from generator k to k + 1 in ring order, the

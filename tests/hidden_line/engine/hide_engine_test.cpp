@@ -125,6 +125,67 @@ TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
     }
 }
 
+// Swept solids interlocking where their outlines degenerate: a member seen end-on through a
+// comb-shaped plate facing the viewer, a plate seen edge-on across them, a transition whose
+// circle faces the viewer and one seen from the side, a bend whose axis is the view axis and one
+// seen across it, cutting the member.
+std::vector<vgscene::Primitive> sweptScene() {
+    using K = vgscene::Primitive::Kind;
+    using P = _s_hd_point_;
+    const std::vector<P> section = {{-1, -2, 0},   {1, -2, 0},     {1, -1.7, 0},    {0.2, -1.7, 0},
+                                    {0.2, 1.7, 0}, {1, 1.7, 0},    {1, 2, 0},       {-1, 2, 0},
+                                    {-1, 1.7, 0},  {-0.2, 1.7, 0}, {-0.2, -1.7, 0}, {-1, -1.7, 0}};
+    const std::vector<P> comb = {{-5, -5, 0}, {5, -5, 0}, {5, 5, 0},  {3, 5, 0},   {3, -2, 0},
+                                 {1, -2, 0},  {1, 5, 0},  {-1, 5, 0}, {-1, -2, 0}, {-5, -2, 0}};
+    std::vector<vgscene::Primitive> out(7);
+    out[0].kind = K::Member;
+    out[0].outline = section;
+    out[0].pa = {0, 0, -6};
+    out[0].pb = {0, 0, 6};
+    out[0].u = {0, 1, 0};
+    out[1].kind = K::Plate;
+    out[1].outline = comb;
+    out[1].u = {0, 0, 0.5};
+    out[2].kind = K::Plate;
+    out[2].outline = {{-6, 1, -4}, {6, 1, -4}, {6, 1, 4}, {-6, 1, 4}};
+    out[2].u = {0, 0.3, 0};
+    for (int k = 3; k < 5; ++k) {
+        out[static_cast<std::size_t>(k)].kind = K::Transition;
+        out[static_cast<std::size_t>(k)].a = 3;
+        out[static_cast<std::size_t>(k)].b = 2;
+        out[static_cast<std::size_t>(k)].c = 1.2;
+    }
+    out[3].p = {-3, 3, -2};
+    out[3].u = {1, 0, 0};
+    out[3].v = {0, 1, 0};
+    out[3].center = {-3.5, 3.2, 1};
+    out[4].p = {4, -4, 0};
+    out[4].u = {0, 0, 1};
+    out[4].v = {1, 0, 0};
+    out[4].center = {4, -1, 0.3};
+    for (int k = 5; k < 7; ++k) {
+        out[static_cast<std::size_t>(k)].kind = K::Bend;
+        out[static_cast<std::size_t>(k)].outline = {
+            {-0.5, -0.3, 0}, {0.5, -0.3, 0}, {0.5, 0.3, 0}, {-0.5, 0.3, 0}};
+        out[static_cast<std::size_t>(k)].center = {0, 0, 0};
+        out[static_cast<std::size_t>(k)].b = 4.0;
+    }
+    out[5].pa = {3, 0, 0};
+    out[5].normal = {0, 0, 1};
+    out[5].u = {0, 0, 1};
+    out[6].pa = {0, 2.5, 0};
+    out[6].normal = {1, 0, 0};
+    out[6].u = {1, 0, 0};
+    return out;
+}
+
+TEST(KestHideObject, MatchesTheReferenceOnSweptSolids) {
+    const auto prims = sweptScene();
+    const auto objs = registeredScene(prims);
+    EXPECT_EQ(objs.size(), prims.size()) << "a swept primitive gave no object";
+    expectEngineMatchesReference(objs, registeredScene(prims));
+}
+
 // A small deterministic generator (the same on every machine).
 class Lcg {
 public:
