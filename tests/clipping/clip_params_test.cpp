@@ -7,6 +7,7 @@
 
 #include "clipping/clip_test_support.h"
 #include "support/alloc_hook.h"
+#include "support/test_constants.h"
 
 namespace {
 
@@ -16,7 +17,7 @@ using vgtest::intervalsOf;
 using vgtest::listOf;
 using vgtest::sameIntervals;
 
-constexpr double kTwoPi = 6.283185307179586;
+using vgtest::kTwoPi;
 constexpr double kEndTol = 1e-6;  // interval ends closer than this are the same end
 
 // One cut [a, b] on a list; the expected result and return value.
@@ -200,8 +201,10 @@ TEST(ArcIntervals, StayInTheTurnAndTheirGapsAreTheirComplement) {
             subParamt(list, kTwoPi * next(), kTwoPi * next(), true);
         const Intervals iv = intervalsOf(list);
         for (const auto& i : iv) {
-            EXPECT_TRUE(i.first >= 0 && i.first <= kTwoPi && i.second >= 0 && i.second <= kTwoPi)
-                << ::testing::PrintToString(iv);
+            EXPECT_GE(i.first, 0) << ::testing::PrintToString(iv);
+            EXPECT_LE(i.first, kTwoPi) << ::testing::PrintToString(iv);
+            EXPECT_GE(i.second, 0) << ::testing::PrintToString(iv);
+            EXPECT_LE(i.second, kTwoPi) << ::testing::PrintToString(iv);
         }
         paramt* gaps = getHideParamt(list, 0, kTwoPi, true);
         const Intervals g = intervalsOf(gaps);
@@ -227,7 +230,8 @@ TEST(IntervalFunctions, EveryFailedAllocationLeavesNothingBehind) {
     freeParamt(arcs);
     const double c[3] = {0, 0, 0};
     arc_cut* ac = mallocArcCut(c, 1.0, 0.0, kTwoPi);
-    ASSERT_TRUE(cutArcParamt(ac, 1, 2) && cutArcParamt(ac, 3, 4));
+    ASSERT_TRUE(cutArcParamt(ac, 1, 2));
+    ASSERT_TRUE(cutArcParamt(ac, 3, 4));
     vgtest::forEachAllocationFailure([&] { freeParamt(getHideParamArc(ac)); });
     freeArcCut(ac);
     vgtest::forEachAllocationFailure([] {
