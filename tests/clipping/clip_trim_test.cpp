@@ -45,6 +45,30 @@ void expectVisible(convex* polys, const TrimCase& c) {
     freeLineCut(piece);
 }
 
+// The crossing rule of isPointInPoly on a convex record.
+TEST(IsPointInPoly, ConvexRingIncludingARingThatNeverCloses) {
+    const VoGePoint3D square[4] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+    line* e[4];
+    for (int i = 0; i < 4; ++i) {
+        e[i] = mallocLine();
+        e[i]->start = square[i];
+        e[i]->end = square[(i + 1) % 4];
+        e[i]->next = nullptr;
+    }
+    for (int i = 0; i < 3; ++i)
+        e[i]->next = e[i + 1];
+    convex poly{nullptr, e[0]};
+    EXPECT_TRUE(isPointInPoly(&poly, VoGePoint3D(0.5, 0.5, 0)));  // open list: walked to its end
+    e[3]->next = e[0];
+    EXPECT_TRUE(isPointInPoly(&poly, VoGePoint3D(0.5, 0.5, 0)));
+    EXPECT_FALSE(isPointInPoly(&poly, VoGePoint3D(1.5, 0.5, 0)));
+    e[3]->next = e[1];  // a loop that skips the first edge: the walk still ends
+    isPointInPoly(&poly, VoGePoint3D(0.5, 0.5, 0));
+    EXPECT_FALSE(isPointInPoly(static_cast<const convex*>(nullptr), VoGePoint3D()));
+    e[3]->next = nullptr;
+    freeLine(e[0]);
+}
+
 TEST(PolygonTrimLine, SquareHidesWhatLiesInsideIt) {
     convex* sq = square(0, 0, 10);
     const TrimCase cases[] = {
