@@ -8,6 +8,8 @@
 #include "clipping/clip_plan.h"
 #include "clipping/clip_ring.h"
 #include "clipping/clip_tolerances.h"
+#include "core/constants.h"
+#include "core/plan.h"
 #include "geolib_planar.h"
 
 namespace geolib {
@@ -41,7 +43,7 @@ int cornerTurn(const VoGePoint3D& a, const VoGePoint3D& b, const VoGePoint3D& c)
         return kSecondShort;
     const VoGeVector3D u = ab / lab;
     const VoGeVector3D w = bc / lbc;
-    const double cross = u.x * w.y - w.x * u.y;
+    const double cross = core::planCross(u.x, u.y, w.x, w.y);
     if (std::fabs(cross) < kSplitTol)
         return kOther;
     return cross < 0.0 ? kReflex : kOther;
@@ -193,7 +195,7 @@ bool ringConvex(const line* head) {
         const double wy = c.y - b.y;
         turned += std::atan2(ux * wy - wx * uy, ux * wx + uy * wy);
     }
-    return std::fabs(turned - clip::kFullTurn) < clip::kOneTurnTol;
+    return std::fabs(turned - core::kFullTurn) < clip::kOneTurnTol;
 }
 
 }  // namespace

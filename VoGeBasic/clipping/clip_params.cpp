@@ -5,12 +5,13 @@
 #include "clipping/clip_list.h"
 #include "clipping/clip_params_internal.h"
 #include "clipping/clip_tolerances.h"
+#include "core/constants.h"
 
 namespace geolib {
 
 using clip::CutResult;
-using clip::kFullTurn;
 using clip::kIntervalEndTol;
+using core::kFullTurn;
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "clipping/clip_tolerances.h"
+#include "core/constants.h"
 
 namespace geolib {
 
@@ -33,7 +34,7 @@ paramt* mallocParamt(bool isArc) {
         return nullptr;
     p->next = nullptr;
     p->t0 = 0.0;
-    p->t1 = isArc ? clip::kFullTurn : 1.0;
+    p->t1 = isArc ? core::kFullTurn : 1.0;
     return p;
 }
 
@@ -186,10 +187,10 @@ void freeConvex(convex* list) {
 // ---- BOX ---------------------------------------------------------------------------------------
 
 BOX::BOX()
-    : xmin(clip::kEmptyBoxMin),
-      xmax(-clip::kEmptyBoxMin),
-      ymin(clip::kEmptyBoxMin),
-      ymax(-clip::kEmptyBoxMin) {}
+    : xmin(core::kEmptyPlanBoxMin),
+      xmax(-core::kEmptyPlanBoxMin),
+      ymin(core::kEmptyPlanBoxMin),
+      ymax(-core::kEmptyPlanBoxMin) {}
 
 void BOX::set(double xmin_, double xmax_, double ymin_, double ymax_) {
     xmin = xmin_;

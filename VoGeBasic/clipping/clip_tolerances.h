@@ -1,19 +1,14 @@
 // Tolerances of the clipping side. Internal: not part of the exported interface.
-// Lengths in model units, angles in radians, parameters in their own units.
+// Lengths in model units, angles in radians, parameters in their own units. The full turn of an
+// arc's range and the empty-box sentinels are the shared ones of core/constants.h.
 #ifndef VOGEBASIC_CLIP_TOLERANCES_H
 #define VOGEBASIC_CLIP_TOLERANCES_H
-
-#include "geometry/geometry_tolerances.h"
 
 namespace geolib {
 namespace clip {
 
 /// A box accepts a point that lies beyond one of its sides by no more than this.
 constexpr double kBoxContainTol = 1e-6;
-/// The full turn of an arc's angular range: the geometry classes' 2pi.
-using geometry::kFullTurn;
-/// Sentinels of the empty plane box: minima start here and maxima at its negation.
-constexpr double kEmptyBoxMin = 1e21;
 
 // ---- interval lists ----------------------------------------------------------------------------
 /// Two interval ends closer than this (strict) are the same end; a range shorter than this is
@@ -50,8 +45,6 @@ constexpr double kOneTurnTol = 0.1;
 /// viewBoxTrimLine: a view shows the piece as a point when both of its coordinate differences
 /// are below this (strict).
 constexpr double kViewPointTol = 0.01;
-/// The unset range of viewBoxTrimLine, the empty-box sentinels again.
-constexpr double kUnsetRange = 1e21;
 
 }  // namespace clip
 }  // namespace geolib

@@ -9,6 +9,8 @@
 #include "clipping/clip_plan.h"
 #include "clipping/clip_ring.h"
 #include "clipping/clip_tolerances.h"
+#include "core/constants.h"
+#include "core/plan.h"
 #include "geolib_frames.h"
 
 namespace geolib {
@@ -34,9 +36,9 @@ struct Crossing {
 };
 
 // Side of point q with respect to the line from p to r in the plan: positive when q lies to the
-// right of it.
+// right of it (the orientation of q, r, p, which is the same product order bit for bit).
 double side(const VoGePoint3D& p, const VoGePoint3D& r, const VoGePoint3D& q) {
-    return (p.y - q.y) * (r.x - q.x) - (r.y - q.y) * (p.x - q.x);
+    return core::planTurn(q, r, p);
 }
 
 // Walks the ring of one polygon and finds where the piece s-e enters and leaves it.
@@ -230,7 +232,7 @@ line_cut* divide_arc2line(const double* const c, double r, double a0, double a1,
     if (c == nullptr)
         return nullptr;
     if (a1 < a0)
-        a0 -= clip::kFullTurn;  // the arc runs through angle 0
+        a0 -= core::kFullTurn;  // the arc runs through angle 0
     const double sweep = a1 - a0;
     // Guarded before the conversion: NaN, negative and small counts give the minimum, and only
     // a value below maxCount is truncated.
@@ -262,7 +264,7 @@ line_cut* divide_arc2line(const double* const c, double r, double a0, double a1,
 }
 
 line_cut* divide_circle2line(const double* const c, double r, double chord, int maxCount) {
-    return divide_arc2line(c, r, 0.0, clip::kFullTurn, chord, maxCount);
+    return divide_arc2line(c, r, 0.0, core::kFullTurn, chord, maxCount);
 }
 
 namespace {
@@ -285,8 +287,8 @@ bool visibleRuns(const line_cut* chords, const VoGePoint3D& centre, paramt*& run
         // An interval may end at the full turn itself, which the angle of a point never is:
         // a chord ending a hair below angle 0 ends its run there.
         double phi = angleToX(centre, chord->end);
-        if (phi == geometry::kJustBelowFullTurn)
-            phi = clip::kFullTurn;
+        if (phi == core::kJustBelowFullTurn)
+            phi = core::kFullTurn;
         if (open == nullptr) {
             open = mallocParamt(false);
             if (open == nullptr) {
@@ -298,7 +300,7 @@ bool visibleRuns(const line_cut* chords, const VoGePoint3D& centre, paramt*& run
             out.append(open);
         } else if (std::fabs(phi) < clip::kArcAngleTol &&
                    std::fabs(open->t0) < clip::kArcAngleTol) {
-            open->t1 = clip::kFullTurn;  // a visible run closing the full circle
+            open->t1 = core::kFullTurn;  // a visible run closing the full circle
         } else {
             open->t1 = phi;
         }
@@ -332,7 +334,19 @@ arc_cut* polygonTrimArc(convex* polys, double* const c, double r, double a0, dou
 }
 
 arc_cut* polygonTrimCircle(convex* polys, double* const c, double r) {
-    return polygonTrimArc(polys, c, r, 0.0, clip::kFullTurn);
+    return polygonTrimArc(polys, c, r, 0.0, core::kFullTurn);
+}
+
+bool isPointInPoly(const convex* poly, const VoGePoint3D& p) {
+    if (poly == nullptr || poly->edges == nullptr)
+        return false;
+    bool inside = false;
+    clip::walkRing(poly->edges, [&](const line* e) {
+        if (core::crossesRightOf(e->end, e->start, p))
+            inside = !inside;
+        return true;
+    });
+    return inside;
 }
 
 }  // namespace geolib

@@ -8,7 +8,7 @@
 #include "clip_convert.h"
 #include "clip_trim.h"
 #include "clipping/clip_tolerances.h"
-#include "functions/function_tolerances.h"
+#include "core/constants.h"
 
 namespace geolib {
 
@@ -88,8 +88,9 @@ bool viewBoxTrimLine(const Box3D* box, const VoGePoint3D& p0, const VoGePoint3D&
         if (views.poly[i] == nullptr)
             return false;
     }
-    u0 = -clip::kUnsetRange;
-    u1 = clip::kUnsetRange;
+    // The unset range: the empty-box sentinels.
+    u0 = -core::kEmptyPlanBoxMin;
+    u1 = core::kEmptyPlanBoxMin;
 
     const double dx = std::fabs(p1.x - p0.x);
     const double dy = std::fabs(p1.y - p0.y);
@@ -148,8 +149,8 @@ bool isLineCrossBox3d(const VoGePoint3D& p0, const VoGePoint3D& p1, const VoGePo
     for (unsigned int i = 0; i < 3; ++i) {
         const double from = p0[i];
         const double d = p1[i] - p0[i];
-        const double low = lo[i] - functions::kBoxTol;
-        const double high = hi[i] + functions::kBoxTol;
+        const double low = lo[i] - core::kBoxSideTol;
+        const double high = hi[i] + core::kBoxSideTol;
         if (std::isnan(from) || std::isnan(d) || std::isnan(low) || std::isnan(high))
             return false;
         if (d == 0.0) {

@@ -3,33 +3,10 @@
 #include <cmath>
 #include <limits>
 
-#include "VoGeMatrix3D.h"
-#include "functions/function_tolerances.h"
+#include "core/angles.h"
+#include "geometry/frame_convert.h"
 
-using namespace geolib::functions;
-
-namespace {
-
-// Local to world in the fromZ frame, then world to local in the toZ frame; T is a point or a
-// vector, which decides the overloads of postMult1 and preMult1.
-template <class T>
-T convertFrames(const T& v, const VoGeVector3D& fromZ, const VoGeVector3D& toZ) {
-    const VoGeVector3D worldZ(0.0, 0.0, 1.0);
-    T w = v;
-    // A fromZ within the direction tolerance of +Z is +Z, deliberately: the first frame is
-    // skipped then, so that nearly vertical axes give exactly the input back.
-    if (fromZ.normalize() != worldZ) {
-        VoGeMatrix3D toWorld;
-        toWorld.setZTrans(fromZ);
-        w = toWorld.postMult1(v);
-    }
-    // The row-vector product with this rotation is its transpose: world to local.
-    VoGeMatrix3D toLocal;
-    toLocal.setZTrans(toZ);
-    return toLocal.preMult1(w);
-}
-
-}  // namespace
+using geolib::geometry::convertFrames;
 
 namespace geolib {
 
@@ -60,7 +37,7 @@ double angleToX(const VoGeVector3D& v) {
     const VoGeVector3D xAxis(1.0, 0.0, 0.0);
     const double a = std::acos(xAxis.dotProduct(w));
     if (xAxis.crossProduct(w).z < 0.0)
-        return geometry::belowFullTurn(kFullTurn - a);
+        return core::belowFullTurn(core::kFullTurn - a);
     return a;
 }
 

@@ -4,28 +4,14 @@
 #include <cmath>
 
 #include "VoGeLine3d.h"
+#include "core/constants.h"
+#include "core/plan.h"
 #include "functions/function_tolerances.h"
 #include "geolib_spatial.h"
 
 using namespace geolib::functions;
 
 namespace {
-
-// The crossing rule for one edge between vertex pi and the vertex pj before it: the edge
-// straddles p's height and crosses the horizontal through p strictly to the right of p.
-bool crossesRightOf(const VoGePoint3D& pi, const VoGePoint3D& pj, const VoGePoint3D& p) {
-    const bool a = p.y < pi.y;
-    const bool b = p.y < pj.y;
-    if (a == b)
-        return false;
-    const double xc = pi.x + (p.y - pi.y) * (pj.x - pi.x) / (pj.y - pi.y);
-    return p.x < xc;
-}
-
-// Twice the signed plan area of the triangle o, a, b: positive when b lies left of o -> a.
-double turn(const VoGePoint3D& o, const VoGePoint3D& a, const VoGePoint3D& b) {
-    return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
-}
 
 // q, known to lie on the line ab, lies within the closed segment.
 bool withinSpan(const VoGePoint3D& a, const VoGePoint3D& b, const VoGePoint3D& q) {
@@ -65,7 +51,7 @@ bool hasNoDirection(const VoGeVector3D& unit) {
 // the distances along them. False when the lines are parallel.
 bool planCrossing(const VoGePoint3D& p, const VoGeVector3D& u, const VoGePoint3D& q,
                   const VoGeVector3D& w, double& t, double& s) {
-    const double den = u.x * w.y - u.y * w.x;
+    const double den = geolib::core::planCross(u.x, u.y, w.x, w.y);
     if (!(std::fabs(den) >= kParallelSine))
         return false;
     const double dx = q.x - p.x;
@@ -90,38 +76,17 @@ bool isPointInPoly(const std::vector<VoGePoint3D>& poly, const VoGePoint3D& p, b
     bool inside = false;
     const std::size_t n = poly.size();
     for (std::size_t i = 0, j = n - 1; i < n; j = i++) {
-        if (crossesRightOf(poly[i], poly[j], p))
+        if (core::crossesRightOf(poly[i], poly[j], p))
             inside = !inside;
-    }
-    return inside;
-}
-
-bool isPointInPoly(const convex* poly, const VoGePoint3D& p) {
-    if (poly == nullptr || poly->edges == nullptr)
-        return false;
-    const line* const head = poly->edges;
-    const line* e = head;
-    // A second walker takes two links per edge: it meets the first one before the ring closes
-    // only when the links run into a loop that never comes back to the first edge.
-    const line* ahead = head;
-    bool inside = false;
-    while (e != nullptr) {
-        if (crossesRightOf(e->end, e->start, p))
-            inside = !inside;
-        e = e->next;
-        for (int k = 0; k < 2 && ahead != nullptr; ++k)
-            ahead = ahead->next;
-        if (e == head || e == ahead)
-            break;
     }
     return inside;
 }
 
 void getPolylineBox(const std::vector<VoGePoint3D>& pts, VoGePoint3D& lo, VoGePoint3D& hi) {
-    double minX = kEmptyBoxMin;
-    double minY = kEmptyBoxMin;
-    double maxX = -kEmptyBoxMin;
-    double maxY = -kEmptyBoxMin;
+    double minX = core::kEmptyPlanBoxMin;
+    double minY = core::kEmptyPlanBoxMin;
+    double maxX = -core::kEmptyPlanBoxMin;
+    double maxY = -core::kEmptyPlanBoxMin;
     for (const VoGePoint3D& q : pts) {
         if (q.x < minX)
             minX = q.x;
@@ -137,16 +102,17 @@ void getPolylineBox(const std::vector<VoGePoint3D>& pts, VoGePoint3D& lo, VoGePo
 }
 
 bool isPointInBox(const VoGePoint3D& p, const VoGePoint3D& lo, const VoGePoint3D& hi) {
-    return withinRange(p.x, lo.x, hi.x, kBoxTol) && withinRange(p.y, lo.y, hi.y, kBoxTol) &&
-           withinRange(p.z, lo.z, hi.z, kBoxTol);
+    return withinRange(p.x, lo.x, hi.x, core::kBoxSideTol) &&
+           withinRange(p.y, lo.y, hi.y, core::kBoxSideTol) &&
+           withinRange(p.z, lo.z, hi.z, core::kBoxSideTol);
 }
 
 bool isLineIntersect(const VoGePoint3D& a, const VoGePoint3D& b, const VoGePoint3D& c,
                      const VoGePoint3D& d) {
-    const double d1 = turn(c, d, a);
-    const double d2 = turn(c, d, b);
-    const double d3 = turn(a, b, c);
-    const double d4 = turn(a, b, d);
+    const double d1 = core::planTurn(c, d, a);
+    const double d2 = core::planTurn(c, d, b);
+    const double d3 = core::planTurn(a, b, c);
+    const double d4 = core::planTurn(a, b, d);
     if (oppositeSides(d1, d2) && oppositeSides(d3, d4))
         return true;
     // An end on the other segment's line: touching, or collinear overlap.

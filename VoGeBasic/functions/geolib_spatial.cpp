@@ -3,10 +3,13 @@
 #include <cmath>
 
 #include "VoGeLine3d.h"
+#include "core/angles.h"
 #include "functions/function_tolerances.h"
 #include "geolib_frames.h"
+#include "geometry/segment_place.h"
 
 using namespace geolib::functions;
+using geolib::core::kFullTurn;
 
 namespace {
 
@@ -29,7 +32,7 @@ double wrapAngle(double a) {
     double r = std::fmod(a, kFullTurn);
     if (r < 0.0)
         r += kFullTurn;
-    return geolib::geometry::belowFullTurn(r);
+    return geolib::core::belowFullTurn(r);
 }
 
 // How far an arc turns from a0 to a1: an end below the start runs through angle 0, and a span
@@ -54,29 +57,7 @@ namespace geolib {
 
 short isPointOnLineSeg(const VoGePoint3D& p1, const VoGePoint3D& p2, const VoGePoint3D& p,
                        double tol) {
-    // A NaN coordinate places nothing on the segment, whatever the comparisons below would say.
-    for (const VoGePoint3D* q : {&p1, &p2, &p}) {
-        if (std::isnan(q->x) || std::isnan(q->y) || std::isnan(q->z))
-            return kSegOffLine;
-    }
-    int code = 0;
-    if (p.distanceTo(p1) <= kSegmentEndTol)
-        code |= kSegOn | kSegAtStart;
-    if (p.distanceTo(p2) <= kSegmentEndTol)
-        code |= kSegOn | kSegAtEnd;
-    if (code != 0)
-        return static_cast<short>(code);
-    // Both parameters are read off the same coordinate of the line, so they compare directly.
-    const VoGeLine3d line(p1, p2);
-    const double tEnd = line.getParam(p2);
-    if (tEnd == kNoLineParam || !line.isOn(p, tol))
-        return kSegOffLine;
-    const double t = line.getParam(p);
-    if (t < 0.0)
-        return kSegBeyondStart;
-    if (t > tEnd)
-        return kSegBeyondEnd;
-    return kSegOn;
+    return geometry::placeOnSegment(p1, p2, p, tol);
 }
 
 short isPointOnArc(const VoGeCircle3d& c, double startAngle, double endAngle, const VoGePoint3D& p,

@@ -2,11 +2,10 @@
 
 #include <cmath>
 
-#include "geolib_frames.h"
-#include "geometry/clamp_unit.h"
-#include "geometry/geometry_tolerances.h"
+#include "core/angles.h"
+#include "geometry/frame_convert.h"
 
-using namespace geolib::geometry;
+using namespace geolib::core;
 
 VoGeCircle3d::VoGeCircle3d() : radius(0.0) {}
 
@@ -38,7 +37,8 @@ bool VoGeCircle3d::isOn(const VoGePoint3D& p, double tol) const {
 
 VoGePoint3D VoGeCircle3d::getPt(double angle) const {
     const VoGeVector3D v(std::cos(angle), std::sin(angle), 0.0);
-    const VoGeVector3D w = geolib::kestZxTrans(v, normal, VoGeVector3D(0.0, 0.0, 1.0)).normalize();
+    const VoGeVector3D w =
+        geolib::geometry::convertFrames(v, normal, VoGeVector3D(0.0, 0.0, 1.0)).normalize();
     return center + w * radius;
 }
 

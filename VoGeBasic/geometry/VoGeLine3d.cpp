@@ -1,10 +1,12 @@
 #include "VoGeLine3d.h"
 
 #include <cmath>
+#include <initializer_list>
 
-#include "geolib_linear.h"
+#include "core/linear_solve.h"
 #include "geometry/equation_rows.h"
 #include "geometry/geometry_tolerances.h"
+#include "geometry/segment_place.h"
 
 using namespace geolib::geometry;
 
@@ -39,10 +41,37 @@ bool solveEquationRows(const double* r0, const double* r1, const double* r2, VoG
     }
     double* a[3] = {rows[0], rows[1], rows[2]};
     double x[3];
-    if (!gaussLiner(3, a, rhs, x))
+    if (!core::solveLinear(3, a, rhs, x))
         return false;
     out.set(x);
     return true;
+}
+
+short placeOnSegment(const VoGePoint3D& p1, const VoGePoint3D& p2, const VoGePoint3D& p,
+                     double tol) {
+    // A NaN coordinate places nothing on the segment, whatever the comparisons below would say.
+    for (const VoGePoint3D* q : {&p1, &p2, &p}) {
+        if (std::isnan(q->x) || std::isnan(q->y) || std::isnan(q->z))
+            return geolib::kSegOffLine;
+    }
+    int code = 0;
+    if (p.distanceTo(p1) <= kSegmentEndTol)
+        code |= geolib::kSegOn | geolib::kSegAtStart;
+    if (p.distanceTo(p2) <= kSegmentEndTol)
+        code |= geolib::kSegOn | geolib::kSegAtEnd;
+    if (code != 0)
+        return static_cast<short>(code);
+    // Both parameters are read off the same coordinate of the line, so they compare directly.
+    const VoGeLine3d line(p1, p2);
+    const double tEnd = line.getParam(p2);
+    if (tEnd == geolib::kNoLineParam || !line.isOn(p, tol))
+        return geolib::kSegOffLine;
+    const double t = line.getParam(p);
+    if (t < 0.0)
+        return geolib::kSegBeyondStart;
+    if (t > tEnd)
+        return geolib::kSegBeyondEnd;
+    return geolib::kSegOn;
 }
 
 }  // namespace geometry

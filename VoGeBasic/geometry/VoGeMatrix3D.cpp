@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/arbitrary_axis.h"
 #include "geometry/geometry_tolerances.h"
 #include "geometry/matrix_cofactors.h"
 
@@ -387,15 +388,15 @@ const VoGeMatrix3D& VoGeMatrix3D::getReflectMatrix(const VoGePoint3D& p, const V
 
 namespace {
 
-// The arbitrary-axis rule: a Z close to the world Z axis takes world Y as the reference for
-// its X axis, any other Z takes world Z. Fills the unnormalised X and Y.
+// The X and Y of the arbitrary-axis rule for a unit Z, unnormalised.
 void arbitraryAxes(const VoGeVector3D& zUnit, VoGeVector3D& x, VoGeVector3D& y) {
-    if (std::fabs(zUnit.x) < kArbitraryAxisLimit && std::fabs(zUnit.y) < kArbitraryAxisLimit) {
-        x = VoGeVector3D(0.0, 1.0, 0.0).crossProduct(zUnit);
-    } else {
-        x = VoGeVector3D(0.0, 0.0, 1.0).crossProduct(zUnit);
-    }
-    y = zUnit.crossProduct(x);
+    double z3[3];
+    double x3[3];
+    double y3[3];
+    zUnit.toKestPoint(z3);
+    geolib::core::arbitraryAxes(z3, x3, y3);
+    x = VoGeVector3D(x3);
+    y = VoGeVector3D(y3);
 }
 
 }  // namespace
@@ -440,4 +441,14 @@ const VoGeMatrix3D& VoGeMatrix3D::getZaxisUcsMatrix(const VoGePoint3D& o, const 
     // origin: a mixture the drawing code expects, not a plain local-to-world transform.
     setColumn(3, o.x, o.y, o.z, 1.0);
     return *this;
+}
+
+// A member of the vector class, defined here with the matrices it is built on: the vector class
+// itself stays below the matrix class. Declared non-const for the callers' sake; the rotated
+// vector is only the return value.
+VoGeVector3D VoGeVector3D::rotateBy(double angle, const VoGeVector3D& axis) {
+    const VoGePoint3D origin;
+    VoGeMatrix3D rot;
+    rot.getRotateMatrix(origin, origin + axis.normalize(), angle);
+    return rot.postMult1(*this);
 }

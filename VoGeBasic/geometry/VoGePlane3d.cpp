@@ -1,9 +1,9 @@
 #include "VoGePlane3d.h"
 
 #include "VoGeLine3d.h"
-#include "geolib_spatial.h"
 #include "geometry/equation_rows.h"
 #include "geometry/geometry_tolerances.h"
+#include "geometry/segment_place.h"
 
 using namespace geolib::geometry;
 
@@ -50,5 +50,5 @@ bool VoGePlane3d::intersectWith(const VoGePoint3D& p1, const VoGePoint3D& p2, Vo
         return false;
     if (!onSegment)
         return true;
-    return (geolib::isPointOnLineSeg(p1, p2, p, kPlaneSegmentTol) & geolib::kSegOn) != 0;
+    return (placeOnSegment(p1, p2, p, kPlaneSegmentTol) & geolib::kSegOn) != 0;
 }

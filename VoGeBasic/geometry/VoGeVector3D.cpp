@@ -2,12 +2,13 @@
 
 #include <cmath>
 
-#include "VoGeMatrix3D.h"
 #include "VoGePoint3D.h"
-#include "geometry/clamp_unit.h"
+#include "core/angles.h"
 #include "geometry/geometry_tolerances.h"
 
 using namespace geolib::geometry;
+using geolib::core::clampUnit;
+using geolib::core::kFullTurn;
 
 VoGeVector3D::VoGeVector3D() : x(0.0), y(0.0), z(0.0) {}
 VoGeVector3D::VoGeVector3D(double x_, double y_, double z_) : x(x_), y(y_), z(z_) {}
@@ -147,14 +148,6 @@ double VoGeVector3D::rotateAngle(const VoGeVector3D& w) const {
     if (c.z >= 0.0)
         return a;
     return kFullTurn - a;
-}
-
-// Declared non-const for the callers' sake; the rotated vector is only the return value.
-VoGeVector3D VoGeVector3D::rotateBy(double angle, const VoGeVector3D& axis) {
-    const VoGePoint3D origin;
-    VoGeMatrix3D rot;
-    rot.getRotateMatrix(origin, origin + axis.normalize(), angle);
-    return rot.postMult1(*this);
 }
 
 bool VoGeVector3D::isParallel(const VoGeVector3D& w, double tol) const {

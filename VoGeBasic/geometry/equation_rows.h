@@ -9,8 +9,8 @@ namespace geolib {
 namespace geometry {
 
 /// Solves the 3x3 system whose rows (A, B, C, D), meaning A.x + B.y + C.z = D, are r0, r1 and
-/// r2 (four doubles each, left unchanged) with gaussLiner on the stack. Returns false and
-/// leaves out untouched when gaussLiner finds the system singular.
+/// r2 (four doubles each, left unchanged) with the linear solve of core on the stack. Returns
+/// false and leaves out untouched when the system is singular.
 bool solveEquationRows(const double* r0, const double* r1, const double* r2, VoGePoint3D& out);
 
 }  // namespace geometry

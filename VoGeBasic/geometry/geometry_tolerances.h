@@ -17,9 +17,6 @@ constexpr double kDirectionEqualTol = 1e-5;
 constexpr double kParallelCrossTol = 1e-5;
 /// rotateAngle returns angles up to this without asking for the sense of rotation.
 constexpr double kRotateAngleNoSenseTol = 1e-4;
-/// Arbitrary-axis rule: a Z whose x and y are both below this (strict) takes world Y as the
-/// reference for its X axis; any other Z takes world Z.
-constexpr double kArbitraryAxisLimit = 1.0 / 64.0;
 /// getZaxisUcsMatrix: z.y and z.z both within this (inclusive) means z runs along +-X.
 constexpr double kUcsAlongXTol = 1e-4;
 /// Line parameter: one direction component is clearly smaller than another when it is smaller
@@ -34,18 +31,8 @@ constexpr double kEquationZeroComponent = 1e-4;
 constexpr double kLineMeetTol = 1e-5;
 /// Plane-segment intersection: the tolerance with which the crossing is tested on the segment.
 constexpr double kPlaneSegmentTol = 1e-5;
-/// pi as the double nearest to it.
-constexpr double kPi = 3.141592653589793;
-/// The full turn, 2pi, as the double nearest to it.
-constexpr double kFullTurn = 6.283185307179586;
-/// The largest angle below the full turn (the double just below kFullTurn).
-constexpr double kJustBelowFullTurn = 0x1.921fb54442d17p+2;
-
-/// An angle in [0, 2pi) as the angle functions promise it: 2pi less a tiny angle rounds to 2pi
-/// itself, which is given back as the largest angle below the turn instead. NaN passes through.
-inline double belowFullTurn(double a) {
-    return a >= kFullTurn ? kJustBelowFullTurn : a;
-}
+/// A point this close (inclusive) to an end of a segment or an arc counts as lying on it.
+constexpr double kSegmentEndTol = 1e-4;
 
 }  // namespace geometry
 }  // namespace geolib

@@ -18,6 +18,21 @@
 namespace geolib {
 /// VoGeLine3d::getParam's "no parameter": the largest single-precision value, as a double.
 constexpr double kNoLineParam = 3.4028234663852886e38;
+
+// ---- where a point lies on a segment: codes of isPointOnLineSeg
+// -----------------------------------------------------------------
+/// On the closed segment; a point within 1e-4 of either end counts as on it.
+constexpr short kSegOn = 0x0001;
+/// Within 1e-4 of the first end (kSegOn is set too).
+constexpr short kSegAtStart = 0x0002;
+/// Within 1e-4 of the second end (kSegOn is set too).
+constexpr short kSegAtEnd = 0x0004;
+/// On the line, before the first end.
+constexpr short kSegBeyondStart = 0x0008;
+/// On the line, past the second end.
+constexpr short kSegBeyondEnd = 0x0010;
+/// Not on the line (or the segment is shorter than 1e-4 and p is at neither end).
+constexpr short kSegOffLine = 0x0020;
 }  // namespace geolib
 
 /// An infinite line in space: a point on it and its unit direction.

@@ -83,6 +83,11 @@ VOGEBASIC_API arc_cut* polygonTrimCircle(convex* polys, double* const c, double 
 /// closed and every edge held by exactly one polygon, so freeConvex releases it all.
 VOGEBASIC_API bool ConvexIdentify(convex* polys);
 
+/// p strictly inside the first polygon of the list by the crossing rule of the vector form of
+/// isPointInPoly (geolib_planar.h), its edges walked from `edges` round the ring until it comes
+/// back (or meets a null link, or repeats an edge). Null gives false.
+VOGEBASIC_API bool isPointInPoly(const convex* poly, const VoGePoint3D& p);
+
 }  // namespace geolib
 
 #endif  // VOGEBASIC_CLIP_TRIM_H

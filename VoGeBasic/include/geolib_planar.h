@@ -3,6 +3,8 @@
 // A polygon is a std::vector<VoGePoint3D> of its vertices in boundary order, closed from the
 // last vertex back to the first; only x and y are read unless a function says otherwise.
 // Self-intersecting and degenerate outlines are accepted: the answers follow the rules below.
+// The same crossing rule on a convex record (isPointInPoly(const convex*, ...)) is declared with
+// the clipping records, in clip_trim.h.
 #ifndef VOGEBASIC_GEOLIB_PLANAR_H
 #define VOGEBASIC_GEOLIB_PLANAR_H
 
@@ -11,7 +13,6 @@
 #include "VoGeBasicExport.h"
 #include "VoGePoint3D.h"
 #include "VoGeVector3D.h"
-#include "clip_records.h"
 
 namespace geolib {
 
@@ -20,9 +21,6 @@ namespace geolib {
 /// poly (isPointInBox, the box flat at z = 0) is rejected first. An empty poly gives false.
 VOGEBASIC_API bool isPointInPoly(const std::vector<VoGePoint3D>& poly, const VoGePoint3D& p,
                                  bool boxFirst);
-/// The crossing rule on the edges of the first polygon of the list, walked from `edges` round
-/// the ring until it comes back (or meets a null link, or repeats an edge). Null gives false.
-VOGEBASIC_API bool isPointInPoly(const convex* poly, const VoGePoint3D& p);
 /// Plan box of the points: lo = (min x, min y, 0), hi = (max x, max y, 0). An empty vector
 /// gives lo = (1e21, 1e21, 0) and hi = (-1e21, -1e21, 0).
 VOGEBASIC_API void getPolylineBox(const std::vector<VoGePoint3D>& pts, VoGePoint3D& lo,

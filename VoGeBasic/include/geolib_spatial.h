@@ -9,24 +9,15 @@
 
 #include "VoGeBasicExport.h"
 #include "VoGeCircle3d.h"
+#include "VoGeLine3d.h"
 #include "VoGePoint3D.h"
 #include "VoGeVector3D.h"
 
 namespace geolib {
 
-// ---- codes of isPointOnLineSeg -----------------------------------------------------------------
-/// On the closed segment; a point within 1e-4 of either end counts as on it.
-constexpr short kSegOn = 0x0001;
-/// Within 1e-4 of the first end (kSegOn is set too).
-constexpr short kSegAtStart = 0x0002;
-/// Within 1e-4 of the second end (kSegOn is set too).
-constexpr short kSegAtEnd = 0x0004;
-/// On the line, before the first end.
-constexpr short kSegBeyondStart = 0x0008;
-/// On the line, past the second end.
-constexpr short kSegBeyondEnd = 0x0010;
-/// Not on the line (or the segment is shorter than 1e-4 and p is at neither end).
-constexpr short kSegOffLine = 0x0020;
+// ---- isPointOnLineSeg ---------------------------------------------------------------------------
+// Its codes (kSegOn, kSegAtStart, kSegAtEnd, kSegBeyondStart, kSegBeyondEnd, kSegOffLine) are
+// declared with the line class in VoGeLine3d.h: the segment test is the geometry classes' own.
 
 /// Where p lies relative to the segment p1p2: kSegOn, possibly with kSegAtStart and kSegAtEnd,
 /// or exactly one of kSegBeyondStart, kSegBeyondEnd and kSegOffLine. The line test is

@@ -53,7 +53,9 @@ TEST(Transforms, BoxCornersMoveUnsortedAndEveryEdgeEndMovesOnce) {
     BOX box;
     box.set(1, 3, 0, 2);
     transformBOX(box, m);
-    EXPECT_TRUE(box.xmin == 9.0 && box.xmax == 7.0 && box.ymax == 3.0);  // not re-sorted
+    EXPECT_EQ(box.xmin, 9.0);  // not re-sorted
+    EXPECT_EQ(box.xmax, 7.0);  // not re-sorted
+    EXPECT_EQ(box.ymax, 3.0);  // not re-sorted
     BOX unit;
     unit.set(0, 1, 0, 1);
     convex* poly = convertBox2Convex(&unit);

@@ -3,24 +3,30 @@
 #include <gtest/gtest.h>
 
 #include "support/alloc_hook.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using namespace geolib;
 
-constexpr double kTwoPi = 6.283185307179586;
+using vgtest::kTwoPi;
 constexpr double kBoxTol = 1e-6;  // BOX and Box3D hold points this far outside a side
 
 TEST(ClipRecordsAlloc, FreshIntervalsCoverTheWholePieceAndFailuresLeakNothing) {
     paramt* a = mallocParamt(true);
     paramt* l = mallocParamt(false);
-    EXPECT_TRUE(a->t0 == 0.0 && a->t1 == kTwoPi);
-    EXPECT_TRUE(l->t0 == 0.0 && l->t1 == 1.0 && l->next == nullptr);
+    EXPECT_EQ(a->t0, 0.0);
+    EXPECT_EQ(a->t1, kTwoPi);
+    EXPECT_EQ(l->t0, 0.0);
+    EXPECT_EQ(l->t1, 1.0);
+    EXPECT_EQ(l->next, nullptr);
     freeParamt(a);
     freeParamt(l);
     const double c[3] = {1, 2, 3};
     arc_cut* ac = mallocArcCut(c, 5.0, 0.5, 2.5);
-    EXPECT_TRUE(ac->params->t0 == 0.5 && ac->params->t1 == 2.5 && ac->center.z == 3.0);
+    EXPECT_EQ(ac->params->t0, 0.5);
+    EXPECT_EQ(ac->params->t1, 2.5);
+    EXPECT_EQ(ac->center.z, 3.0);
     freeArcCut(ac);
     double s[3] = {0, 0, 0};
     double e[3] = {1, 0, 0};
@@ -55,14 +61,19 @@ TEST(BoxPlane, EmptyBoxTakesTheFirstPointAndOnlySet1Sorts) {
     BOX o;
     o.set(1, 2, 3, 4);
     b.update(o);
-    EXPECT_TRUE(b.xmin == 1.0 && b.ymax == 4.0);
+    EXPECT_EQ(b.xmin, 1.0);
+    EXPECT_EQ(b.ymax, 4.0);
     BOX e;
     e.expand(VoGePoint3D(5, -1, 9));
-    EXPECT_TRUE(e.xmin == 5.0 && e.xmax == 5.0 && e.ymin == -1.0 && e.ymax == -1.0);
+    EXPECT_EQ(e.xmin, 5.0);
+    EXPECT_EQ(e.xmax, 5.0);
+    EXPECT_EQ(e.ymin, -1.0);
+    EXPECT_EQ(e.ymax, -1.0);
     b.set(VoGePoint3D(5, 6, 0), VoGePoint3D(1, 2, 0));
     EXPECT_EQ(b.xmin, 5.0);
     b.set1(VoGePoint3D(5, 6, 0), VoGePoint3D(1, 2, 0));
-    EXPECT_TRUE(b.xmin == 1.0 && b.ymax == 6.0);
+    EXPECT_EQ(b.xmin, 1.0);
+    EXPECT_EQ(b.ymax, 6.0);
 }
 
 TEST(BoxPlane, ContainsWithinOneMillionthAndSwellShrinksForPositive) {
@@ -73,9 +84,11 @@ TEST(BoxPlane, ContainsWithinOneMillionthAndSwellShrinksForPositive) {
     EXPECT_TRUE(b.contains(VoGePoint3D(5, 10 + 0.5 * kBoxTol, 0)));
     EXPECT_FALSE(b.contains(VoGePoint3D(5, 10 + 2 * kBoxTol, 0)));
     b.swell(1.0);
-    EXPECT_TRUE(b.xmin == 1.0 && b.ymax == 9.0);
+    EXPECT_EQ(b.xmin, 1.0);
+    EXPECT_EQ(b.ymax, 9.0);
     b.swell(-2.0);
-    EXPECT_TRUE(b.xmin == -1.0 && b.xmax == 11.0);
+    EXPECT_EQ(b.xmin, -1.0);
+    EXPECT_EQ(b.xmax, 11.0);
 }
 
 TEST(BoxSpace, BoxesThatShareAFaceIntersect) {

@@ -9,6 +9,7 @@
 #include "clipping/clip_test_support.h"
 #include "support/alloc_hook.h"
 #include "support/geom_expect.h"
+#include "support/test_constants.h"
 
 namespace {
 
@@ -18,8 +19,8 @@ using vgtest::intervalsOf;
 using vgtest::polygonOf;
 using vgtest::sameIntervals;
 
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kPi = 3.141592653589793;
+using vgtest::kPi;
+using vgtest::kTwoPi;
 constexpr double kParamTol = 1e-9;  // crossings computed from exact side values
 constexpr double kSideTol = 1e-4;   // the trimming's own side tolerance
 constexpr double kRoundTol = 1e-12;
@@ -42,6 +43,30 @@ void expectVisible(convex* polys, const TrimCase& c) {
     ASSERT_NE(piece, nullptr);
     EXPECT_TRUE(sameIntervals(intervalsOf(piece->params), c.visible, kParamTol));
     freeLineCut(piece);
+}
+
+// The crossing rule of isPointInPoly on a convex record.
+TEST(IsPointInPoly, ConvexRingIncludingARingThatNeverCloses) {
+    const VoGePoint3D square[4] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+    line* e[4];
+    for (int i = 0; i < 4; ++i) {
+        e[i] = mallocLine();
+        e[i]->start = square[i];
+        e[i]->end = square[(i + 1) % 4];
+        e[i]->next = nullptr;
+    }
+    for (int i = 0; i < 3; ++i)
+        e[i]->next = e[i + 1];
+    convex poly{nullptr, e[0]};
+    EXPECT_TRUE(isPointInPoly(&poly, VoGePoint3D(0.5, 0.5, 0)));  // open list: walked to its end
+    e[3]->next = e[0];
+    EXPECT_TRUE(isPointInPoly(&poly, VoGePoint3D(0.5, 0.5, 0)));
+    EXPECT_FALSE(isPointInPoly(&poly, VoGePoint3D(1.5, 0.5, 0)));
+    e[3]->next = e[1];  // a loop that skips the first edge: the walk still ends
+    isPointInPoly(&poly, VoGePoint3D(0.5, 0.5, 0));
+    EXPECT_FALSE(isPointInPoly(static_cast<const convex*>(nullptr), VoGePoint3D()));
+    e[3]->next = nullptr;
+    freeLine(e[0]);
 }
 
 TEST(PolygonTrimLine, SquareHidesWhatLiesInsideIt) {
@@ -133,7 +158,8 @@ TEST(Box2DTrimLine, ReportsTheOneHiddenRange) {
         SCOPED_TRACE(c.id);
         double u0 = -7, u1 = -7;
         EXPECT_TRUE(box2DTrimLine(sq, c.s, c.e, u0, u1));
-        EXPECT_TRUE(std::fabs(u0 - c.u0) <= kParamTol && std::fabs(u1 - c.u1) <= kParamTol);
+        EXPECT_TRUE(std::fabs(u0 - c.u0) <= kParamTol);
+        EXPECT_TRUE(std::fabs(u1 - c.u1) <= kParamTol);
     }
     vgtest::forEachAllocationFailure([&] {
         double u0 = -7, u1 = -7;
@@ -177,7 +203,8 @@ TEST(DivideArc2Line, ChordsChainFromStartToEndThroughAngleZero) {
     for (const line_cut* p = chords; p != nullptr; last = p, p = p->next) {
         EXPECT_NEAR(p->end.distanceTo(VoGePoint3D(c)), r, kRoundTol);
         // The right half only, at the centre's height.
-        EXPECT_TRUE(p->end.x > 1.0 - kRoundTol && p->end.z == 3.0);
+        EXPECT_TRUE(p->end.x > 1.0 - kRoundTol);
+        EXPECT_EQ(p->end.z, 3.0);
         EXPECT_TRUE(p->next == nullptr || vgtest::near3(p->end, p->next->start, 0.0));
     }
     EXPECT_EQ(last->end.x, 1 + r * std::cos(kPi / 2));  // the end angle exactly
@@ -198,8 +225,10 @@ TEST(PolygonTrimArc, VisibleRunsOfWholeChordsBecomeAngularIntervals) {
     EXPECT_EQ(circ->endAngle, kTwoPi);
     const Intervals iv = intervalsOf(circ->params);
     ASSERT_EQ(iv.size(), 1u);
-    EXPECT_TRUE(iv[0].first >= edge && iv[0].first < edge + chordAngle);
-    EXPECT_TRUE(iv[0].second <= kTwoPi - edge && iv[0].second > kTwoPi - edge - chordAngle);
+    EXPECT_TRUE(iv[0].first >= edge);
+    EXPECT_TRUE(iv[0].first < edge + chordAngle);
+    EXPECT_TRUE(iv[0].second <= kTwoPi - edge);
+    EXPECT_TRUE(iv[0].second > kTwoPi - edge - chordAngle);
     freeArcCut(circ);
     vgtest::forEachAllocationFailure([&] { freeArcCut(polygonTrimArc(sq, c, r, 0, kTwoPi)); });
 
@@ -210,8 +239,8 @@ TEST(PolygonTrimArc, VisibleRunsOfWholeChordsBecomeAngularIntervals) {
     EXPECT_TRUE(sameIntervals(intervalsOf(circ->params), {{0, kTwoPi}}, 0.0));
     freeArcCut(circ);
     arc_cut* a = polygonTrimArc(sq, c, r, kPi / 2, kPi);
-    EXPECT_TRUE(sameIntervals(intervalsOf(a->params), {{kPi / 2, kPi}}, kRoundTol) &&
-                a->startAngle == kPi / 2);
+    EXPECT_TRUE(sameIntervals(intervalsOf(a->params), {{kPi / 2, kPi}}, kRoundTol));
+    EXPECT_EQ(a->startAngle, kPi / 2);
     freeArcCut(a);
     a = polygonTrimArc(sq, c, r, -0.1, 0.1);
     EXPECT_EQ(a->params, nullptr);

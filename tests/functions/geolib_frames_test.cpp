@@ -12,13 +12,14 @@
 #include "geolib_planar.h"
 #include "geolib_spatial.h"
 #include "support/geom_expect.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using geolib::angleToX;
 using geolib::kestZxTrans;
 
-const double kPi = std::acos(-1.0);
+using vgtest::kPi;
 constexpr double kRoundTol = 1e-12;
 constexpr double kDirTol = 1e-5;  // a fromZ within this of +Z is +Z
 
@@ -85,8 +86,10 @@ TEST(Keypoints, FirstMatchingNumberIsOverwrittenAndFetched) {
     ASSERT_EQ(kps.size(), 3u);
     EXPECT_EQ(kps[1].second.x, 2.0);
     VoGePoint3D got(-1, -1, -1);
-    EXPECT_TRUE(getKeypointOfNo(kps, 3, got) && got.x == 9.0);
-    EXPECT_TRUE(getKeypointOfNo(kps, 4, got) && got.y == 4.0);
+    EXPECT_TRUE(getKeypointOfNo(kps, 3, got));
+    EXPECT_EQ(got.x, 9.0);
+    EXPECT_TRUE(getKeypointOfNo(kps, 4, got));
+    EXPECT_EQ(got.y, 4.0);
     EXPECT_FALSE(getKeypointOfNo(kps, 5, got));
     EXPECT_EQ(got.y, 4.0);
 }
@@ -103,7 +106,8 @@ TEST(AngleToX, StaysBelowTheFullTurn) {
     double a1 = -1;
     ASSERT_TRUE(geolib::getArcParamFromPoints(VoGePoint3D(1, -1e-17, 0), VoGePoint3D(0, 1, 0),
                                               VoGePoint3D(-1, 0, 0), arc, a0, a1));
-    EXPECT_TRUE(a0 >= 0 && a0 < 2 * kPi) << a0;
+    EXPECT_TRUE(a0 >= 0) << a0;
+    EXPECT_TRUE(a0 < 2 * kPi) << a0;
 }
 
 TEST(Keypoints, ContainerFailurePassesThroughLeavingThePairsAsTheyWere) {

@@ -42,28 +42,6 @@ TEST(IsPointInPoly, CrossingRuleOnConvexAndConcaveOutlines) {
     EXPECT_FALSE(isPointInPoly(kSquare, P(0.5, 0.5, 5), true));
 }
 
-TEST(IsPointInPoly, ConvexRingIncludingARingThatNeverCloses) {
-    geolib::line* e[4];
-    for (int i = 0; i < 4; ++i) {
-        e[i] = geolib::mallocLine();
-        e[i]->start = kSquare[i];
-        e[i]->end = kSquare[(i + 1) % 4];
-        e[i]->next = nullptr;
-    }
-    for (int i = 0; i < 3; ++i)
-        e[i]->next = e[i + 1];
-    geolib::convex poly{nullptr, e[0]};
-    EXPECT_TRUE(isPointInPoly(&poly, P(0.5, 0.5, 0)));  // open list: walked to its end
-    e[3]->next = e[0];
-    EXPECT_TRUE(isPointInPoly(&poly, P(0.5, 0.5, 0)));
-    EXPECT_FALSE(isPointInPoly(&poly, P(1.5, 0.5, 0)));
-    e[3]->next = e[1];  // a loop that skips the first edge: the walk still ends
-    isPointInPoly(&poly, P(0.5, 0.5, 0));
-    EXPECT_FALSE(isPointInPoly(static_cast<const geolib::convex*>(nullptr), P()));
-    e[3]->next = nullptr;
-    geolib::freeLine(e[0]);
-}
-
 TEST(PlanBox, FlatBoxAndToleranceOnEveryAxis) {
     P lo;
     P hi;

@@ -6,13 +6,14 @@
 #include <limits>
 
 #include "support/geom_expect.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using namespace geolib;
 using P = VoGePoint3D;
 
-const double kPi = std::acos(-1.0);
+using vgtest::kPi;
 constexpr double kRoundTol = 1e-12;
 constexpr double kEndTol = 1e-4;  // a point this close to a segment's end is on it
 constexpr double kOnTol = 1e-6;

@@ -5,19 +5,22 @@
 #include <cmath>
 
 #include "support/geom_expect.h"
+#include "support/test_constants.h"
 
 namespace {
 
-const double kPi = std::acos(-1.0);
+using vgtest::kPi;
 constexpr double kRoundTol = 1e-12;
 constexpr double kOnTol = 1e-6;
 
 TEST(VoGeCircle3dConstruct, ThirdPointIsTheCentre) {
     const VoGeCircle3d c(VoGePoint3D(1, 0, 0), VoGePoint3D(0, 1, 0), VoGePoint3D(0, 0, 0));
-    EXPECT_TRUE(c.radius == 1.0 && vgtest::near3(c.normal, 0, 0, 1, 0.0));
+    EXPECT_EQ(c.radius, 1.0);
+    EXPECT_TRUE(vgtest::near3(c.normal, 0, 0, 1, 0.0));
     const VoGeCircle3d d(VoGePoint3D(0, 3, 0), VoGePoint3D(5, 0, 0), VoGePoint3D(0, 0, 0));
     // p2 fixes only the plane and the sense.
-    EXPECT_TRUE(d.radius == 3.0 && vgtest::near3(d.normal, 0, 0, -1, 0.0));
+    EXPECT_EQ(d.radius, 3.0);
+    EXPECT_TRUE(vgtest::near3(d.normal, 0, 0, -1, 0.0));
 }
 
 TEST(VoGeCircle3dOn, WithinTolOfTheRadiusAndOfThePlane) {

@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "support/geom_expect.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using vgtest::near3;
 using Rows = std::vector<double>;
 
-const double kPi = std::acos(-1.0);
+using vgtest::kPi;
 constexpr double kRoundTol = 1e-12;  // rounding of a few products of unit quantities
 const Rows kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
@@ -44,9 +45,11 @@ TEST(VoGeMatrix3DBasics, DefaultIsZeroAndOutOfRangeIndicesTouchNothing) {
     double r0 = -1, r1 = -1, r2 = -1, r3 = -1;
     a.getColumn(-1, r0, r1, r2, r3);
     a.getRow(4, r0, r1, r2, r3);
-    EXPECT_TRUE(r0 == -1.0 && r3 == -1.0);
+    EXPECT_EQ(r0, -1.0);
+    EXPECT_EQ(r3, -1.0);
     EXPECT_TRUE(hasRows(a, seq));
-    EXPECT_TRUE(a.scale(3) == 1.0 && a.scale(-1) == 1.0);
+    EXPECT_EQ(a.scale(3), 1.0);
+    EXPECT_EQ(a.scale(-1), 1.0);
 }
 
 TEST(VoGeMatrix3DProducts, PointVectorRowAndColumnConventions) {

@@ -26,7 +26,8 @@ TEST(VoGePoint3DArithmetic, PointsAndVectorsCombineAffinely) {
     const VoGePoint3D b(4, 6, 3);
     const VoGeVector3D ab = b - a;  // from a to b
     EXPECT_TRUE(near3(ab, 3, 4, 0, 0.0));
-    EXPECT_TRUE(a + ab == b && b - ab == a);
+    EXPECT_EQ(a + ab, b);
+    EXPECT_EQ(b - ab, a);
     EXPECT_EQ(((a + b) / 2.0).x, 2.5);
     VoGePoint3D c = a;
     c += ab;

@@ -7,12 +7,13 @@
 
 #include "VoGePoint3D.h"
 #include "support/geom_expect.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using vgtest::near3;
 
-const double kPi = std::acos(-1.0);
+using vgtest::kPi;
 constexpr double kAngleTol = 1e-9;
 
 TEST(VoGeVector3DNormalize, ShortVectorsHaveNoDirection) {

@@ -114,7 +114,8 @@ long vgtest::forEachNewFailure(Call&& call) {
         } catch (const std::bad_alloc&) {
             threw = true;
         }
-        EXPECT_TRUE(news.refused() && threw) << "allocation " << k << " did not throw";
+        EXPECT_TRUE(news.refused()) << "allocation " << k << " was not refused";
+        EXPECT_TRUE(threw) << "allocation " << k << " did not throw";
         EXPECT_EQ(news.live(), 0) << "blocks leaked when allocation " << k << " failed";
         EXPECT_EQ(mallocs.live(), 0) << "blocks leaked when allocation " << k << " failed";
     }

@@ -3,13 +3,15 @@
 #ifndef VOGEBASIC_HD_ENGINE_TOLERANCES_H
 #define VOGEBASIC_HD_ENGINE_TOLERANCES_H
 
+#include "core/constants.h"
+
 namespace geolib {
 namespace hd {
 
 // ---- faces and lines ----------------------------------------------------------------------------
 
-/// A face whose unit normal has a Z component below this is seen edge-on and hides nothing.
-constexpr double kEdgeOnNormalZ = 0.0003;
+// kEdgeOnNormalZ, the edge-on limit of a face, is the model's (hd_tolerances.h): the
+// tessellators ask it too.
 /// A direction is parallel to a plane when its unit vector's dot product with the plane's unit
 /// normal is at most this.
 constexpr double kPlaneParallelTol = 0.00003;
@@ -42,9 +44,9 @@ constexpr double kOnSegEndDist2 = 0.000000001;
 /// A point lies on a segment when twice the angle the segment subtends at it is within this of
 /// kOnSegTurn.
 constexpr double kOnSegAngleTol = 0.0005;
-/// The full turn that kOnSegAngleTol is measured from. Kept deliberately about 3.2e-6 above the
-/// double nearest to 2 pi: the drawings made so far were made with it.
-constexpr double kOnSegTurn = 6.2831885307179585;
+/// The full turn that kOnSegAngleTol is measured from: deliberately the one about 3.2e-6 above
+/// 2 pi that the drawings made so far were made with.
+constexpr double kOnSegTurn = core::kFullTurnAsDrawn;
 /// Shortcuts of the same test that change none of its answers: a point farther than this part of
 /// the segment's largest extent, plus kOnSegRejectAbs, outside the segment's box is not on it ...
 constexpr double kOnSegRejectRel = 0.01;
@@ -62,7 +64,7 @@ constexpr double kInFaceVertexDist2 = 0.00000001;
 /// A point lies in a face when the angles its edges subtend at it add up to within this of a
 /// full turn (the double nearest to 2 pi).
 constexpr double kInFaceTurnTol = 0.09;
-constexpr double kInFaceTurn = 6.283185307179586;
+constexpr double kInFaceTurn = core::kFullTurn;
 /// The angle sum is first added up with a polynomial arccos good to 2e-8 an angle (acosBound,
 /// 3e-8 with its rounding), so to within 1.2e-7 over four edges: where that sum lies farther
 /// than this from the tolerance's edges, it gives the same answer as the measured angles.

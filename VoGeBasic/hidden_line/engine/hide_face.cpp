@@ -2,7 +2,7 @@
 #include <cmath>
 #include <limits>
 
-#include "geometry/clamp_unit.h"
+#include "core/angles.h"
 #include "hidden_line/engine/hd_engine_internal.h"
 #include "hidden_line/engine/hd_engine_tolerances.h"
 
@@ -10,7 +10,7 @@ namespace geolib {
 
 namespace {
 
-using geometry::clampUnit;
+using core::clampUnit;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
@@ -68,7 +68,7 @@ double acosBound(double c) {
     for (int k = 6; k >= 0; --k)
         poly = poly * x + kA[k];
     const double r = std::sqrt(1.0 - x) * poly;
-    return c < 0.0 ? hd::kPi - r : r;
+    return c < 0.0 ? core::kPi - r : r;
 }
 
 namespace {

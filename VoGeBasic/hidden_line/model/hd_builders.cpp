@@ -3,19 +3,14 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "core/angles.h"
 #include "hidden_line/model/hd_tolerances.h"
 
 namespace geolib {
 
-namespace {
+using core::clampUnit;
 
-double clampUnit(double q) {
-    if (q > 1.0)
-        return 1.0;
-    if (q < -1.0)
-        return -1.0;
-    return q;
-}
+namespace {
 
 // Clamps a chord count, still a double, to 8..12 before it becomes an int; NaN gives 8.
 int clampCurveChords(double n) {
@@ -102,8 +97,8 @@ double det3x3(double a, double b, double c, double d, double e, double f, double
 
 void initHDBox(double* box) {
     for (int axis = 0; axis < 3; ++axis) {
-        box[2 * axis] = hd::kEmptyBoxMax;
-        box[2 * axis + 1] = hd::kEmptyBoxMin;
+        box[2 * axis] = core::kEmptyObjectBoxMax;
+        box[2 * axis + 1] = core::kEmptyObjectBoxMin;
     }
 }
 
@@ -132,7 +127,7 @@ int getCircleDivideNum(_s_hd_point_ /*c*/, double r) {
     const double t = std::acos(clampUnit((r - 1.0) / r));
     if (std::fabs(t) < hd::kChordAngleFloor)
         return hd::kMaxCurveChords;
-    return clampCurveChords(std::trunc(hd::kPi / t) + 1.0);
+    return clampCurveChords(std::trunc(core::kPi / t) + 1.0);
 }
 
 int getCircleDivideNum(const double* c, double r) {
@@ -212,7 +207,7 @@ bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_poi
     if (fullCircle) {
         if (isSamePointFine(s, m))
             return true;
-        sweep = hd::kFullCircleSweep;
+        sweep = core::kFullTurnAsDrawn;
     } else {
         if (isSamePointFine(s, m) || isSamePointFine(m, e))
             return true;
@@ -225,13 +220,13 @@ bool divideArc2Proline(_s_hd_point_ c, _s_hd_point_ s, _s_hd_point_ m, _s_hd_poi
         const double em = pointDist(e, m);
         const double inscribed =
             std::acos(clampUnit((sm * sm + em * em - d * d) / (2.0 * sm * em)));
-        const bool longArc = inscribed < hd::kHalfPi;
-        sweep = longArc ? hd::kTwoPi - central : central;
+        const bool longArc = inscribed < core::kHalfPi;
+        sweep = longArc ? core::kFullTurn - central : central;
         const _s_hd_point_ radial = unitDir(s, c);
         const _s_hd_point_ toEnd = vecSub(e, c);
         // With s and e diametrically opposite (an inscribed angle of exactly pi/2, or e - c along
         // the radial), e cannot choose the side: m does, and the tangent must head towards it.
-        const bool acrossCentre = inscribed == hd::kHalfPi || vecIsParallel(radial, toEnd);
+        const bool acrossCentre = inscribed == core::kHalfPi || vecIsParallel(radial, toEnd);
         const _s_hd_point_ n0 = unitCross(radial, acrossCentre ? vecSub(m, c) : toEnd);
         normal = longArc && !acrossCentre ? n0 : vecNegate(n0);
     }

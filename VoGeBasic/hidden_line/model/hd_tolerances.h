@@ -1,7 +1,11 @@
 // Tolerances and fixed constants of the hidden-line model. Internal: not part of the exported
-// interface. Lengths in model units, angles in radians.
+// interface. Lengths in model units, angles in radians. pi, the full turn (also as the
+// tessellators' circles sweep it) and the empty object box are the shared ones of
+// core/constants.h.
 #ifndef VOGEBASIC_HD_TOLERANCES_H
 #define VOGEBASIC_HD_TOLERANCES_H
+
+#include "core/constants.h"
 
 namespace geolib {
 namespace hd {
@@ -21,20 +25,8 @@ constexpr double kSamePointTol = 0.005;
 /// The fine form of the same test, used for end points of curves.
 constexpr double kSamePointFineTol = 5e-7;
 
-// ---- boxes --------------------------------------------------------------------------------------
-
-/// The empty box: every maximum starts here and every minimum at its negation.
-constexpr double kEmptyBoxMax = -90000000000.0;
-constexpr double kEmptyBoxMin = 90000000000.0;
-
 // ---- chord counts -------------------------------------------------------------------------------
 
-/// pi as the double nearest to it.
-constexpr double kPi = 3.141592653589793;
-/// pi / 2 as the double nearest to it: the inscribed angle that separates short and long arcs.
-constexpr double kHalfPi = 1.5707963267948966;
-/// 2 pi as the double nearest to it: a long arc sweeps this minus the short arc's angle.
-constexpr double kTwoPi = 6.283185307179586;
 /// Chord half-angles below this (the double just below 0.003) take the largest chord count.
 /// Kept deliberately as this exact double: counts at the limit depend on it.
 constexpr double kChordAngleFloor = 0.0029999999999999996;
@@ -42,9 +34,6 @@ constexpr double kChordAngleFloor = 0.0029999999999999996;
 constexpr int kMinCurveChords = 8;
 /// ... and this many at most.
 constexpr int kMaxCurveChords = 12;
-/// A full circle sweeps this angle: kept deliberately about 3.2e-6 above 2 pi, as the drawings
-/// made so far were made with it; the last chord closes the ring exactly at its start.
-constexpr double kFullCircleSweep = 6.2831885307179585;
 /// No tangent step of the arc routine reaches this angle: it keeps tan() far from its pole.
 constexpr double kMaxTangentStep = 1.5;
 /// The arc routine chooses its chord count so that no chord lies further than this from the arc.
@@ -64,6 +53,10 @@ constexpr double kHalfTurnApprox = 3.14159265;
 constexpr double kFacingTol = 1e-9;
 
 // ---- faces --------------------------------------------------------------------------------------
+
+/// A face whose unit normal has a Z component below this is seen edge-on: the hide pass lets it
+/// hide nothing, and a tessellator that must know how the pass will see its faces asks the same.
+constexpr double kEdgeOnNormalZ = 0.0003;
 
 /// A vertex within this fraction of the object's size of a face's plane (or of a triangle's
 /// longest side) lies on it: far above the rounding of coordinates computed from the object's

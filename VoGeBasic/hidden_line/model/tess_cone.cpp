@@ -154,7 +154,7 @@ bool silhouetteAngles(const ObliqueCone& cone, double& theta1, double& alpha) {
     if (!(r > std::fabs(c)))
         return false;
     const double half = std::acos(c / r);
-    if (half < hd::kSilhouetteMergeAngle || half > hd::kPi - hd::kSilhouetteMergeAngle)
+    if (half < hd::kSilhouetteMergeAngle || half > core::kPi - hd::kSilhouetteMergeAngle)
         return false;
     alpha = half;
     theta1 = std::atan2(b, a) - half;
@@ -171,7 +171,7 @@ _s_hd_point_ ringPoint(_s_hd_point_ c, double r, const ObliqueCone& cone, double
 // Writes chords1 + chords2 points to out; returns false if an allocation fails.
 bool arcRing(_s_hd_point_ c, double r, const ObliqueCone& cone, double theta1, double alpha,
              int chords1, int chords2, _s_hd_point_* out) {
-    const double ends[3] = {theta1, theta1 + 2.0 * alpha, theta1 + hd::kTwoPi};
+    const double ends[3] = {theta1, theta1 + 2.0 * alpha, theta1 + core::kFullTurn};
     const int counts[2] = {chords1, chords2};
     int written = 0;
     for (int arc = 0; arc < 2; ++arc) {
@@ -196,7 +196,7 @@ bool arcRing(_s_hd_point_ c, double r, const ObliqueCone& cone, double theta1, d
 
 // Chords of the arc of sweep radians when the whole circle takes perTurn of them (at least 1).
 int arcChords(double sweep, int perTurn) {
-    const double n = std::ceil(perTurn * sweep / hd::kTwoPi);
+    const double n = std::ceil(perTurn * sweep / core::kFullTurn);
     return n < 1.0 ? 1 : static_cast<int>(std::fmin(n, perTurn));
 }
 
@@ -207,7 +207,7 @@ int arcChords(double sweep, int perTurn) {
 // silhouette's, and for rings without silhouette whose circles take the same count.
 bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, Rings& rings) {
     double theta1 = 0.0;
-    double alpha = 0.5 * hd::kPi;
+    double alpha = 0.5 * core::kPi;
     // A right cylinder's silhouette lies on the disc's split points; once the normal was
     // snapped to the view axis, the side is oblique by up to that snap and has its own.
     const bool rightCylinder =
@@ -236,7 +236,7 @@ bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, Rings& 
         if (!seen)
             theta1 = 0.0;
         const int chords1 = arcChords(2.0 * alpha, perTurn);
-        const int chords2 = arcChords(hd::kTwoPi - 2.0 * alpha, perTurn);
+        const int chords2 = arcChords(core::kFullTurn - 2.0 * alpha, perTurn);
         if (!rings.allocate(chords1 + chords2))
             return false;
         for (int k = 0; k < rings.count; ++k) {
@@ -337,7 +337,7 @@ _s_hd_prof_* ep_divide_scn(double rb, double rt, double h, double xoff, double y
     const double rmax = std::fmax(cone.ra, cone.rb);
     const double halfAngle = std::acos(std::fmax(-1.0, 1.0 - sag / rmax));
     const double cap = hd::kMaxSnoutChords;
-    double count = halfAngle > 0.0 ? std::ceil(hd::kPi / halfAngle) : cap;
+    double count = halfAngle > 0.0 ? std::ceil(core::kPi / halfAngle) : cap;
     count = std::fmin(std::fmax(count, hd::kMinCurveChords), cap);
     Rings rings;
     if (!makeTrueConeRings(cone, static_cast<int>(count), false, rings))

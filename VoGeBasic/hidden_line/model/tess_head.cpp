@@ -15,7 +15,6 @@
 #include <cmath>
 
 #include "hd_tessellators.h"
-#include "hidden_line/engine/hd_engine_tolerances.h"
 #include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/hd_tolerances.h"
 
@@ -72,23 +71,23 @@ _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c, _s_hd_p
     const double size = 2.0 * r;
 
     // Meridians: the contour's lambda solves (cos l) w.b0 + (sin l) w.a = 0.
-    const double step = hd::kTwoPi / m;
+    const double step = core::kFullTurn / m;
     double lambda[kMaxMeridians];
     int meridians = 0;
     int contour = -1;
     lambda[meridians++] = 0.0;
     if (endOn) {
-        cutLune(0.0, hd::kPi, step, lambda, meridians);
+        cutLune(0.0, core::kPi, step, lambda, meridians);
     } else {
         const double za = a.z;
         const _s_hd_point_ zPerp = linComb(-za, a, 1.0, {0.0, 0.0, 1.0});
         const _s_hd_point_ w = linComb(1.0 / r, zPerp, za / h, a);
         double lc = std::atan2(-vecDot(w, b0), vecDot(w, a));
         if (lc < 0.0)
-            lc += hd::kPi;
+            lc += core::kPi;
         cutLune(0.0, lc, step, lambda, meridians);
         contour = meridians - 1;
-        cutLune(lc, hd::kPi, step, lambda, meridians);
+        cutLune(lc, core::kPi, step, lambda, meridians);
     }
 
     HDProfDraft draft;

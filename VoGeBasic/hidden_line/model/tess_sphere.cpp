@@ -95,16 +95,16 @@ void plateBreaks(const PlateFrame& f, double a0, double a1, bool fullTurn, bool 
     if (fullTurn) {
         br.angle[0] = first;
         if (!facing)
-            br.angle[++br.arcs] = first + hd::kPi;
-        br.angle[++br.arcs] = first + hd::kTwoPi;
+            br.angle[++br.arcs] = first + core::kPi;
+        br.angle[++br.arcs] = first + core::kFullTurn;
     } else {
         br.angle[0] = a0;
         double inside[2];
         int count = 0;
         for (int i = 0; i < 2 && !facing; ++i) {
-            double from = std::fmod(first + i * hd::kPi - a0, hd::kTwoPi);
+            double from = std::fmod(first + i * core::kPi - a0, core::kFullTurn);
             if (from < 0.0)
-                from += hd::kTwoPi;
+                from += core::kFullTurn;
             if (from > hd::kSilhouetteMergeAngle && a0 + from < a1 - hd::kSilhouetteMergeAngle)
                 inside[count++] = a0 + from;
         }
@@ -143,7 +143,7 @@ _s_hd_prof_* ep_divide_sph(_s_hd_point_ c, double r) {
             lower[i] = equator.pts[i];
         const _s_hd_point_ pole = linComb(1.0, c, side * r, kViewAxis);
         for (int j = 1; j <= bands; ++j) {
-            const double latitude = 0.5 * hd::kPi * j / bands;
+            const double latitude = 0.5 * core::kPi * j / bands;
             for (int i = 0; i < m; ++i) {
                 const _s_hd_point_ radial = vecSub(equator.pts[i], c);
                 upper[i] = j == bands ? pole
@@ -192,9 +192,10 @@ _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_point_ c, doubl
     f.x = vecNormalize(linComb(1.0, ref, -vecDot(ref, f.k), f.k));
     f.y = vecCross(f.k, f.x);
     // A sweep whose ends meet on the outer rim is a full turn too.
-    const bool fullTurn = sweep >= hd::kTwoPi || isSamePointFine(f.at(c, ro, a0), f.at(c, ro, a1));
+    const bool fullTurn =
+        sweep >= core::kFullTurn || isSamePointFine(f.at(c, ro, a0), f.at(c, ro, a1));
     if (fullTurn)
-        a1 = a0 + hd::kTwoPi;
+        a1 = a0 + core::kFullTurn;
     PlateBreaks br;
     plateBreaks(f, a0, a1, fullTurn, facing, getArcDivideNum(c, ro, a0, a1), br);
     const int count = br.vertices;

@@ -33,14 +33,14 @@ int coneSilhouettes(_s_hd_point_ corner, _s_hd_point_ c, double r, _s_hd_point_ 
     if (!(h > std::fabs(rhs)))
         return 0;
     const double half = std::acos(rhs / h);
-    if (half < hd::kSilhouetteMergeAngle || half > hd::kPi - hd::kSilhouetteMergeAngle)
+    if (half < hd::kSilhouetteMergeAngle || half > core::kPi - hd::kSilhouetteMergeAngle)
         return 0;
     for (const double root : {std::atan2(b, a) - half, std::atan2(b, a) + half}) {
         double t = root;
         while (t < from)
-            t += hd::kTwoPi;
-        while (t >= from + hd::kTwoPi)
-            t -= hd::kTwoPi;
+            t += core::kFullTurn;
+        while (t >= from + core::kFullTurn)
+            t -= core::kFullTurn;
         if (t > from + hd::kSilhouetteMergeAngle && t < to - hd::kSilhouetteMergeAngle)
             out[found++] = t;
     }
@@ -90,8 +90,8 @@ _s_hd_prof_* ep_divide_squcir(_s_hd_point_ o, double w, double h, _s_hd_point_ x
     int start[5] = {0, 0, 0, 0, 0};
     int m = 0;
     for (int q = 0; q < 4; ++q) {
-        const double from = (q - 1) * 0.5 * hd::kPi;
-        const double to = from + 0.5 * hd::kPi;
+        const double from = (q - 1) * 0.5 * core::kPi;
+        const double to = from + 0.5 * core::kPi;
         double cuts[4] = {from, 0.0, 0.0, 0.0};
         const int sil = coneSilhouettes(corner[(q + 1) % 4], c, r, x, y, n, from, to, cuts + 1);
         cuts[sil + 1] = to;
@@ -99,7 +99,7 @@ _s_hd_prof_* ep_divide_squcir(_s_hd_point_ o, double w, double h, _s_hd_point_ x
         for (int a = 0; a <= sil; ++a) {
             const double sweep = cuts[a + 1] - cuts[a];
             const int chords =
-                std::max(1, static_cast<int>(std::ceil(perQuarter * sweep / (0.5 * hd::kPi) -
+                std::max(1, static_cast<int>(std::ceil(perQuarter * sweep / (0.5 * core::kPi) -
                                                        hd::kSilhouetteMergeAngle)));
             for (int k = 0; k < chords; ++k) {
                 const double t = cuts[a] + sweep * k / chords;

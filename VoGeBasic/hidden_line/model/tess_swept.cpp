@@ -273,7 +273,7 @@ _s_hd_prof_* ep_divide_arc(point* profile, _s_hd_point_ c, _s_hd_point_ s, _s_hd
         if (!readOutline(profile, true, pts) || pts.size() > kMaxBendSectionPoints ||
             !isFinitePoint(c) || !isFinitePoint(s) || !isFinitePoint(axis) ||
             !isFinitePoint(ydir) || !std::isfinite(angle) || !(angle > 0.0) ||
-            angle > hd::kTwoPi + hd::kSweepTol)
+            angle > core::kFullTurn + hd::kSweepTol)
             return nullptr;
         const _s_hd_point_ k = vecNormalize(axis);
         const _s_hd_point_ r0 = vecSub(s, c);
@@ -305,8 +305,8 @@ _s_hd_prof_* ep_divide_arc(point* profile, _s_hd_point_ c, _s_hd_point_ s, _s_hd
             zlo = std::min(zlo, zeta[v]);
             zhi = std::max(zhi, zeta[v]);
         }
-        const bool closed = angle >= hd::kTwoPi - hd::kSweepTol;
-        const double sweep = closed ? hd::kTwoPi : angle;
+        const bool closed = angle >= core::kFullTurn - hd::kSweepTol;
+        const double sweep = closed ? core::kFullTurn : angle;
         const int chords = getArcDivideNum(c, rmax, 0.0, sweep);
         std::vector<double> phis;
         for (int i = 0; i <= chords; ++i)
@@ -323,12 +323,12 @@ _s_hd_prof_* ep_divide_arc(point* profile, _s_hd_point_ c, _s_hd_point_ s, _s_hd
             if (!(h > std::fabs(cc)))
                 continue;
             const double half = std::acos(cc / h);
-            if (half < hd::kSilhouetteMergeAngle || half > hd::kPi - hd::kSilhouetteMergeAngle)
+            if (half < hd::kSilhouetteMergeAngle || half > core::kPi - hd::kSilhouetteMergeAngle)
                 continue;
             for (const double root : {std::atan2(cb, ca) - half, std::atan2(cb, ca) + half}) {
-                double phi = std::fmod(root, hd::kTwoPi);
+                double phi = std::fmod(root, core::kFullTurn);
                 if (phi < 0.0)
-                    phi += hd::kTwoPi;
+                    phi += core::kFullTurn;
                 if (phi < sweep)
                     phis.push_back(phi);
             }
@@ -339,7 +339,7 @@ _s_hd_prof_* ep_divide_arc(point* profile, _s_hd_point_ c, _s_hd_point_ s, _s_hd
             if (stations.empty() || phi - stations.back() > kStationMergeAngle)
                 stations.push_back(phi);
         if (closed) {
-            while (stations.size() > 1 && hd::kTwoPi - stations.back() <= kStationMergeAngle)
+            while (stations.size() > 1 && core::kFullTurn - stations.back() <= kStationMergeAngle)
                 stations.pop_back();
         } else if (stations.back() != sweep) {
             stations.back() = sweep;

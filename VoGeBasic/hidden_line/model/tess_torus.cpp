@@ -49,7 +49,7 @@ struct Station {
 };
 
 double wrapAngle(double x) {
-    return std::remainder(x, hd::kTwoPi);
+    return std::remainder(x, core::kFullTurn);
 }
 
 // The ring at phi, its split on the same silhouette as prev's (when there is one).
@@ -64,9 +64,9 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
     st.endOn = std::fabs(std::fabs(st.tangent.z) - 1.0) <= hd::kFacingTol;
     st.split = st.endOn ? b.a : unitCross(kViewAxis, st.tangent);
     st.turn = std::atan2(vecDot(st.split, b.a), vecDot(st.split, st.radial));
-    if (prev != nullptr && std::fabs(wrapAngle(st.turn - prev->turn)) > 0.5 * hd::kPi) {
+    if (prev != nullptr && std::fabs(wrapAngle(st.turn - prev->turn)) > 0.5 * core::kPi) {
         st.split = vecNegate(st.split);
-        st.turn = wrapAngle(st.turn + hd::kPi);
+        st.turn = wrapAngle(st.turn + core::kPi);
     }
     return st;
 }
@@ -122,7 +122,7 @@ public:
         if (!makeRing(first_, firstRing_))
             return;
         const int m = firstRing_.count;
-        maxTwist_ = hd::kMaxRingTwist * hd::kTwoPi / m;
+        maxTwist_ = hd::kMaxRingTwist * core::kFullTurn / m;
         draft_.seedBox(firstRing_.pts[0]);
         extendBox(firstRing_);
         if (!fullTurn_) {
@@ -267,8 +267,8 @@ int endOnAngles(const Bend& b, double sweep, int n, double* out) {
     const double phi0 = std::atan2(-vecDot(p, b.u0), vecDot(p, b.v0));
     int count = 0;
     for (int side = 0; side < 2; ++side) {
-        double phi = phi0 + side * hd::kPi;
-        phi = phi - hd::kTwoPi * std::floor(phi / hd::kTwoPi);
+        double phi = phi0 + side * core::kPi;
+        phi = phi - core::kFullTurn * std::floor(phi / core::kFullTurn);
         if (!(phi > hd::kMinRingStep && phi < sweep - hd::kMinRingStep))
             continue;
         const double tz = -std::sin(phi) * b.u0.z + std::cos(phi) * b.v0.z;
@@ -293,7 +293,7 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
     if (!std::isfinite(r) || !std::isfinite(angle) || !isFinitePoint(c) || !isFinitePoint(s) ||
         !isFinitePoint(axis))
         return nullptr;
-    if (!(r >= hd::kMinDiscRadius) || !(angle > 0.0) || angle > hd::kTwoPi + hd::kSweepTol ||
+    if (!(r >= hd::kMinDiscRadius) || !(angle > 0.0) || angle > core::kFullTurn + hd::kSweepTol ||
         n < 0 || n > hd::kMaxArcChords)
         return nullptr;
     Bend b;
@@ -312,8 +312,8 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
     b.u0 = vecScale(1.0 / b.bendRadius, inPlane);
     b.v0 = vecCross(b.a, b.u0);
     b.tubeRadius = r;
-    const bool fullTurn = angle >= hd::kTwoPi - hd::kSweepTol;
-    const double sweep = fullTurn ? hd::kTwoPi : angle;
+    const bool fullTurn = angle >= core::kFullTurn - hd::kSweepTol;
+    const double sweep = fullTurn ? core::kFullTurn : angle;
     // The bend takes the chords of an arc of the outer equator's radius.
     if (n == 0)
         n = getArcDivideNum(c, b.bendRadius + r, 0.0, sweep);

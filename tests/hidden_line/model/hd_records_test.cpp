@@ -11,7 +11,8 @@ using namespace geolib;
 
 TEST(HDRecords, ReleaseGivesBackEveryFaceVertexAndLineAndNullsTheCaller) {
     _s_hd_prof_* obj = mallocHDProfObject();
-    ASSERT_TRUE(obj->prosect == nullptr && obj->proline == nullptr);
+    ASSERT_EQ(obj->prosect, nullptr);
+    ASSERT_EQ(obj->proline, nullptr);
     const _s_hd_point_ o{0, 0, 0};
     obj->prosect = appendProsect(mallocTriSect(o, o, o), nullptr);
     appendProsect(mallocQuadSect(o, o, o, o), obj->prosect);

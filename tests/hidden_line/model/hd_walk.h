@@ -58,9 +58,9 @@ inline void expectOrders(const geolib::_s_hd_prof_* obj, const std::vector<P>& c
     const auto got = linesOf(obj->proline);
     ASSERT_EQ(got.size(), lines.size());
     for (size_t i = 0; i < lines.size(); ++i) {
-        EXPECT_TRUE(same(got[i]->start, corners[lines[i][0]]) &&
-                    same(got[i]->end, corners[lines[i][1]]) && got[i]->owner == -1)
-            << "line " << i;
+        EXPECT_TRUE(same(got[i]->start, corners[lines[i][0]])) << "start of line " << i;
+        EXPECT_TRUE(same(got[i]->end, corners[lines[i][1]])) << "end of line " << i;
+        EXPECT_EQ(got[i]->owner, -1) << "line " << i;
     }
     const auto gotFaces = facesOf(obj);
     ASSERT_EQ(gotFaces.size(), faces.size());

@@ -107,19 +107,24 @@ TEST(EpDividePri, SidesFollowTheRingsAndUprightsJoinThem) {
         const auto lines = linesOf(pri->proline);
         const auto faces = facesOf(pri);
         const size_t s = c.sides;
-        ASSERT_TRUE(faces.size() == s && lines.size() == 3 * s);
-        EXPECT_TRUE(same(lines[0]->start, {2, 0, 0}) && lines[0]->end.y < 0);  // clockwise
+        ASSERT_EQ(faces.size(), s);
+        ASSERT_EQ(lines.size(), 3 * s);
+        EXPECT_TRUE(same(lines[0]->start, {2, 0, 0}));  // clockwise
+        EXPECT_TRUE(lines[0]->end.y < 0);               // clockwise
         // Base chord, top chord and upright i share their start; the side face joins them.
         for (size_t i = 0; i < s; ++i) {
             const auto *k1 = lines[i], *k2 = lines[s + i], *up = lines[2 * s + i];
-            EXPECT_TRUE(same(k2->start, {k1->start.x, k1->start.y, 5}, kOnCircleTol) &&
-                        k1->start.z == 0);
-            EXPECT_TRUE(same(up->start, k1->start) && same(up->end, k2->start));
+            EXPECT_TRUE(same(k2->start, {k1->start.x, k1->start.y, 5}, kOnCircleTol));
+            EXPECT_EQ(k1->start.z, 0);
+            EXPECT_TRUE(same(up->start, k1->start));
+            EXPECT_TRUE(same(up->end, k2->start));
             EXPECT_TRUE(vgtest::samePoints(
                 faces[i].pts, std::vector<P>{k1->start, k1->end, k2->end, k2->start}, 0.0))
                 << i;
         }
-        EXPECT_TRUE(pri->box[0] == 2 && pri->box[4] == 5 && pri->box[5] == 0);
+        EXPECT_EQ(pri->box[0], 2);
+        EXPECT_EQ(pri->box[4], 5);
+        EXPECT_EQ(pri->box[5], 0);
         freeHDProfObjectPointer(pri);
     }
     for (int n : {-1, 100001, INT_MAX})

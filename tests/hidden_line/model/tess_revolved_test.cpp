@@ -60,9 +60,10 @@ TEST(EpDivideCir, SplitsTheRimWhereItIsExtremeAndStripsTheDisc) {
         ASSERT_EQ(lines.size(), c.chords);
         const size_t half = c.chords / 2;
         const P e = mirrorPoint(c.s, c.centre);
-        EXPECT_TRUE(same(lines[0]->start, c.s, kOnCircleTol * c.r) &&
-                    same(lines[half]->start, c.s, kOnCircleTol * c.r));
-        EXPECT_TRUE(same(lines[half - 1]->end, e) && same(lines.back()->end, e));
+        EXPECT_TRUE(same(lines[0]->start, c.s, kOnCircleTol * c.r));
+        EXPECT_TRUE(same(lines[half]->start, c.s, kOnCircleTol * c.r));
+        EXPECT_TRUE(same(lines[half - 1]->end, e));
+        EXPECT_TRUE(same(lines.back()->end, e));
         for (size_t k = 0; k < lines.size(); ++k) {
             const P d = vecSub(lines[k]->start, c.centre);
             EXPECT_NEAR(std::sqrt(vecDot(d, d)), c.r, kOnCircleTol * c.r);

@@ -11,13 +11,14 @@
 #include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/hd_walk.h"
 #include "support/alloc_hook.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using namespace geolib;
 using namespace hdtest;
 
-constexpr double kTwoPi = 6.283185307179586;
+using vgtest::kTwoPi;
 
 // Spheres from the smallest radius up, anywhere: vertices on the sphere, the equator (the
 // circle at z = c.z) the one line, drawn as its outline.

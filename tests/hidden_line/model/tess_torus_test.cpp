@@ -11,13 +11,14 @@
 #include "hidden_line/model/hd_walk.h"
 #include "hidden_line/model/solid_checks.h"
 #include "support/alloc_hook.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using namespace geolib;
 using namespace hdtest;
 
-constexpr double kTwoPi = 6.283185307179586;
+using vgtest::kTwoPi;
 
 // The analytic elbow.
 struct Elbow {

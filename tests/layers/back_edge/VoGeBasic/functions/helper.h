@@ -1,0 +1,1 @@
+// Stands for any header of the functions.
