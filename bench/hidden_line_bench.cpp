@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "VoGeBasic.h"
-#include "hidden_line/engine/hd_engine_internal.h"
+#include "hidden_line/engine/hd_pass.h"
 #include "scene/plant_scene.h"
 
 namespace {

@@ -8,7 +8,8 @@
 
 #include "hd_engine.h"
 #include "hd_tessellators.h"
-#include "hidden_line/engine/hd_engine_internal.h"
+#include "hidden_line/engine/hd_face_intersect.h"
+#include "hidden_line/engine/hd_pass.h"
 #include "tests/fuzz/fuzz_support.h"
 
 namespace {

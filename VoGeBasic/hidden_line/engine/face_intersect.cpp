@@ -6,8 +6,9 @@
 
 #include "hd_engine.h"
 #include "hidden_line/engine/box_index.h"
-#include "hidden_line/engine/hd_engine_internal.h"
 #include "hidden_line/engine/hd_engine_tolerances.h"
+#include "hidden_line/engine/hd_face_intersect.h"
+#include "hidden_line/model/hd_builders.h"
 
 namespace geolib {
 

@@ -9,8 +9,8 @@
 
 #include "hd_engine.h"
 #include "hidden_line/engine/box_index.h"
-#include "hidden_line/engine/hd_engine_internal.h"
 #include "hidden_line/engine/hd_engine_tolerances.h"
+#include "hidden_line/engine/hd_pass.h"
 
 namespace geolib {
 

@@ -1,6 +1,7 @@
 # Hidden-line model: records, construction helpers and the tessellators.
 target_sources(vogebasic_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/hd_records.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/hd_points.cpp
   ${CMAKE_CURRENT_LIST_DIR}/hd_builders.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_box.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_revolved.cpp

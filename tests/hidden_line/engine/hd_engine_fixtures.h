@@ -12,7 +12,8 @@
 
 #include "hd_records.h"
 #include "hd_tessellators.h"
-#include "hidden_line/engine/hd_engine_internal.h"
+#include "hidden_line/engine/hd_face_intersect.h"
+#include "hidden_line/engine/hd_pass.h"
 #include "hidden_line/model/hd_builders.h"
 #include "support/geom_expect.h"
 

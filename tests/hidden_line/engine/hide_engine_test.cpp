@@ -10,7 +10,8 @@
 #include "hd_engine.h"
 #include "hidden_line/engine/box_index.h"
 #include "hidden_line/engine/hd_engine_fixtures.h"
-#include "hidden_line/engine/hd_engine_internal.h"
+#include "hidden_line/engine/hd_face_intersect.h"
+#include "hidden_line/engine/hd_pass.h"
 #include "scene/plant_scene.h"
 #include "support/alloc_hook.h"
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "hidden_line/engine/hd_engine_fixtures.h"
-#include "hidden_line/engine/hd_engine_internal.h"
+#include "hidden_line/engine/hd_pass.h"
 
 namespace {
 

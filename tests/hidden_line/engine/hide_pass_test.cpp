@@ -7,7 +7,7 @@
 
 #include "hd_engine.h"
 #include "hidden_line/engine/hd_engine_fixtures.h"
-#include "hidden_line/engine/hd_engine_internal.h"
+#include "hidden_line/engine/hd_pass.h"
 #include "support/alloc_hook.h"
 
 namespace {

@@ -1,123 +1,20 @@
-// Internals of the hidden-line engine: the numeric tests, the face record the engine reads
-// faces into, the per-face and per-object steps of the hide pass, and face intersection.
-// Not exported; the unit tests call them directly.
+// The hide pass: the part of a line hidden behind one face, the visible complement of a line's
+// hidden pieces, the pass as a plain step-by-step reference, and the steps the reference and the
+// library's engine share. Not exported; the unit tests call them.
 //
-// The view is a parallel projection along Z: X and Y are the drawing plane and the smaller Z is
-// nearer to the viewer. A line (p, q) handed to the per-face steps has its near end first.
-#ifndef VOGEBASIC_HD_ENGINE_INTERNAL_H
-#define VOGEBASIC_HD_ENGINE_INTERNAL_H
+// A line (p, q) handed to the per-face steps has its near end (smaller Z) first. The engine
+// (hide_engine.cpp) runs the same steps as the reference (hide_pass.cpp) and skips only what
+// provably changes nothing; each shortcut's proof stands beside it.
+#ifndef VOGEBASIC_HD_PASS_H
+#define VOGEBASIC_HD_PASS_H
 
-#include <cmath>
+#include <cstddef>
 #include <cstdlib>
 
-#include "hd_records.h"
-#include "hidden_line/engine/hd_engine_tolerances.h"
+#include "hidden_line/engine/hd_faces.h"
 #include "hidden_line/model/hd_builders.h"
 
 namespace geolib {
-
-// ---- numeric tests ------------------------------------------------------------------------------
-
-/// std::fmax and std::fmin, inline: a NaN argument gives the other one. Of two equal values
-/// either may come back; the callers only compare the result, so a zero's sign never matters.
-inline double maxOf(double a, double b) {
-    return a > b || b != b ? a : b;
-}
-inline double minOf(double a, double b) {
-    return a < b || b != b ? a : b;
-}
-
-/// The box of the segment a-b widened by a hundredth of the segment's largest extent and a
-/// thousandth of a unit. At a point outside it the angle the segment subtends is at least a
-/// fiftieth of a radian short of a half turn, and the point is far from both ends, so
-/// isPointOnSeg rejects it at once. NaN and infinite coordinates are never outside.
-struct SegmentReach {
-    double xlo, xhi, ylo, yhi, zlo, zhi;
-    bool excludes(_s_hd_point_ p) const {
-        return p.x < xlo || p.x > xhi || p.y < ylo || p.y > yhi || p.z < zlo || p.z > zhi;
-    }
-};
-inline SegmentReach segmentReach(_s_hd_point_ a, _s_hd_point_ b) {
-    const double margin =
-        hd::kOnSegRejectRel *
-            maxOf(std::fabs(b.x - a.x), maxOf(std::fabs(b.y - a.y), std::fabs(b.z - a.z))) +
-        hd::kOnSegRejectAbs;
-    return {minOf(a.x, b.x) - margin, maxOf(a.x, b.x) + margin, minOf(a.y, b.y) - margin,
-            maxOf(a.y, b.y) + margin, minOf(a.z, b.z) - margin, maxOf(a.z, b.z) + margin};
-}
-
-/// 1 when p lies on the segment a-b: p is an end (isSamePointFine or within squared distance
-/// 1e-9), or the segment subtends an angle of about pi at p (see hd_engine_tolerances.h).
-int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
-/// 1 when p, a point of the face's plane, lies inside the planar polygon v[0..count-1] or on its
-/// boundary: on an edge, near a vertex, or where the signed angles its edges subtend at p add
-/// up to a full turn. Each angle is signed by the side of p its edge runs past, seen along the
-/// polygon's area normal, so the angles of an outside point cancel. 0 for fewer than three
-/// vertices and for a polygon of no area (p on its outline still counts as inside).
-int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v);
-/// arccos c for c in [-1, 1] by a polynomial, within 3e-8 of the true angle (rounding included):
-/// for deciding the face tests away from their tolerances' edges.
-double acosBound(double c);
-/// 1 when the direction from a to b is not parallel to the plane of unit normal n.
-int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n);
-/// True when the unit direction dir is not parallel to the plane of unit normal n.
-inline bool crossesPlane(_s_hd_point_ dir, _s_hd_point_ n) {
-    return std::fabs(vecDot(dir, n)) > hd::kPlaneParallelTol;
-}
-/// The point where the infinite line through a and b meets the plane through v0, v1 and v2.
-/// NaN coordinates when the line is parallel to that plane or the three points span none.
-_s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
-                               _s_hd_point_ b);
-/// The same with the plane given by its normal n and one of its points v0.
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b);
-/// The same, setting t to the point's parameter along a -> b (NaN when there is no point).
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
-                            double& t);
-
-/// Where the drawing-plane projections of the line a-b and of the edge c-d cross.
-struct ProjCrossing {
-    bool parallel;        ///< the projections are parallel (or one is a point): no crossing
-    _s_hd_point_ onLine;  ///< the point of the infinite line a-b over (or under) the crossing
-    _s_hd_point_ onEdge;  ///< the point of the infinite edge line c-d there; its z is the depth
-};
-ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d);
-
-/// A segment's run a -> b in the drawing plane and its length.
-struct FlatRun {
-    double dx, dy, len;
-};
-inline FlatRun flatRunOf(_s_hd_point_ a, _s_hd_point_ b) {
-    const double dx = b.x - a.x;
-    const double dy = b.y - a.y;
-    return {dx, dy, std::sqrt(dx * dx + dy * dy)};
-}
-/// crossProjections with the runs of a -> b and c -> d already worked out.
-ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
-                              const FlatRun& line, const FlatRun& edge);
-
-// ---- faces --------------------------------------------------------------------------------------
-
-/// The vertex after vertex k (0 <= k < count) of a closed polygon: (k + 1) mod count, without
-/// a division.
-inline int nextVertex(int k, int count) {
-    return k + 1 < count ? k + 1 : 0;
-}
-
-/// A face as the engine reads it: its vertices in order (at most four), their extents and the
-/// unit normal of the first three.
-struct HDFace {
-    _s_hd_point_ v[4];
-    int count;
-    double xmax, xmin, ymax, ymin, zmax, zmin;
-    _s_hd_point_ normal;  ///< triNormal(v[0], v[1], v[2])
-};
-
-/// True when p lies within the face's X and Y extents widened by tol on each side.
-bool withinXYExtents(_s_hd_point_ p, const HDFace& face, double tol);
-
-/// Reads a vertex chain into face. A chain of more than four vertices is read as its first
-/// four. Returns false (a face that hides and meets nothing) for fewer than three vertices.
-bool readFace(const _s_hd_sect_* chain, HDFace& face);
 
 /// The line p -> q with its ends swapped when q is not deeper than p (q.z - p.z <= 0), so
 /// that the near end comes first.
@@ -161,24 +58,6 @@ private:
     unsigned generation_ = 1;
     bool failed_ = false;
 };
-
-/// What the face tests ask of one face alone, worked out once (edge k runs from v[k] to
-/// v[(k + 1) mod count]).
-struct FacePrep {
-    SegmentReach reach[4];  ///< segmentReach of each edge
-    double len2[4];         ///< each edge's squared length (pointDist2)
-    FlatRun run[4];         ///< each edge's run in the drawing plane
-    _s_hd_point_ dir[4];    ///< each edge's unit direction, unitDir(v[k + 1], v[k])
-    _s_hd_point_ area;      ///< the unit area normal that isPointInFace signs its angles by
-};
-void prepareFaceTests(const HDFace& face, FacePrep& prep);
-/// The edges' part of prepareFaceTests alone (reach, len2, run), the same to the bit; dir and
-/// area are left unset. flatLengths, when given, holds each edge's run length (flatRunOf).
-void prepareEdgeTests(const HDFace& face, FacePrep& prep, const double* flatLengths = nullptr);
-/// The face's unit area normal, as prepareFaceTests sets prep.area.
-_s_hd_point_ faceAreaNormal(const HDFace& face);
-/// isPointInFace(p, face.count, face.v) with the face's data prepared.
-int isPointInFace(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
 
 /// What hideLineByFace may use beyond the face itself: a memo of behind tests and the face's
 /// index in it, and the face's prepared data. Either may be absent.
@@ -354,19 +233,6 @@ _s_hd_proline_* runHidePass(_s_hd_prof_** objs, int n, FindCandidates&& findCand
     return out.head;
 }
 
-// ---- face intersection --------------------------------------------------------------------------
-
-/// The segment along which the faces f and g meet: the first two distinct points where an edge
-/// of one pierces the other (edges of f first). Returns true and sets a -> b when there are two;
-/// false for parallel faces, a face without a plane, fewer than two points, or a segment that
-/// runs along an edge of both faces (faces sharing an edge meet there; that is no line).
-bool getFaceInterLine(const HDFace& f, const HDFace& g, _s_hd_point_& a, _s_hd_point_& b);
-/// The same with both faces' data prepared (prepareFaceTests).
-bool getFaceInterLine(const HDFace& f, const FacePrep& fp, const HDFace& g, const FacePrep& gp,
-                      _s_hd_point_& a, _s_hd_point_& b);
-/// isPointOnSeg(p, a, b) with the segment's reach worked out already.
-bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach);
-
 }  // namespace geolib
 
-#endif  // VOGEBASIC_HD_ENGINE_INTERNAL_H
+#endif  // VOGEBASIC_HD_PASS_H

@@ -1,0 +1,46 @@
+// Faces as the engine reads them: the face record a vertex chain is read into, and what the face
+// tests ask of a face alone, worked out once. Not exported; the unit tests call them.
+#ifndef VOGEBASIC_HD_FACES_H
+#define VOGEBASIC_HD_FACES_H
+
+#include "hidden_line/engine/hd_predicates.h"
+
+namespace geolib {
+
+/// A face as the engine reads it: its vertices in order (at most four), their extents and the
+/// unit normal of the first three.
+struct HDFace {
+    _s_hd_point_ v[4];
+    int count;
+    double xmax, xmin, ymax, ymin, zmax, zmin;
+    _s_hd_point_ normal;  ///< triNormal(v[0], v[1], v[2])
+};
+
+/// True when p lies within the face's X and Y extents widened by tol on each side.
+bool withinXYExtents(_s_hd_point_ p, const HDFace& face, double tol);
+
+/// Reads a vertex chain into face. A chain of more than four vertices is read as its first
+/// four. Returns false (a face that hides and meets nothing) for fewer than three vertices.
+bool readFace(const _s_hd_sect_* chain, HDFace& face);
+
+/// What the face tests ask of one face alone, worked out once (edge k runs from v[k] to
+/// v[(k + 1) mod count]).
+struct FacePrep {
+    SegmentReach reach[4];  ///< segmentReach of each edge
+    double len2[4];         ///< each edge's squared length (pointDist2)
+    FlatRun run[4];         ///< each edge's run in the drawing plane
+    _s_hd_point_ dir[4];    ///< each edge's unit direction, unitDir(v[k + 1], v[k])
+    _s_hd_point_ area;      ///< the unit area normal that isPointInFace signs its angles by
+};
+void prepareFaceTests(const HDFace& face, FacePrep& prep);
+/// The edges' part of prepareFaceTests alone (reach, len2, run), the same to the bit; dir and
+/// area are left unset. flatLengths, when given, holds each edge's run length (flatRunOf).
+void prepareEdgeTests(const HDFace& face, FacePrep& prep, const double* flatLengths = nullptr);
+/// The face's unit area normal, as prepareFaceTests sets prep.area.
+_s_hd_point_ faceAreaNormal(const HDFace& face);
+/// isPointInFace(p, face.count, face.v) with the face's data prepared.
+int isPointInFace(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
+
+}  // namespace geolib
+
+#endif  // VOGEBASIC_HD_FACES_H

@@ -1,0 +1,160 @@
+// Numeric tests of the hidden-line engine: a point on a segment, a point in a polygon, where a
+// line meets a plane, where two projections cross. Not exported; the unit tests call them.
+//
+// The view is a parallel projection along Z: X and Y are the drawing plane and the smaller Z is
+// nearer to the viewer.
+#ifndef VOGEBASIC_HD_PREDICATES_H
+#define VOGEBASIC_HD_PREDICATES_H
+
+#include <cmath>
+
+#include "core/angles.h"
+#include "hd_records.h"
+#include "hidden_line/engine/hd_engine_tolerances.h"
+#include "hidden_line/model/hd_points.h"
+
+namespace geolib {
+
+/// std::fmax and std::fmin, inline: a NaN argument gives the other one. Of two equal values
+/// either may come back; the callers only compare the result, so a zero's sign never matters.
+inline double maxOf(double a, double b) {
+    return a > b || b != b ? a : b;
+}
+inline double minOf(double a, double b) {
+    return a < b || b != b ? a : b;
+}
+
+/// The box of the segment a-b widened by a hundredth of the segment's largest extent and a
+/// thousandth of a unit. At a point outside it the angle the segment subtends is at least a
+/// fiftieth of a radian short of a half turn, and the point is far from both ends, so
+/// isPointOnSeg rejects it at once. NaN and infinite coordinates are never outside.
+struct SegmentReach {
+    double xlo, xhi, ylo, yhi, zlo, zhi;
+    bool excludes(_s_hd_point_ p) const {
+        return p.x < xlo || p.x > xhi || p.y < ylo || p.y > yhi || p.z < zlo || p.z > zhi;
+    }
+};
+inline SegmentReach segmentReach(_s_hd_point_ a, _s_hd_point_ b) {
+    const double margin =
+        hd::kOnSegRejectRel *
+            maxOf(std::fabs(b.x - a.x), maxOf(std::fabs(b.y - a.y), std::fabs(b.z - a.z))) +
+        hd::kOnSegRejectAbs;
+    return {minOf(a.x, b.x) - margin, maxOf(a.x, b.x) + margin, minOf(a.y, b.y) - margin,
+            maxOf(a.y, b.y) + margin, minOf(a.z, b.z) - margin, maxOf(a.z, b.z) + margin};
+}
+
+/// 1 when p lies on the segment a-b: p is an end (isSamePointFine or within squared distance
+/// 1e-9), or the segment subtends an angle of about pi at p (see hd_engine_tolerances.h).
+int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
+/// 1 when p, a point of the face's plane, lies inside the planar polygon v[0..count-1] or on its
+/// boundary: on an edge, near a vertex, or where the signed angles its edges subtend at p add
+/// up to a full turn. Each angle is signed by the side of p its edge runs past, seen along the
+/// polygon's area normal, so the angles of an outside point cancel. 0 for fewer than three
+/// vertices and for a polygon of no area (p on its outline still counts as inside).
+int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v);
+/// arccos c for c in [-1, 1] by a polynomial, within 3e-8 of the true angle (rounding included):
+/// for deciding the face tests away from their tolerances' edges.
+double acosBound(double c);
+/// 1 when the direction from a to b is not parallel to the plane of unit normal n.
+int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n);
+/// True when the unit direction dir is not parallel to the plane of unit normal n.
+inline bool crossesPlane(_s_hd_point_ dir, _s_hd_point_ n) {
+    return std::fabs(vecDot(dir, n)) > hd::kPlaneParallelTol;
+}
+/// The point where the infinite line through a and b meets the plane through v0, v1 and v2.
+/// NaN coordinates when the line is parallel to that plane or the three points span none.
+_s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
+                               _s_hd_point_ b);
+/// The same with the plane given by its normal n and one of its points v0.
+_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b);
+/// The same, setting t to the point's parameter along a -> b (NaN when there is no point).
+_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
+                            double& t);
+
+/// Where the drawing-plane projections of the line a-b and of the edge c-d cross.
+struct ProjCrossing {
+    bool parallel;        ///< the projections are parallel (or one is a point): no crossing
+    _s_hd_point_ onLine;  ///< the point of the infinite line a-b over (or under) the crossing
+    _s_hd_point_ onEdge;  ///< the point of the infinite edge line c-d there; its z is the depth
+};
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d);
+
+/// A segment's run a -> b in the drawing plane and its length.
+struct FlatRun {
+    double dx, dy, len;
+};
+inline FlatRun flatRunOf(_s_hd_point_ a, _s_hd_point_ b) {
+    const double dx = b.x - a.x;
+    const double dy = b.y - a.y;
+    return {dx, dy, std::sqrt(dx * dx + dy * dy)};
+}
+/// crossProjections with the runs of a -> b and c -> d already worked out.
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
+                              const FlatRun& line, const FlatRun& edge);
+
+/// isPointOnSeg(p, a, b) with the segment's reach worked out already.
+bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach);
+
+/// The vertex after vertex k (0 <= k < count) of a closed polygon: (k + 1) mod count, without
+/// a division.
+inline int nextVertex(int k, int count) {
+    return k + 1 < count ? k + 1 : 0;
+}
+
+/// The unit area normal of the polygon v[0..count-1] (Newell's sum about the first vertex); zero
+/// for a polygon of no area.
+_s_hd_point_ polygonAreaNormal(int count, const _s_hd_point_* v);
+
+namespace detail {
+
+/// isPointInFace for a polygon of at least three vertices, with its unit area normal, edge k's
+/// on-edge test onEdge(k) and squared length len2(k) supplied.
+template <class OnEdge, class EdgeLen2>
+int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point_ area,
+                   OnEdge&& onEdge, EdgeLen2&& len2) {
+    for (int k = 0; k < count; ++k) {
+        if (onEdge(k))
+            return 1;
+    }
+    for (int k = 0; k < count; ++k) {
+        if (pointDist2(p, v[k]) <= hd::kInFaceVertexDist2)
+            return 1;
+    }
+    // The area normal gives every edge's angle its sign: it works for any simple polygon,
+    // whichever way round its first three vertices turn.
+    if (area.x == 0.0 && area.y == 0.0 && area.z == 0.0)
+        return 0;
+    // The angle sum first with acosBound in place of acos: away from the tolerance's edges it
+    // gives the answer, and only near them are the angles measured with acos.
+    double cosines[4];
+    bool negative[4];
+    double rough = 0.0;
+    for (int k = 0; k < count; ++k) {
+        const _s_hd_point_ a = v[k];
+        const _s_hd_point_ b = v[nextVertex(k, count)];
+        const double da2 = pointDist2(p, a);
+        const double db2 = pointDist2(p, b);
+        const double ab2 = len2(k);
+        cosines[k] = core::clampUnit((da2 + db2 - ab2) / (2.0 * std::sqrt(da2) * std::sqrt(db2)));
+        negative[k] = vecDot(vecCross(vecSub(a, p), vecSub(b, p)), area) < 0.0;
+        const double angle = acosBound(cosines[k]);
+        rough += negative[k] ? -angle : angle;
+    }
+    const double roughOff = std::fabs(std::fabs(rough) - hd::kInFaceTurn);
+    if (roughOff < hd::kInFaceTurnTol - hd::kInFaceRoughBand)
+        return 1;
+    if (roughOff > hd::kInFaceTurnTol + hd::kInFaceRoughBand)
+        return 0;
+    double sum = 0.0;
+    for (int k = 0; k < count; ++k) {
+        const double angle = std::acos(cosines[k]);
+        sum += negative[k] ? -angle : angle;
+    }
+    return std::fabs(std::fabs(sum) - hd::kInFaceTurn) < hd::kInFaceTurnTol ? 1 : 0;
+}
+
+}  // namespace detail
+
+}  // namespace geolib
+
+#endif  // VOGEBASIC_HD_PREDICATES_H

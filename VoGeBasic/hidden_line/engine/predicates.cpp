@@ -1,0 +1,145 @@
+// Numeric tests of the hidden-line engine: a point on a segment, a point in a polygon, where a
+// line meets a plane, where two projections cross.
+#include <cmath>
+#include <limits>
+
+#include "core/angles.h"
+#include "hidden_line/engine/hd_engine_tolerances.h"
+#include "hidden_line/engine/hd_predicates.h"
+
+namespace geolib {
+
+namespace {
+
+using core::clampUnit;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// The angle test of isPointOnSeg on the cosine c of the angle the segment subtends.
+bool onSegAngleTest(double c) {
+    return std::fabs(2.0 * std::acos(c) - hd::kOnSegTurn) < hd::kOnSegAngleTol;
+}
+
+// The largest cosine in [-1, kOnSegSureOffCos] that passes onSegAngleTest, found by halving the
+// interval between a passing and a failing cosine down to neighbouring doubles. The test is
+// monotonic in c (acos decreases, and 2 acos(c) stays below kOnSegTurn), and acos is accurate to
+// an ulp or two, so every cosine farther than kOnSegEdgeBand below it passes and every one
+// farther above it fails: there the angle changes by over 1e-9, a million ulps.
+double onSegEdgeCosine() {
+    double pass = -1.0;
+    double fail = hd::kOnSegSureOffCos;
+    for (;;) {
+        const double mid = pass + 0.5 * (fail - pass);
+        if (mid == pass || mid == fail)
+            return pass;
+        (onSegAngleTest(mid) ? pass : fail) = mid;
+    }
+}
+
+// isPointOnSeg past its first step: p is known to lie within the segment's reach.
+int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
+    if (isSamePointFine(p, a) || isSamePointFine(p, b))
+        return 1;
+    if (pointDist2(p, a) <= hd::kOnSegEndDist2 || pointDist2(p, b) <= hd::kOnSegEndDist2)
+        return 1;
+    const double pa = pointDist(p, a);
+    const double pb = pointDist(p, b);
+    const double ab = pointDist(a, b);
+    const double c = clampUnit((pa * pa + pb * pb - ab * ab) / (2.0 * pa * pb));
+    if (c > hd::kOnSegSureOffCos)
+        return 0;  // the angle is far below a half turn: no need to measure it
+    // Away from the cosine where the angle test turns, its answer is known without the angle.
+    static const double edge = onSegEdgeCosine();
+    if (c < edge - hd::kOnSegEdgeBand)
+        return 1;
+    if (c > edge + hd::kOnSegEdgeBand)
+        return 0;
+    return onSegAngleTest(c) ? 1 : 0;
+}
+
+}  // namespace
+
+double acosBound(double c) {
+    // arccos x = sqrt(1 - x) (a0 + a1 x + ... + a7 x^7) on [0, 1], within 2e-8 (the classic
+    // eight-term fit); arccos(-x) = pi - arccos x.
+    constexpr double kA[8] = {1.5707963050, -0.2145988016, 0.0889789874, -0.0501743046,
+                              0.0308918810, -0.0170881256, 0.0066700901, -0.0012624911};
+    const double x = std::fabs(c);
+    double poly = kA[7];
+    for (int k = 6; k >= 0; --k)
+        poly = poly * x + kA[k];
+    const double r = std::sqrt(1.0 - x) * poly;
+    return c < 0.0 ? core::kPi - r : r;
+}
+
+// The unit area normal of the polygon (Newell's sum, about the first vertex); zero for a
+// polygon of no area.
+_s_hd_point_ polygonAreaNormal(int count, const _s_hd_point_* v) {
+    _s_hd_point_ area = {0.0, 0.0, 0.0};
+    for (int k = 1; k + 1 < count; ++k)
+        area = vecAdd(area, vecCross(vecSub(v[k], v[0]), vecSub(v[k + 1], v[0])));
+    return vecNormalize(area);
+}
+
+bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach) {
+    return !reach.excludes(p) && isPointOnSegInReach(p, a, b) != 0;
+}
+
+int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
+    return onSegWithin(p, a, b, segmentReach(a, b)) ? 1 : 0;
+}
+
+int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v) {
+    if (count < 3)
+        return 0;
+    return detail::pointInPolygon(
+        p, count, v, polygonAreaNormal(count, v),
+        [&](int k) { return isPointOnSeg(p, v[k], v[nextVertex(k, count)]) != 0; },
+        [&](int k) { return pointDist2(v[k], v[nextVertex(k, count)]); });
+}
+
+int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
+    return crossesPlane(unitDir(b, a), n) ? 1 : 0;
+}
+
+_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b) {
+    double t = 0.0;
+    return linePlaneInter(n, v0, a, b, t);
+}
+
+_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
+                            double& t) {
+    const _s_hd_point_ d = vecSub(b, a);
+    const double den = vecDot(n, d);
+    t = kNaN;
+    if (den == 0.0)
+        return {kNaN, kNaN, kNaN};
+    t = vecDot(n, vecSub(v0, a)) / den;
+    return linComb(1.0, a, t, d);
+}
+
+_s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
+                               _s_hd_point_ b) {
+    return linePlaneInter(triNormal(v0, v1, v2), v0, a, b);
+}
+
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d) {
+    return crossProjections(a, b, c, d, flatRunOf(a, b), flatRunOf(c, d));
+}
+
+ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
+                              const FlatRun& line, const FlatRun& edge) {
+    ProjCrossing x = {true, a, c};
+    const double den = det2(line.dx, line.dy, edge.dx, edge.dy);
+    if (!(line.len > 0.0) || !(edge.len > 0.0) ||
+        std::fabs(den) < hd::kProjParallelTol * line.len * edge.len)
+        return x;
+    const double wx = c.x - a.x;
+    const double wy = c.y - a.y;
+    x.parallel = false;
+    x.onLine = linComb(1.0, a, det2(wx, wy, edge.dx, edge.dy) / den, vecSub(b, a));
+    x.onEdge = linComb(1.0, c, det2(wx, wy, line.dx, line.dy) / den, vecSub(d, c));
+    return x;
+}
+
+}  // namespace geolib
