@@ -1,3 +1,15 @@
+// The library's engine against the step-by-step reference pass, and its shortcuts one by one.
+//
+// What the comparison covers: the engine's own steps, which are all it adds to the reference,
+// node for node and bit for bit: candidates found through the grid over the objects' boxes
+// instead of the full scan, faces read and prepared once, the culls of faces that provably hide
+// nothing (too far from the line, behind it, its outline apart, the line in front of its plane),
+// the memo of behind tests, the stop once the first hidden piece is the whole line, and the
+// merge in reused room. What it does not cover: the face test itself (hideLineByFace), the
+// numeric tests under it and the merge rule, which both passes share; those have their own
+// checks (hide_face_test.cpp: the face test against brute-force sampling; here: the on-segment
+// and inside tests against measuring every angle; hide_pass_test.cpp: the merge by hand and the
+// pieces of a plant on their lines).
 #include <gtest/gtest.h>
 
 #include <algorithm>
