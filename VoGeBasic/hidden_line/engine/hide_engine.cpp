@@ -345,6 +345,7 @@ public:
     FaceCache() = default;
     ~FaceCache() {
         std::free(faces_);
+        std::free(boxes_);
         std::free(first_);
     }
     FaceCache(const FaceCache&) = delete;
@@ -361,7 +362,8 @@ public:
         first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
         faces_ =
             static_cast<CachedFace*>(std::malloc((total > 0 ? total : 1) * sizeof(CachedFace)));
-        if (first_ == nullptr || faces_ == nullptr)
+        boxes_ = static_cast<LineRange*>(std::malloc((total > 0 ? total : 1) * sizeof(LineRange)));
+        if (first_ == nullptr || faces_ == nullptr || boxes_ == nullptr)
             return false;
         size_t at = 0;
         for (int i = 0; i < n; ++i) {
@@ -371,6 +373,8 @@ public:
             for (const _s_hd_prosect_* f = objs[i]->prosect; f != nullptr; f = f->next) {
                 if (readFace(f->sect, faces_[at].face)) {
                     prepareFace(faces_[at]);
+                    const HDFace& face = faces_[at].face;
+                    boxes_[at] = {face.xmin, face.xmax, face.ymin, face.ymax};
                     ++at;
                 }
             }
@@ -381,14 +385,19 @@ public:
     }
 
     size_t bytes() const {
-        return (first_[last_] + 1) * sizeof(CachedFace) + (last_ + 1) * sizeof(size_t);
+        return (first_[last_] + 1) * (sizeof(CachedFace) + sizeof(LineRange)) +
+               (last_ + 1) * sizeof(size_t);
     }
+    /// The face's XY extents, kept apart from the rest so that the first test of every face
+    /// against a line reads little memory.
+    const LineRange& extentsOf(const CachedFace* f) const { return boxes_[f - faces_]; }
     const CachedFace* begin(int i) const { return faces_ + first_[i]; }
     size_t indexOf(const CachedFace* f) const { return static_cast<size_t>(f - faces_); }
     const CachedFace* end(int i) const { return faces_ + first_[i + 1]; }
 
 private:
     CachedFace* faces_ = nullptr;
+    LineRange* boxes_ = nullptr;
     size_t* first_ = nullptr;
     size_t last_ = 0;
 };
@@ -462,11 +471,18 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     continue;
                 for (const CachedFace* f = cache.begin(j);
                      f != cache.end(j) && !hiddenWhole(hidden, p, q); ++f) {
+                    // First what appendHiddenPiece asks first: a face whose XY extents miss
+                    // the line's range gives no piece.
+                    if (stats != nullptr)
+                        ++stats->facesScanned;
+                    const LineRange& e = cache.extentsOf(f);
+                    const LineRange& r = prepared.range;
+                    if (!(e.xmax >= r.xmin && e.ymax >= r.ymin && e.xmin <= r.xmax &&
+                          e.ymin <= r.ymax))
+                        continue;
                     if (faceTooFarFromLine(*f, prune) || faceBehindLine(*f, prune) ||
                         faceOutlineApartFromLine(*f, prune) || lineInFrontOfFace(*f, prune))
                         continue;
-                    if (!faceMeetsLineRange(f->face, prepared.range))
-                        continue;  // appendHiddenPiece would pass it over
                     if (stats != nullptr)
                         ++stats->faceTests;
                     FacePrep prep;
