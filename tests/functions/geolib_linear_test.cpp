@@ -66,18 +66,4 @@ TEST(GaussLiner, SingularOrInvalidSystemsFail) {
     EXPECT_EQ(blocks, 4);  // the flat form's row pointers and three rows
 }
 
-TEST(ArrayProducts, RowAndColumnProductsAndDot) {
-    const double m[6] = {1, 2, 3, 4, 5, 6};  // 2 x 3
-    const double v[3] = {1, 0, -1};
-    double out[3] = {9, 9, 9};
-    geolib::matrixMultVector(2, 3, m, v, out);
-    EXPECT_EQ(out[1], -2.0);                    // two rows written, no more
-    EXPECT_EQ(out[2], 9.0);                     // two rows written, no more
-    geolib::vectorMultMatrix(2, 3, v, m, out);  // (1, 0) . m
-    EXPECT_EQ(out[2], 3.0);
-    double dot = 9;
-    geolib::vecPMulVector(0, v, v, &dot);
-    EXPECT_EQ(dot, 0.0);
-}
-
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 
 using namespace geolib;
 
-constexpr double kTurn = 6.283185307179586;
+using vgtest::kTwoPi;
 
 // The ring's corners in order.
 std::vector<VoGePoint3D> cornersOf(const convex* poly) {
@@ -54,7 +54,7 @@ bool convexRing(std::vector<VoGePoint3D> c) {
             return false;  // a right turn, or the ring turning back on itself
         turned += std::atan2(cross, dot);
     }
-    return std::fabs(turned - kTurn) < 0.1;
+    return std::fabs(turned - kTwoPi) < 0.1;
 }
 
 // How far p lies outside the region of the ring (0 inside, by the crossing rule), and the
@@ -194,8 +194,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (in.ConsumeBool()) {
         double c[3] = {vgfuzz::number(in, 20.0), vgfuzz::number(in, 20.0), 0.0};
         const double r = std::fabs(vgfuzz::number(in, 20.0));
-        const double a0 = in.ConsumeFloatingPointInRange<double>(0.0, kTurn);
-        const double a1 = in.ConsumeFloatingPointInRange<double>(0.0, kTurn);
+        const double a0 = in.ConsumeFloatingPointInRange<double>(0.0, kTwoPi);
+        const double a1 = in.ConsumeFloatingPointInRange<double>(0.0, kTwoPi);
         arc_cut* arc = polygonTrimArc(polys, c, r, a0, a1);
         if (arc != nullptr) {
             for (const paramt* p = arc->params; p != nullptr; p = p->next) {
@@ -203,7 +203,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                     std::fprintf(stderr,
                                  "arc c=(%.17g,%.17g) r=%.17g a0=%.17g a1=%.17g: [%.17g, %.17g]\n",
                                  c[0], c[1], r, a0, a1, p->t0, p->t1);
-                VG_FUZZ_CHECK(p->t0 >= 0.0 && p->t0 <= kTurn && p->t1 >= 0.0 && p->t1 <= kTurn,
+                VG_FUZZ_CHECK(p->t0 >= 0.0 && p->t0 <= kTwoPi && p->t1 >= 0.0 && p->t1 <= kTwoPi,
                               "arc intervals lie within the turn");
             }
             freeArcCut(arc);

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr double kTurn = 6.283185307179586;
+using vgtest::kTwoPi;
 
 VoGeVector3D vectorFrom(FuzzedDataProvider& in) {
     return vgfuzz::triple<VoGeVector3D>(in);
@@ -21,7 +21,7 @@ VoGePoint3D pointFrom(FuzzedDataProvider& in) {
 }
 
 bool isAngle(double a) {
-    return std::isnan(a) || (a >= 0.0 && a < kTurn);
+    return std::isnan(a) || (a >= 0.0 && a < kTwoPi);
 }
 
 void checkVectors(FuzzedDataProvider& in) {

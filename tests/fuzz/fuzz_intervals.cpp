@@ -11,7 +11,7 @@ namespace {
 
 using namespace geolib;
 
-constexpr double kTurn = 6.283185307179586;
+using vgtest::kTwoPi;
 constexpr double kEnd = 1e-6;  // ends closer than this are the same end
 
 struct Span {
@@ -28,7 +28,7 @@ std::vector<Span> spans(const paramt* list) {
 // The pieces of the turn an arc interval covers: one, or two for an interval through 0.
 std::vector<Span> onTurn(Span s) {
     if (s.t1 < s.t0)
-        return {{s.t0, kTurn}, {0.0, s.t1}};
+        return {{s.t0, kTwoPi}, {0.0, s.t1}};
     return {s};
 }
 
@@ -50,7 +50,7 @@ bool covers(const std::vector<Span>& list, double x, bool isArc) {
 
 void checkList(const paramt* list, bool isArc) {
     const std::vector<Span> v = spans(list);
-    const double end = isArc ? kTurn : 1.0;
+    const double end = isArc ? kTwoPi : 1.0;
     for (size_t i = 0; i < v.size(); ++i) {
         VG_FUZZ_CHECK(v[i].t0 >= 0.0 && v[i].t0 <= end && v[i].t1 >= 0.0 && v[i].t1 <= end,
                       "intervals stay within their domain");
@@ -81,7 +81,7 @@ void checkList(const paramt* list, bool isArc) {
 
 double cutEnd(FuzzedDataProvider& in, bool isArc) {
     const unsigned k = in.ConsumeIntegralInRange<unsigned>(0, 7);
-    const double end = isArc ? kTurn : 1.0;
+    const double end = isArc ? kTwoPi : 1.0;
     if (k == 0)
         return vgfuzz::number(in, 2.0);  // anything, the non-finite values included
     if (k == 1)

@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "tests/support/test_constants.h"
+
 namespace vgfuzz {
 
 /// Stops the run when cond is false: the fuzzer keeps the input that broke the promise.

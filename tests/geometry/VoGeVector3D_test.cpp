@@ -75,15 +75,4 @@ TEST(VoGeVector3DAngles, RotateAngleMeasuresCounterClockwiseAboutZ) {
                 kAngleTol);
 }
 
-TEST(VoGeVector3DProducts, RotateByTurnsACopyAndPlanSetClearsDepth) {
-    VoGeVector3D v(1, 0, 0);
-    EXPECT_TRUE(near3(v.rotateBy(kPi / 2, VoGeVector3D(0, 0, 5)), 0, 1, 0, 1e-15));
-    EXPECT_EQ(v.x, 1.0);
-    EXPECT_EQ(v.rotateBy(1.0, VoGeVector3D()).length(), 0.0);  // no axis, no vector
-    EXPECT_TRUE(near3(v.crossProduct(VoGeVector3D(0, 1, 0)), 0, 0, 1, 0.0));
-    v.set(3, 4);
-    EXPECT_TRUE(near3(v, 3, 4, 0, 0.0));
-    EXPECT_TRUE(near3(VoGeVector3D(VoGePoint3D(1, 1, 1), VoGePoint3D()), -1, -1, -1, 0.0));
-}
-
 }  // namespace

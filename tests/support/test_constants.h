@@ -1,13 +1,33 @@
 // Numbers the tests share, written out here rather than read from the library, so that a wrong
-// constant in the library shows up as a failing test.
+// constant in the library shows up as a failing test, and the generator of their random cases.
 #ifndef VOGEBASIC_TESTS_TEST_CONSTANTS_H
 #define VOGEBASIC_TESTS_TEST_CONSTANTS_H
+
+#include <cstdint>
 
 namespace vgtest {
 
 /// pi and the full turn as the doubles nearest to them.
 constexpr double kPi = 3.141592653589793;
 constexpr double kTwoPi = 6.283185307179586;
+
+/// A small linear congruential generator: the same cases for the same seed on every platform.
+class Lcg {
+public:
+    explicit Lcg(std::uint32_t seed) : s_(seed) {}
+    /// Uniform in [0, 1).
+    double operator()() {
+        s_ = s_ * 1664525u + 1013904223u;
+        return (s_ >> 8) / 16777216.0;
+    }
+    /// Uniform in [lo, hi).
+    double operator()(double lo, double hi) { return lo + (hi - lo) * (*this)(); }
+    /// An integer in [0, n).
+    int below(int n) { return static_cast<int>((*this)() * n); }
+
+private:
+    std::uint32_t s_;
+};
 
 }  // namespace vgtest
 

@@ -53,19 +53,30 @@ TEST(HDChordCount, CurvesTakeEightToTwelveChords) {
     EXPECT_EQ(getArcDivideNum({0, 0, 0}, kNaN, 0, 1), 8);
 }
 
-TEST(HDListBuilders, ConcatLinksNothingWhenAListIsMissing) {
+TEST(HDListBuilders, ConcatLinksNothingWhenAListIsMissingAndReleaseGivesBackEverything) {
     _s_hd_proline_* first = appendProline({0, 0, 0}, {1, 0, 0}, nullptr);
     _s_hd_proline_* other = appendProline({5, 0, 0}, {6, 0, 0}, nullptr);
     EXPECT_EQ(concatProline(nullptr, other), other);
     EXPECT_EQ(concatProline(first, nullptr), nullptr);
     EXPECT_EQ(first->next, nullptr);
     EXPECT_EQ(concatProline(first, other), other);
-    EXPECT_EQ(first->next, other);
     releaseProline(first);
-    vgtest::forEachAllocationFailure([] {
-        _s_hd_sect_* q = mallocQuadSect({0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0});
-        freeHDSectPointer(q);
-    });
+    _s_hd_prof_* obj = mallocHDProfObject();
+    const P o{0, 0, 0};
+    obj->prosect = appendProsect(mallocTriSect(o, o, o), nullptr);
+    appendProsect(mallocQuadSect(o, o, o, o), obj->prosect);
+    obj->proline = appendProline(o, o, nullptr);
+    vgtest::AllocationWatch watch;
+    freeHDProfObjectPointer(obj);
+    EXPECT_EQ(obj, nullptr) << "the caller's pointer is nulled";
+    EXPECT_EQ(watch.live(), -11);  // 7 vertices, 2 faces, 1 line and the object
+    freeHDProfObjectPointer(obj);  // a second release of the same variable does nothing
+    EXPECT_EQ(watch.live(), -11);
+    expectNoLeaks({[] {
+        HDProfDraft draft;
+        draft.addPlanarQuad({0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 1e-6}, 1.0);
+        return draft.finish();
+    }});
 }
 
 TEST(HDArcChords, FullCircleClosesExactlyWithEvenlySpacedPoints) {
@@ -169,8 +180,9 @@ TEST(HDProfDraft, PlanarQuadIsOneFaceATwistedOneTwoTrianglesAndNoFaceHasNoArea) 
         ASSERT_NE(obj, nullptr);
         const auto faces = facesOf(obj);
         ASSERT_EQ(faces.size(), k.faces) << k.p4.z;
-        for (size_t f = 0; f < faces.size(); ++f)
+        for (size_t f = 0; f < faces.size(); ++f) {
             EXPECT_EQ(faces[f].pts.size(), k.firstCount);
+        }
         freeHDProfObjectPointer(obj);
     }
 }

@@ -89,10 +89,21 @@ inline void expectHeadToTail(const std::vector<Line>& lines) {
         EXPECT_TRUE(same(lines[i - 1]->end, lines[i]->start)) << "chord " << i;
 }
 
-/// v scaled to unit length (v must not be null).
-inline P unit(P v) {
-    const double len = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
-    return {v.x / len, v.y / len, v.z / len};
+/// a + s b, s a, and a scaled to unit length (a must not be null).
+inline P add(P a, P b, double s = 1.0) {
+    return {a.x + s * b.x, a.y + s * b.y, a.z + s * b.z};
+}
+inline P scaled(double s, P a) {
+    return {s * a.x, s * a.y, s * a.z};
+}
+inline P unit(P a) {
+    return scaled(1.0 / solid::norm(a), a);
+}
+
+/// Unit vectors u, v square to the unit n, with u x v = n.
+inline void squareTo(P n, P& u, P& v) {
+    u = unit(solid::cross(n, std::fabs(n.x) < 0.6 ? P{1, 0, 0} : P{0, 1, 0}));
+    v = solid::cross(n, u);
 }
 
 /// Distance of p from the circle of radius r about centre with unit normal n.

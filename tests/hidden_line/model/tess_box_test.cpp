@@ -19,8 +19,9 @@ using namespace geolib;
 using namespace hdtest;
 
 void expectBox(const _s_hd_prof_* obj, std::vector<double> want) {
-    for (int i = 0; i < 6; ++i)
+    for (int i = 0; i < 6; ++i) {
         EXPECT_EQ(obj->box[i], want[i]) << "box value " << i;
+    }
 }
 
 TEST(EpDivideBox, CornersLinesAndFacesComeInTheFixedOrder) {
@@ -90,8 +91,9 @@ TEST(EpDivideWed, CornersLinesAndFacesInTheFixedOrderWithTagsOneToFive) {
                  {{0, 1}, {1, 2}, {2, 0}, {3, 4}, {4, 5}, {5, 3}, {0, 3}, {1, 4}, {2, 5}},
                  {{1, 2, 5, 4}, {2, 0, 3, 5}, {0, 1, 4, 3}, {4, 5, 3}, {1, 0, 2}});
     int tag = 1;
-    for (const auto& f : facesOf(wed))
+    for (const auto& f : facesOf(wed)) {
         EXPECT_EQ(f.tag, tag++);
+    }
     freeHDProfObjectPointer(wed);
 }
 
@@ -127,8 +129,9 @@ TEST(EpDividePri, SidesFollowTheRingsAndUprightsJoinThem) {
         EXPECT_EQ(pri->box[5], 0);
         freeHDProfObjectPointer(pri);
     }
-    for (int n : {-1, 100001, INT_MAX})
+    for (int n : {-1, 100001, INT_MAX}) {
         EXPECT_EQ(ep_divide_pri({0, 0, 0}, {0, 0, 5}, {2, 0, 0}, n), nullptr) << n;
+    }
     // A zero-length axis gives a flat prism of zero-area sides, not a failure.
     _s_hd_prof_* flat = ep_divide_pri({0, 0, 0}, {0, 0, 0}, {2, 0, 0}, 6);
     EXPECT_EQ(facesOf(flat).size(), 6u);

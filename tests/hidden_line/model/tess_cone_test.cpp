@@ -10,27 +10,12 @@
 #include "hidden_line/model/analytic_edges.h"
 #include "hidden_line/model/hd_walk.h"
 #include "support/alloc_hook.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using namespace geolib;
 using namespace hdtest;
-
-P add(P a, P b, double s = 1.0) {
-    return {a.x + s * b.x, a.y + s * b.y, a.z + s * b.z};
-}
-P scaled(double s, P a) {
-    return {s * a.x, s * a.y, s * a.z};
-}
-P unit(P a) {
-    return scaled(1.0 / solid::norm(a), a);
-}
-
-// Any unit vectors u, v square to the unit n.
-void squareTo(P n, P& u, P& v) {
-    u = unit(solid::cross(n, std::fabs(n.x) < 0.6 ? P{1, 0, 0} : P{0, 1, 0}));
-    v = solid::cross(n, u);
-}
 
 std::function<P(double)> circle(P c, double r, P n) {
     P u, v;
@@ -80,9 +65,10 @@ TEST(EpDivideCon, APipeRimIsTheDiscOfItsCircleAndItsSilhouetteTwoGenerators) {
         _s_hd_prof_* disc = ep_divide_cir(a, 7, unit(solid::sub(b, a)));
         const auto rim = linesOf(pipe->proline), discRim = linesOf(disc->proline);
         ASSERT_EQ(rim.size(), 2 * discRim.size() + (alongZ ? 0 : 2));
-        for (const auto* l : discRim)
+        for (const auto* l : discRim) {
             EXPECT_TRUE(std::any_of(rim.begin(), rim.begin() + discRim.size(),
                                     [&](Line k) { return same(k->start, l->start, 1e-12); }));
+        }
         freeHDProfObjectPointer(pipe);
         freeHDProfObjectPointer(disc);
     }
@@ -189,8 +175,9 @@ TEST(EpDivideRuled, BadInputGivesNullAndAFailedAllocationLeaksNothing) {
         ep_divide_scy(o, far, 0.005, z),
         ep_divide_scy(o, o, 1, z),  // radius, null axis
     };
-    for (std::size_t i = 0; i < sizeof bad / sizeof bad[0]; ++i)
+    for (std::size_t i = 0; i < sizeof bad / sizeof bad[0]; ++i) {
         EXPECT_EQ(bad[i], nullptr) << i;
+    }
     const P a{1, 2, 3}, b{4, -2, 9}, n{0.2, 0.1, 1};
     expectNoLeaks({
         [&] { return ep_divide_con(a, b, 3, 3); },  // the disc's rings

@@ -89,15 +89,18 @@ TEST(EpDivideCir, SplitsTheRimWhereItIsExtremeAndStripsTheDisc) {
 TEST(EpDivideCir, BoxHoldsTheRimAndBadInputGivesNull) {
     _s_hd_prof_* disc = ep_divide_cir({5, 5, 5}, 1, {0, 0, 1});
     const double want[6] = {6, 4, 6, 4, 5, 5};
-    for (int i = 0; i < 6; ++i)
+    for (int i = 0; i < 6; ++i) {
         EXPECT_NEAR(disc->box[i], want[i], kOnCircleTol) << i;
+    }
     freeHDProfObjectPointer(disc);
     const P o{0, 0, 0}, z{0, 0, 1};
-    for (double r : {0.005, -1.0, kNaN, kInf})
+    for (double r : {0.005, -1.0, kNaN, kInf}) {
         EXPECT_EQ(ep_divide_cir(o, r, z), nullptr) << r;
+    }
     EXPECT_EQ(ep_divide_cir({kInf, 0, 0}, 1, z), nullptr);
-    for (P n : {P{0, kNaN, 1}, P{0, 0, 0}, P{0, 0, 2}})
+    for (P n : {P{0, kNaN, 1}, P{0, 0, 0}, P{0, 0, 2}}) {
         EXPECT_EQ(ep_divide_cir(o, 1, n), nullptr);
+    }
     const P c{1, 2, 3}, n{0, 0.6, 0.8};
     expectNoLeaks({[&] { return ep_divide_cir(c, 30, n); }});
 }

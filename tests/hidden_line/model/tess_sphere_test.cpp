@@ -151,8 +151,9 @@ TEST(EpDivideSphSad, BadInputGivesNullAndAFailedAllocationLeaksNothing) {
         ep_divide_sad(1, 2, 1, o, 0, 1, o),
         ep_divide_sad(1, 2, 1, o, 0, 1, {kNaN, 0, 1}),
     };
-    for (std::size_t i = 0; i < sizeof bad / sizeof bad[0]; ++i)
+    for (std::size_t i = 0; i < sizeof bad / sizeof bad[0]; ++i) {
         EXPECT_EQ(bad[i], nullptr) << i;
+    }
     const P c{1, 2, 3};
     expectNoLeaks({
         [&] { return ep_divide_sph(c, 30); },

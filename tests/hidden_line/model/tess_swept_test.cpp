@@ -10,28 +10,15 @@
 #include "hidden_line/model/analytic_edges.h"
 #include "hidden_line/model/hd_walk.h"
 #include "support/alloc_hook.h"
+#include "support/test_constants.h"
 
 namespace {
 
 using namespace geolib;
 using namespace hdtest;
 
-constexpr double kTwoPi = 6.283185307179586;
+using vgtest::kTwoPi;
 using Outline = std::vector<P>;  // z ignored for a section
-
-P add(P a, P b, double s = 1.0) {
-    return {a.x + s * b.x, a.y + s * b.y, a.z + s * b.z};
-}
-P scaled(double s, P a) {
-    return {s * a.x, s * a.y, s * a.z};
-}
-P unit(P a) {
-    return scaled(1.0 / solid::norm(a), a);
-}
-void squareTo(P n, P& u, P& v) {
-    u = unit(solid::cross(n, std::fabs(n.x) < 0.6 ? P{1, 0, 0} : P{0, 1, 0}));
-    v = solid::cross(n, u);
-}
 
 // A point list holding the outline, released when it goes out of scope.
 struct PointList {
@@ -443,8 +430,9 @@ TEST(EpDivideSwept, BadInputGivesNullAndAFailedAllocationLeaksNothing) {
         ep_divide_arc(tooMany.head, o, {100, 0, 0}, z, 1.0, z),
     };
     ring.head->next->next->next = nullptr;
-    for (std::size_t i = 0; i < sizeof bad / sizeof bad[0]; ++i)
+    for (std::size_t i = 0; i < sizeof bad / sizeof bad[0]; ++i) {
         EXPECT_EQ(bad[i], nullptr) << i;
+    }
 
     PointList l(angleSection(100, 10));
     PointList c(comb(3, 40, 50));

@@ -123,19 +123,15 @@ struct Elbow {
 };
 
 // A random elbow about the axis a: sizes over four decades, any sweep.
-Elbow randomElbow(P a, unsigned& seed, bool overlap) {
-    auto next = [&seed] {
-        seed = seed * 1664525u + 1013904223u;
-        return (seed >> 8) / 16777216.0;
-    };
+Elbow randomElbow(P a, vgtest::Lcg& next, bool overlap) {
     const double r = 0.05 * std::pow(10.0, 3 * next());
     const double bend = overlap ? r * (0.3 + 0.6 * next()) : r * (1.1 + 4 * next());
     const P any = {next() - 0.5, next() - 0.5, next() - 0.5};
     const P u = unit(linComb(1.0, any, -vecDot(any, a), a));
     const P c = {100 * next() - 50, 100 * next() - 50, 100 * next() - 50};
     const double sweeps[] = {0.05 + 6 * next(), M_PI / 2, M_PI, kTwoPi};
-    const double angle = sweeps[seed % 4];
-    const int n = seed % 5 == 0 ? 1 + static_cast<int>(seed % 17) : 0;
+    const double angle = sweeps[next.below(4)];
+    const int n = next.below(5) == 0 ? 1 + next.below(17) : 0;
     return {r, angle, c, linComb(1.0, c, bend, u), a, n};
 }
 
@@ -164,7 +160,7 @@ void expectSolid(const Elbow& e, bool drawing, const std::string& what) {
 }
 
 TEST(EpDivideTor, GeneratedElbowsAreClosedOnTheTorusAndDrawTheirOutline) {
-    unsigned seed = 7;
+    vgtest::Lcg seed(7);
     int count = 0;
     for (P a : randomUnitVectors(40, 11))
         expectSolid(randomElbow(a, seed, false), true, "elbow " + std::to_string(count++));
@@ -195,13 +191,13 @@ TEST(EpDivideTor, DegenerateViewsDrawTheirTrueOutline) {
 }
 
 TEST(EpDivideTor, ATubeOverlappingItselfStillClosesWoundOutward) {
-    unsigned seed = 3;
+    vgtest::Lcg seed(3);
     for (P a : randomUnitVectors(12, 5))
         expectSolid(randomElbow(a, seed, true), false, "overlapping");
 }
 
 TEST(EpDivideTor, TheInsideIsNeverSeenThroughTheEnds) {
-    unsigned seed = 21;
+    vgtest::Lcg seed(21);
     std::vector<P> axes = randomUnitVectors(16, 9);
     for (P a : axes) {
         Elbow e = randomElbow(a, seed, false);
@@ -229,9 +225,10 @@ TEST(EpDivideTor, TheInsideIsNeverSeenThroughTheEnds) {
                 _s_hd_proline_* vis = kestHideObject(objs, 2);
                 // Specks shorter than the hide pass's own resolution (its merge and crossing
                 // tolerances are a few 1e-4, absolute) may appear at face seams over the line.
-                for (const _s_hd_proline_* l = vis; l != nullptr; l = l->next)
+                for (const _s_hd_proline_* l = vis; l != nullptr; l = l->next) {
                     EXPECT_FALSE(l->owner == 1 && pointDist2(l->start, l->end) > 1e-6)
                         << "chord " << i << " seen, look " << look;
+                }
                 releaseProline(vis);
                 freeHDProfObjectPointer(objs[1]);
             }
@@ -266,8 +263,9 @@ TEST(EpDivideTor, BadInputGivesNullAndFailedAllocationsLeakNothing) {
         {"negative chord count", 1, 1, c, s, z, -1},
         {"huge chord count", 1, 1, c, s, z, 100001},
     };
-    for (const auto& b : bad)
+    for (const auto& b : bad) {
         EXPECT_EQ(ep_divide_tor(b.r, b.angle, b.c, b.s, b.axis, b.n), nullptr) << b.id;
+    }
     // A start a rounding error off the plane is taken.
     _s_hd_prof_* ok = ep_divide_tor(1, 1, c, {3, 0, 1e-9}, z, 0);
     EXPECT_NE(ok, nullptr);

@@ -1,6 +1,5 @@
 # Hidden-line model: records, construction helpers, tessellators.
 target_sources(vogebasic_tests PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/hd_records_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/hd_builders_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_box_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tess_revolved_test.cpp
