@@ -137,7 +137,11 @@ struct CachedFace {
     double flatLength[4];  ///< each edge's run length in the drawing plane (flatRunOf)
     double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
     bool prunable;
-    bool flat;  ///< a triangle, or a quadrilateral in the plane of its first three vertices
+    bool flat;    ///< a triangle, or a quadrilateral in the plane of its first three vertices
+    double size;  ///< spreadOf(face).size
+    /// The plane's depth over the drawing plane: v[0].z + gx (x - v[0].x) + gy (y - v[0].y), and
+    /// 1 plus its slope; NaN where the face is seen edge-on or has no plane.
+    double gx, gy, slopeFactor;
 };
 
 // The face's XY box as centre and half sizes, and its size.
@@ -177,8 +181,15 @@ void prepareFace(CachedFace& c) {
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
     c.zNear = frontDepth(f);
+    c.size = spreadOf(f).size;
     c.flat = f.count == 3 || std::fabs(vecDot(f.normal, vecSub(f.v[3], f.v[0]))) <=
-                                 hd::kCullFlatRel * spreadOf(f).size;  // false for NaN
+                                 hd::kCullFlatRel * c.size;  // false for NaN
+    const _s_hd_point_ n = f.normal;
+    const bool sloped = std::fabs(n.z) >= hd::kEdgeOnNormalZ;  // false for NaN
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    c.gx = sloped ? -n.x / n.z : nan;
+    c.gy = sloped ? -n.y / n.z : nan;
+    c.slopeFactor = sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -266,7 +277,7 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable || !c.flat)
         return false;
     const HDFace& f = c.face;
-    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + spreadOf(f).size);
+    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
     double lo = 0.0;
     double hi = 0.0;
     for (int k = 0; k < f.count; ++k) {
@@ -318,23 +329,20 @@ bool lineInFrontOfFace(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable || !c.flat)
         return false;
     const HDFace& f = c.face;
-    const _s_hd_point_ n = f.normal;
-    if (!(std::fabs(n.z) >= hd::kEdgeOnNormalZ))
-        return false;  // seen edge-on: the face test says no at once anyway
-    const double size = spreadOf(f).size;
-    const double slope = std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z);
-    const double m = hd::kLevelDepthTol + hd::kCullFlatRel * size +
-                     (hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + size)) * (1.0 + slope);
+    const double m =
+        hd::kLevelDepthTol + hd::kCullFlatRel * c.size +
+        (hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size)) * c.slopeFactor;
     auto behindBy = [&](double x, double y, double z) {
-        return f.v[0].z - (n.x * (x - f.v[0].x) + n.y * (y - f.v[0].y)) / n.z - z;
+        return f.v[0].z + c.gx * (x - f.v[0].x) + c.gy * (y - f.v[0].y) - z;
     };
+    // False for a face seen edge-on or without a plane: its NaN slope fails the comparisons.
     return behindBy(l.px, l.py, l.pz) > m && behindBy(l.qx, l.qy, l.qz) > m;
 }
 
 bool faceBehindLine(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable)
         return false;
-    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + spreadOf(c.face).size);
+    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
     return c.zNear > l.zFar + hd::kLevelDepthTol + m;  // false for NaN
 }
 
@@ -480,8 +488,8 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     if (!(e.xmax >= r.xmin && e.ymax >= r.ymin && e.xmin <= r.xmax &&
                           e.ymin <= r.ymax))
                         continue;
-                    if (faceTooFarFromLine(*f, prune) || faceBehindLine(*f, prune) ||
-                        faceOutlineApartFromLine(*f, prune) || lineInFrontOfFace(*f, prune))
+                    if (faceBehindLine(*f, prune) || faceTooFarFromLine(*f, prune) ||
+                        lineInFrontOfFace(*f, prune) || faceOutlineApartFromLine(*f, prune))
                         continue;
                     if (stats != nullptr)
                         ++stats->faceTests;
