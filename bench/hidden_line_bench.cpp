@@ -138,6 +138,10 @@ void BM_HidePass(benchmark::State& state) {
     state.counters["tests_per_line"] =
         stats.lines > 0 ? static_cast<double>(stats.faceTests) / static_cast<double>(stats.lines)
                         : 0.0;
+    state.counters["objects_per_line"] =
+        stats.lines > 0
+            ? static_cast<double>(stats.candidatesScanned) / static_cast<double>(stats.lines)
+            : 0.0;
     state.counters["scanned_per_line"] =
         stats.lines > 0 ? static_cast<double>(stats.facesScanned) / static_cast<double>(stats.lines)
                         : 0.0;

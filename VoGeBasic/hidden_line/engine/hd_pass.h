@@ -161,12 +161,12 @@ bool getVisibleProline(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q,
 
 /// What a hide pass did, for the benchmark.
 struct HidePassStats {
-    long long lines = 0;      ///< lines tested
-    long long faceTests = 0;  ///< line-against-face tests that reached hideLineByFace
-    long long hidingTests = 0;
-    long long facesScanned =
-        0;  ///< faces of candidate objects looked at  ///< those of them that hid a piece
-    size_t workingBytes = 0;  ///< the pass's own tables at their largest (not its result)
+    long long lines = 0;              ///< lines tested
+    long long candidatesScanned = 0;  ///< candidate objects looked at for a line
+    long long facesScanned = 0;       ///< faces of those objects looked at
+    long long faceTests = 0;          ///< line-against-face tests that reached hideLineByFace
+    long long hidingTests = 0;        ///< those of them that hid a piece
+    size_t workingBytes = 0;          ///< the pass's own tables at their largest (not its result)
 };
 /// kestHideObject, counting into stats when it is not null.
 _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats* stats);
