@@ -195,21 +195,22 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// vertices (the disc's rule on r) at n + 1 stations along the bend at equal angles (n = 0:
 /// getArcDivideNum on the outer radius |s - c| + r for the sweep, 8 to 12 chords), with further
 /// rings where the tube is seen end-on and wherever its silhouette turns round the tube by more
-/// than a quarter of a ring chord between two rings. Each ring starts at one of its silhouette
+/// than an eighth of a ring chord between two rings. Each ring starts at one of its silhouette
 /// points, centre + r * unit(Z x tangent), and has the other half way round (a ring seen
 /// end-on splits along the axis instead); faces between rings are quadrilaterals, or two
 /// triangles (split along the shorter diagonal) where not planar. A sweep within 1e-9 of 2 pi is a
 /// full ring without ends; otherwise flat ends close the tube, each a strip across its end ring. A
 /// tube radius above the bend radius gives a closed face set that passes through itself near the
 /// axis. Faces: the start end, the tube between consecutive rings (ring by ring, round each ring
-/// from its first vertex), the far end; tag 0. Lines: the start ring's m chords, the tube's
-/// outline (every edge between a face turned towards the viewer and one turned away: the two
-/// silhouettes along the bend, and the whole of a ring seen end-on) ring by ring, the far ring's
-/// m chords; no end rings for a full ring. Seen along the bend axis or across it that outline is
-/// the chain of silhouette points; in other views, where the silhouette turns round the tube,
-/// the faces between the turned rings lean, and on the side towards the bend centre the outline
-/// may stand up to two ring chords off the true one, with short extra edges where a ring is
-/// seen nearly end-on.
+/// from its first vertex), the far end; tag 0. Lines: the start ring's m chords, then ring by
+/// ring the tube's two silhouettes (the chains of the rings' silhouette points, edges of the
+/// faces on the true outline) and the whole of any ring seen end-on, then the far ring's m
+/// chords; no end rings for a full ring. The silhouettes are drawn rather than the faces' own
+/// outline: where the silhouette turns round the tube the rings' vertices turn with it and the
+/// faces between them lean, so on the side towards the bend centre the faces' outline can run a
+/// chord or two inside the true one. The drawn lines stay on the true outline in every view;
+/// in views where the silhouette turns round the tube, a leaning face may hide a short stretch
+/// of it (at most about two ring chords).
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
 /// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or

@@ -7,13 +7,16 @@
 // ring's own radial direction, so the ring's two silhouette points are where that direction is
 // normal to Z: centre +- r * unit(Z x t), t the tangent, exactly a disc's split points. Every
 // ring starts at one silhouette point and has the other half way round; consecutive rings keep
-// the same index for the same silhouette (the sign of the split is carried along the bend), so
-// that the faces' own outline, the edges between faces turned towards the viewer and faces
-// turned away, runs along the silhouettes (ring k, 0) -> (ring k+1, 0) and (ring k, m/2) ->
-// (ring k+1, m/2). That outline is what the elbow draws, with its end rims: never a seam, and
-// never a line that the faces contradict. Where the silhouette turns round the tube between
-// rings, the faces between them lean, and on the saddle side of the tube (towards the bend
-// centre) their outline may step a face away from the silhouette.
+// the same index for the same silhouette (the sign of the split is carried along the bend). The
+// lines along the tube are the two chains of silhouette points, (ring k, 0) -> (ring k+1, 0) and
+// (ring k, m/2) -> (ring k+1, m/2): face edges on the true outline, within a chord's sagitta of
+// it. They are not the faces' own outline (the edges between a face turned towards the viewer
+// and one turned away): where the silhouette turns round the tube, every ring's vertices turn
+// with it, the faces between two rings lean, and on the saddle side (towards the bend centre)
+// a leaning face turns the other way to its neighbours. The faces' outline then runs a chord or
+// two inside the true one, a line no draughtsman would draw, while the faces themselves still
+// cover the tube's true outline to within the sagitta, so nothing behind shows through. A ring
+// seen end-on (the tube seen along its length) is outline all round and is drawn whole.
 #include <cmath>
 
 #include "hd_tessellators.h"
@@ -71,47 +74,9 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
     return st;
 }
 
-// The sign of the Z component of a face's normal; 0 for a face seen edge-on.
-int faceSide(const PlanarQuadFaces::Face& f) {
-    _s_hd_point_ n = {0.0, 0.0, 0.0};
-    for (int i = 1; i + 1 < f.count; ++i)
-        n = vecAdd(n, vecCross(vecSub(f.pts[i], f.pts[0]), vecSub(f.pts[i + 1], f.pts[0])));
-    const double len = std::sqrt(vecDot(n, n));
-    if (!(std::fabs(n.z) > hd::kEdgeOnFaceZ * len))
-        return 0;
-    return n.z > 0.0 ? 1 : -1;
-}
-
-bool samePoint(_s_hd_point_ a, _s_hd_point_ b) {
-    return a.x == b.x && a.y == b.y && a.z == b.z;
-}
-
-// The side (faceSide) of the face of q that has the edge u-v; 2 when none has it.
-int sideAlong(const PlanarQuadFaces& q, _s_hd_point_ u, _s_hd_point_ v) {
-    for (int i = 0; i < q.count; ++i) {
-        const PlanarQuadFaces::Face& f = q.faces[i];
-        for (int j = 0; j < f.count; ++j) {
-            const _s_hd_point_ a = f.pts[j], b = f.pts[(j + 1) % f.count];
-            if ((samePoint(a, u) && samePoint(b, v)) || (samePoint(a, v) && samePoint(b, u)))
-                return faceSide(f);
-        }
-    }
-    return 2;
-}
-
-// True when the faces on the two sides of an edge face opposite ways: the edge is on the
-// outline of the faces.
-bool isOutline(int side1, int side2) {
-    return side1 * side2 == -1;
-}
-
 // Builds the elbow ring by ring along the bend: faces and box go to the draft as each ring is
-// made. The tube's lines are its faces' own outline: every edge between a face turned towards
-// the viewer and one turned away. The rings are split at the silhouette points, so that
-// outline runs along the silhouettes (and round the rings seen end-on); where the faces'
-// normals, chords of the surface's, put it a face further, the line follows the faces, so that
-// the hide pass never shows a face's edge as a gap or a fold. The outline is collected apart and
-// handed over at the end, so that the lines come in the documented order.
+// made. The silhouette chains and the rings seen end-on are collected apart and handed over at
+// the end, so that the lines come in the documented order.
 class ElbowBuilder {
 public:
     ElbowBuilder(const Bend& bend, bool fullTurn, HDProfDraft& draft)
@@ -128,6 +93,8 @@ public:
         if (!fullTurn_) {
             draft_.addRingLines(firstRing_);
             draft_.addRingDisc(firstRing_, true);
+        } else if (first_.endOn) {
+            addRingOutline(firstRing_);
         }
         prev_ = first_;
         prevRing_ = firstRing_;
@@ -188,6 +155,11 @@ private:
             draft_.fail();
     }
 
+    void addRingOutline(const ViewSplitRing& ring) {
+        for (int k = 0; k < ring.count; ++k)
+            addOutline(ring.pts[k], ring.pts[(k + 1) % ring.count]);
+    }
+
     void addStation(const Station& st, bool last) {
         ViewSplitRing ring;
         int shift = 0;
@@ -203,39 +175,14 @@ private:
             extendBox(ring);
         }
         const int m = ring.count;
-        PlanarQuadFaces band[hd::kMaxCurveChords];
-        for (int k = 0; k < m; ++k) {
-            band[k] = ringBandFaces(prevRing_, ring, shift, k, size_);
-            draft_.addFaces(band[k]);
-        }
-        // The outline: the previous ring's chords (against the band before), the edges along
-        // the bend between neighbouring quadrilaterals, and the diagonals of split ones.
-        for (int k = 0; k < m; ++k) {
-            const _s_hd_point_ a0 = prevRing_.pts[k], a1 = prevRing_.pts[(k + 1) % m];
-            const int side = sideAlong(band[k], a0, a1);
-            if (bands_ == 0)
-                firstSide_[k] = side;
-            else if (isOutline(side, ringSide_[k]))
-                addOutline(a0, a1);
-        }
-        for (int k = 0; k < m; ++k) {
-            const int before = (k + m - 1) % m;
-            const _s_hd_point_ a = prevRing_.pts[k], b = ring.pts[(k + shift) % m];
-            if (isOutline(sideAlong(band[before], a, b), sideAlong(band[k], a, b)))
-                addOutline(a, b);
-            const PlanarQuadFaces& q = band[k];
-            if (q.count == 2 && isOutline(faceSide(q.faces[0]), faceSide(q.faces[1])))
-                addOutline(q.faces[0].pts[0], q.faces[0].pts[2]);
-        }
-        for (int k = 0; k < m; ++k) {
-            const int j = (k + shift) % m;
-            ringSide_[j] = sideAlong(band[k], ring.pts[j], ring.pts[(j + 1) % m]);
-        }
-        ++bands_;
-        if (last && fullTurn_)
-            for (int k = 0; k < m; ++k)
-                if (isOutline(firstSide_[k], ringSide_[k]))
-                    addOutline(ring.pts[k], ring.pts[(k + 1) % m]);
+        for (int k = 0; k < m; ++k)
+            draft_.addFaces(ringBandFaces(prevRing_, ring, shift, k, size_));
+        const int half = m / 2;
+        addOutline(prevRing_.pts[0], ring.pts[shift % m]);
+        addOutline(prevRing_.pts[half], ring.pts[(half + shift) % m]);
+        // The first and last rings of an elbow with ends are its end rims, drawn apart.
+        if (st.endOn && !last)
+            addRingOutline(ring);
         prev_ = st;
         prevRing_ = ring;
     }
@@ -246,13 +193,10 @@ private:
     double size_;
     double maxTwist_ = 0.0;
     int added_ = 0;
-    int bands_ = 0;
     Station first_{};
     Station prev_{};
     ViewSplitRing firstRing_;
     ViewSplitRing prevRing_;
-    int firstSide_[hd::kMaxCurveChords] = {};  // the first band's sides along the first ring
-    int ringSide_[hd::kMaxCurveChords] = {};   // the last band's sides along its far ring
     ProlineChain outline_;
 };
 
