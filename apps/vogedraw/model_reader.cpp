@@ -16,12 +16,17 @@ namespace {
 
 // One primitive of the format: its fields, by name. A field named "n" must be an integer in
 // 0..maxN (a thousand chords or sides: more only slow the hide pass down); a trailing "[n]" field
-// may be left out (0). A polyline takes points of x y z.
+// may be left out (0). A form with points takes, after its fields, minPoints to maxPoints points
+// of x y z (pointSize 3: a polyline, a plate's outline) or of x y (pointSize 2: a section in its
+// own plane).
 struct Form {
     Kind kind;
     const char* keyword;
     std::vector<const char*> fields;
     int maxN;
+    int pointSize = 0;
+    int minPoints = 0;
+    int maxPoints = 0;
 };
 
 const std::vector<Form>& forms() {
@@ -34,7 +39,7 @@ const std::vector<Form>& forms() {
         {Kind::Wedge, "wedge", {"ax", "ay", "az", "bx", "by", "bz", "cx", "cy", "cz", "h"}, 0},
         {Kind::Prism, "prism", {"ax", "ay", "az", "bx", "by", "bz", "sx", "sy", "sz", "n"}, 1000},
         {Kind::Line, "line", {"x0", "y0", "z0", "x1", "y1", "z1"}, 0},
-        {Kind::Polyline, "polyline", {}, 0},
+        {Kind::Polyline, "polyline", {}, 0, 3, 2, kMaxPolylinePoints},
         {Kind::Disc, "disc", {"cx", "cy", "cz", "r", "nx", "ny", "nz"}, 0},
         {Kind::Cone, "cone", {"ax", "ay", "az", "bx", "by", "bz", "ra", "rb"}, 0},
         {Kind::Cylinder, "cylinder", {"ax", "ay", "az", "bx", "by", "bz", "r"}, 0},
@@ -61,6 +66,25 @@ const std::vector<Form>& forms() {
          "ringplate",
          {"ri", "ro", "t", "cx", "cy", "cz", "a0", "a1", "kx", "ky", "kz"},
          0},
+        {Kind::Member,
+         "member",
+         {"ax", "ay", "az", "bx", "by", "bz", "yx", "yy", "yz"},
+         0,
+         2,
+         3,
+         kMaxSectionPoints},
+        {Kind::Plate, "plate", {"t"}, 0, 3, 3, kMaxSectionPoints},
+        {Kind::Transition,
+         "transition",
+         {"ox", "oy", "oz", "w", "h", "xx", "xy", "xz", "yx", "yy", "yz", "cx", "cy", "cz", "r"},
+         0},
+        {Kind::Bend,
+         "bend",
+         {"cx", "cy", "cz", "sx", "sy", "sz", "ax", "ay", "az", "angle", "yx", "yy", "yz"},
+         0,
+         2,
+         3,
+         kMaxBendSectionPoints},
     };
     return table;
 }
@@ -121,16 +145,25 @@ bool parseLine(const std::string& text, int line, const std::string& name,
     for (std::string w; words >> w;)
         fields.push_back(w);
 
-    const bool polyline = form->kind == Kind::Polyline;
-    if (polyline) {
-        if (fields.size() % 3 != 0 || fields.size() < 6 ||
-            fields.size() > 3 * static_cast<std::size_t>(kMaxPolylinePoints)) {
-            error = at(name, line) + "polyline: wrong field count " +
-                    std::to_string(fields.size()) + " (x y z of 2 to 100000 points)";
+    const std::size_t all = form->fields.size();
+    if (form->pointSize > 0) {
+        const std::size_t size = static_cast<std::size_t>(form->pointSize);
+        const std::size_t rest = fields.size() < all ? 0 : fields.size() - all;
+        const std::size_t points = rest / size;
+        if (fields.size() < all || rest % size != 0 ||
+            points < static_cast<std::size_t>(form->minPoints) ||
+            points > static_cast<std::size_t>(form->maxPoints)) {
+            std::string expected = size == 3 ? "x y z" : "x y";
+            expected += " of " + std::to_string(form->minPoints) + " to " +
+                        std::to_string(form->maxPoints) + " points";
+            if (all > 0)
+                expected = std::to_string(all) + (all == 1 ? " field, then " : " fields, then ") +
+                           expected;
+            error = at(name, line) + keyword + ": wrong field count " +
+                    std::to_string(fields.size()) + " (" + expected + ")";
             return false;
         }
     } else {
-        const std::size_t all = form->fields.size();
         const bool optionalLast = all > 0 && form->fields[all - 1][0] == '[';
         if (fields.size() != all && !(optionalLast && fields.size() + 1 == all)) {
             error = at(name, line) + keyword + ": wrong field count " +
@@ -146,8 +179,10 @@ bool parseLine(const std::string& text, int line, const std::string& name,
     prim.v.reserve(fields.size());
     for (std::size_t i = 0; i < fields.size(); ++i) {
         static const char* const xyz[3] = {"x", "y", "z"};
+        const std::size_t k = i - all;  // within the points
+        const std::size_t size = static_cast<std::size_t>(form->pointSize);
         const std::string field =
-            polyline ? std::string(xyz[i % 3]) + std::to_string(i / 3) : form->fields[i];
+            i < all ? form->fields[i] : std::string(xyz[k % size]) + std::to_string(k / size);
         double value = 0;
         std::string why;
         bool ok = toNumber(fields[i], value, why);

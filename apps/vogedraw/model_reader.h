@@ -26,7 +26,11 @@ enum class Kind {
     Sphere,
     Elbow,
     Head,
-    RingPlate
+    RingPlate,
+    Member,
+    Plate,
+    Transition,
+    Bend
 };
 
 /// One primitive as read: its kind, the keyword and line it came from and its numbers in the
@@ -40,6 +44,8 @@ struct Primitive {
 /// Limits of the reader: larger values are refused as absurd rather than passed on.
 constexpr double kMaxCoordinate = 1e6;  ///< largest magnitude of any number
 constexpr int kMaxPolylinePoints = 100000;
+constexpr int kMaxSectionPoints = 4096;  ///< of a member's section or a plate's outline
+constexpr int kMaxBendSectionPoints = 256;
 constexpr int kMaxPrimitives = 10000000;
 
 /// The keyword of a kind ("box", "cone", ...).

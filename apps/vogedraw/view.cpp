@@ -72,21 +72,34 @@ double ringAngleShift(const Placed& p, std::size_t axisField) {
     return std::atan2(dot(xm, yd), dot(xm, xd));
 }
 
-_s_hd_prof_* polyline(const Placed& p, std::size_t count) {
+// The points of fields from..end as a list for the library: x y z turned into the view, or x y
+// of a section in its own plane (z 0), as they stand. Null if an allocation fails.
+geolib::point* pointList(const Placed& p, std::size_t from, std::size_t end, bool section) {
     geolib::point* head = nullptr;
     geolib::point* tail = nullptr;
-    for (std::size_t i = 0; i + 2 < count; i += 3) {
+    const std::size_t size = section ? 2 : 3;
+    for (std::size_t i = from; i + size <= end; i += size) {
         geolib::point* node = geolib::mallocPoint();
         if (node == nullptr) {
             geolib::freePoint(head);
             return nullptr;
         }
-        const _s_hd_point_ q = p.point(i);
+        const _s_hd_point_ q = section ? _s_hd_point_{p.num(i), p.num(i + 1), 0.0} : p.point(i);
         node->pt = VoGePoint3D(q.x, q.y, q.z);
         (tail == nullptr ? head : tail->next) = node;
         tail = node;
     }
-    _s_hd_prof_* obj = geolib::ep_divide_plns(head);
+    return head;
+}
+
+// A primitive made from the points of fields from..end by make; null if they cannot be listed.
+template <class Make>
+_s_hd_prof_* fromPoints(const Placed& p, std::size_t from, std::size_t end, bool section,
+                        Make make) {
+    geolib::point* head = pointList(p, from, end, section);
+    if (head == nullptr)
+        return nullptr;
+    _s_hd_prof_* obj = make(head);
     geolib::freePoint(head);
     return obj;
 }
@@ -166,7 +179,8 @@ _s_hd_prof_* tessellate(const Primitive& prim, const VoGeMatrix3D& m, std::strin
         case Kind::Line:
             return geolib::ep_divide_pln(p.point(0), p.point(3));
         case Kind::Polyline:
-            return polyline(p, prim.v.size());
+            return fromPoints(p, 0, prim.v.size(), false,
+                              [](geolib::point* pts) { return geolib::ep_divide_plns(pts); });
         case Kind::Disc:
             return geolib::ep_divide_cir(p.point(0), p.num(3), p.direction(4));
         case Kind::Cone:
@@ -196,6 +210,22 @@ _s_hd_prof_* tessellate(const Primitive& prim, const VoGeMatrix3D& m, std::strin
                                          p.num(6) * kDeg + shift, p.num(7) * kDeg + shift,
                                          p.direction(8));
         }
+        case Kind::Member:
+            return fromPoints(p, 9, prim.v.size(), true, [&](geolib::point* section) {
+                return geolib::ep_divide_str(section, p.point(0), p.point(3), p.direction(6));
+            });
+        case Kind::Plate:
+            return fromPoints(p, 1, prim.v.size(), false, [&](geolib::point* outline) {
+                return geolib::ep_divide_pline(outline, p.num(0));
+            });
+        case Kind::Transition:
+            return geolib::ep_divide_squcir(p.point(0), p.num(3), p.num(4), p.direction(5),
+                                            p.direction(8), p.point(11), p.num(14));
+        case Kind::Bend:
+            return fromPoints(p, 13, prim.v.size(), true, [&](geolib::point* section) {
+                return geolib::ep_divide_arc(section, p.point(0), p.point(3), p.direction(6),
+                                             p.num(9) * kDeg, p.direction(10));
+            });
     }
     return nullptr;
 }
