@@ -194,8 +194,10 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// of its length; the axis is normalised. The tube is cut into rings of m = 8, 10 or 12
 /// vertices (the disc's rule on r) at n + 1 stations along the bend at equal angles (n = 0:
 /// getArcDivideNum on the outer radius |s - c| + r for the sweep, 8 to 12 chords), with further
-/// rings where the tube is seen end-on and wherever its silhouette turns round the tube by more
-/// than an eighth of a ring chord between two rings. Each ring starts at one of its silhouette
+/// rings where the tube is seen end-on, wherever its silhouette turns round the tube by more
+/// than a quarter of a ring chord between two rings, and wherever the silhouette drawn between
+/// two rings would stray from the one half way between by more than the larger of the ring
+/// chords' and the outer equator's sagittas. Each ring starts at one of its silhouette
 /// points, centre + r * unit(Z x tangent), and has the other half way round (a ring seen
 /// end-on splits along the axis instead); faces between rings are quadrilaterals, or two
 /// triangles (split along the shorter diagonal) where not planar. A sweep within 1e-9 of 2 pi is a

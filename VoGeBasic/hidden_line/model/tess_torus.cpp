@@ -18,6 +18,7 @@
 // cover the tube's true outline to within the sagitta, so nothing behind shows through. A ring
 // seen end-on (the tube seen along its length) is outline all round and is drawn whole.
 #include <cmath>
+#include <initializer_list>
 
 #include "hd_tessellators.h"
 #include "hidden_line/model/hd_builders.h"
@@ -28,6 +29,9 @@ namespace geolib {
 namespace {
 
 constexpr _s_hd_point_ kViewAxis = {0.0, 0.0, 1.0};
+/// A silhouette chain may stray this much over the chord sagittas the chosen rings allow before a
+/// ring is put in: rounding alone never adds one.
+constexpr double kChainTolMargin = 1.01;
 /// Depth of the ring subdivision between two chosen rings: far more than halving a full turn
 /// down to kMinRingStep needs.
 constexpr int kMaxRingDepth = 64;
@@ -79,8 +83,13 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
 // the end, so that the lines come in the documented order.
 class ElbowBuilder {
 public:
-    ElbowBuilder(const Bend& bend, bool fullTurn, HDProfDraft& draft)
-        : bend_(bend), fullTurn_(fullTurn), draft_(draft), size_(2.0 * bend.tubeRadius) {}
+    /// step: the angle between the chosen rings.
+    ElbowBuilder(const Bend& bend, bool fullTurn, double step, HDProfDraft& draft)
+        : bend_(bend),
+          fullTurn_(fullTurn),
+          step_(step),
+          draft_(draft),
+          size_(2.0 * bend.tubeRadius) {}
 
     void start() {
         first_ = stationAt(bend_, 0.0, nullptr);
@@ -88,6 +97,13 @@ public:
             return;
         const int m = firstRing_.count;
         maxTwist_ = hd::kMaxRingTwist * core::kFullTurn / m;
+        // The larger of the sagittas of a ring chord and of a step of the outer equator: what
+        // the chosen rings already allow the outline, so that chains no worse than that need no
+        // ring between (a little over it for rounding).
+        const double r = bend_.tubeRadius;
+        chainTol_ =
+            kChainTolMargin * std::fmax(r * (1.0 - std::cos(core::kPi / m)),
+                                        (bend_.bendRadius + r) * (1.0 - std::cos(0.5 * step_)));
         draft_.seedBox(firstRing_.pts[0]);
         extendBox(firstRing_);
         if (!fullTurn_) {
@@ -109,7 +125,7 @@ public:
         while (top > 0 && draft_.ok()) {
             const double right = pending[top - 1];
             const Station st = stationAt(bend_, right, &prev_);
-            if (std::fabs(wrapAngle(st.turn - prev_.turn)) > maxTwist_ &&
+            if ((std::fabs(wrapAngle(st.turn - prev_.turn)) > maxTwist_ || chainStraysFrom(st)) &&
                 right - prev_.phi > hd::kMinRingStep && top < kMaxRingDepth &&
                 added_ < hd::kMaxAddedRings) {
                 pending[top++] = 0.5 * (prev_.phi + right);
@@ -155,6 +171,23 @@ private:
             draft_.fail();
     }
 
+    // True when a silhouette chain from the last ring to the ring of st passes farther than
+    // chainTol_ from the silhouette point of the ring half way between: where the silhouette
+    // turns round the tube fast (the tube seen nearly end-on), its chord cuts inside it.
+    bool chainStraysFrom(const Station& st) const {
+        const Station mid = stationAt(bend_, 0.5 * (prev_.phi + st.phi), &prev_);
+        const double r = bend_.tubeRadius;
+        for (double side : {1.0, -1.0}) {
+            const _s_hd_point_ a = linComb(1.0, prev_.centre, side * r, prev_.split);
+            const _s_hd_point_ b = linComb(1.0, st.centre, side * r, st.split);
+            const _s_hd_point_ m = linComb(1.0, mid.centre, side * r, mid.split);
+            const _s_hd_point_ d = linComb(1.0, m, -0.5, vecAdd(a, b));
+            if (!(vecDot(d, d) <= chainTol_ * chainTol_))
+                return true;
+        }
+        return false;
+    }
+
     void addRingOutline(const ViewSplitRing& ring) {
         for (int k = 0; k < ring.count; ++k)
             addOutline(ring.pts[k], ring.pts[(k + 1) % ring.count]);
@@ -189,9 +222,11 @@ private:
 
     Bend bend_;
     bool fullTurn_;
+    double step_;
     HDProfDraft& draft_;
     double size_;
     double maxTwist_ = 0.0;
+    double chainTol_ = 0.0;
     int added_ = 0;
     Station first_{};
     Station prev_{};
@@ -265,7 +300,7 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
     double endOn[2];
     const int endOnCount = endOnAngles(b, sweep, n, endOn);
     HDProfDraft draft;
-    ElbowBuilder builder(b, fullTurn, draft);
+    ElbowBuilder builder(b, fullTurn, sweep / n, draft);
     builder.start();
     int nextEndOn = 0;
     for (int k = 1; k <= n && draft.ok(); ++k) {

@@ -97,15 +97,6 @@ struct Elbow {
         }
         return out;
     }
-    // How far a drawn line may lie from the true outline: the largest chord sagitta, and a
-    // tenth more where the tube is seen within half a degree of end-on, where the silhouette
-    // runs round the tube faster than the rings can follow it.
-    double offTol() const {
-        double most = 0;
-        for (int i = 0; i <= 1000; ++i)
-            most = std::max(most, std::fabs(tangent(angle * i / 1000).z));
-        return most > std::cos(M_PI / 360) ? 1.1 * sagitta() : sagitta();
-    }
     // How far the true outline may lie from the visible drawing. Seen along the bend axis or
     // across it, the silhouette keeps its place round the tube and nothing is missing. In other
     // views it turns round the tube, the faces between turned rings lean, and a leaning face can
@@ -178,7 +169,7 @@ void expectSolid(const Elbow& e, bool drawing, const std::string& what) {
             },
             w, false);
         expectDrawingTrue(
-            obj, [&](P p) { return e.trueEdgeDist(p); }, e.samples(), e.offTol(), w, e.gapTol());
+            obj, [&](P p) { return e.trueEdgeDist(p); }, e.samples(), e.sagitta(), w, e.gapTol());
     }
     freeHDProfObjectPointer(obj);
 }
