@@ -42,21 +42,6 @@ TEST(IsPointInPoly, CrossingRuleOnConvexAndConcaveOutlines) {
     EXPECT_FALSE(isPointInPoly(kSquare, P(0.5, 0.5, 5), true));
 }
 
-TEST(PlanBox, FlatBoxAndToleranceOnEveryAxis) {
-    P lo;
-    P hi;
-    geolib::getPolylineBox({{1, 5, 7}, {-2, 3, 7}, {0, 4, 7}}, lo, hi);
-    EXPECT_TRUE(vgtest::near3(lo, P(-2, 3, 0), 0.0));
-    EXPECT_TRUE(vgtest::near3(hi, P(1, 5, 0), 0.0));
-    const P a(0, 0, 0);
-    const P b(1, 1, 1);
-    EXPECT_TRUE(geolib::isPointInBox(P(1 + kBoxTol / 2, 0, 1), a, b));
-    EXPECT_FALSE(geolib::isPointInBox(P(1 + kBoxTol * 2, 0, 1), a, b));
-    EXPECT_TRUE(geolib::isPointInBox(P(0.5, 0.5, -kBoxTol / 2), a, b));
-    EXPECT_FALSE(geolib::isPointInBox(P(0.5, 0.5, -kBoxTol * 2), a, b));
-    EXPECT_FALSE(geolib::isPointInBox(P(0.5, kNaN, 0.5), a, b));
-}
-
 TEST(IsLineIntersect, CrossingTouchingOverlappingAndApart) {
     const struct {
         P a, b, c, d;
@@ -76,38 +61,6 @@ TEST(IsLineIntersect, CrossingTouchingOverlappingAndApart) {
         EXPECT_EQ(isLineIntersect(k.a, k.b, k.c, k.d), k.meet);
         EXPECT_EQ(isLineIntersect(k.c, k.d, k.b, k.a), k.meet);
     }
-}
-
-TEST(SegmentAgainstPolygon, ContainmentEdgesAndPolygonOverlap) {
-    const P in(0.5, 0.5, 0);
-    const P out(3, 0.5, 0);
-    EXPECT_TRUE(geolib::isLineIntersectPoly(in, in, kSquare));
-    EXPECT_FALSE(geolib::isLineIntersectPoly(out, out, kSquare));
-    EXPECT_FALSE(geolib::isLineIntersectPoly(P(-1, 2, 0), P(3, 2, 0), kSquare));
-    EXPECT_FALSE(geolib::isLineOnlyIntersectPoly(in, P(0.6, 0.6, 0), kSquare));
-    EXPECT_TRUE(geolib::isLineOnlyIntersectPoly(in, out, kSquare));
-    // From the U's notch out through its right arm: both ends outside, two edges crossed.
-    EXPECT_TRUE(geolib::isLineIntersectPoly(P(1.5, 2, 0), P(3.5, 2, 0), kU));
-    EXPECT_FALSE(geolib::isLineIntersectPoly(P(1.5, 2, 0), P(1.5, 4, 0), kU));
-    const std::vector<P> bar = {{-1, 0.4, 0}, {2, 0.4, 0}, {2, 0.6, 0}, {-1, 0.6, 0}};
-    EXPECT_TRUE(geolib::isPolyIntersectWithPoly(kSquare, bar));  // crossing, no vertex inside
-    EXPECT_TRUE(geolib::isPolyIntersectWithPoly(kU, {{0.2, 0.2, 0}, {0.8, 0.2, 0}, {0.5, 0.8, 0}}));
-    EXPECT_FALSE(geolib::isPolyIntersectWithPoly(kSquare, {{5, 5, 0}, {6, 5, 0}, {6, 6, 0}}));
-}
-
-TEST(PlanVectors, QuarterTurnAndRotation) {
-    const struct {
-        VoGeVector3D v, r;
-    } cases[] = {{{1, 0, 0}, {0, 1, 0}},
-                 {{3, 4, 9}, {-0.8, 0.6, 0}},
-                 {{0, 0, 2}, {-1, 0, 0}},
-                 {{0.005, 0, 1}, {-1, 0, -0.005}},  // nearly vertical: (-z, 0, -x)
-                 {{0.015, 0, 1}, {0, 1, 0}},        // x^2 twice the limit: plan turn
-                 {{0, 0, 0}, {0, 0, 0}}};
-    for (const auto& c : cases)
-        EXPECT_TRUE(vgtest::near3(geolib::vecRotate90(c.v), c.r.normalize(), kRoundTol));
-    EXPECT_TRUE(vgtest::near3(geolib::vec2dRotateXY(VoGeVector3D(1, 0, 5), std::acos(-1.0) / 2),
-                              VoGeVector3D(0, 1, 0), kRoundTol));
 }
 
 // Both pairs of lines meet at (1, 1, 1) in space, (1, 1) in the plan: within the segments a0a1
@@ -130,19 +83,6 @@ TEST(LineIntersection, SpaceAndPlanWithAndWithoutSegments) {
     out.set(9, 9, 9);
     EXPECT_FALSE(geolib::lineIntersect2d(a0, a1, b0, b0 + VoGeVector3D(1, 1, 0), out, false));
     EXPECT_FALSE(geolib::lineIntersect2d(a0, P(0, 0, 1), b0, b1, out, false));  // no plan length
-    EXPECT_EQ(out.x, 9.0);
-}
-
-TEST(GetInterOfPoint2Poly, NearestEdgeAlongTheRay) {
-    P out;
-    ASSERT_TRUE(geolib::getInterOfPoint2Poly(P(0.5, 0.5, 4), VoGeVector3D(2, 0, 1), kSquare, out));
-    EXPECT_TRUE(vgtest::near3(out, P(1, 0.5, 0), kRoundTol));
-    // From the left of the U along +X: the first arm's outer edge, not a later one.
-    ASSERT_TRUE(geolib::getInterOfPoint2Poly(P(-1, 2, 0), VoGeVector3D(1, 0, 0), kU, out));
-    EXPECT_TRUE(vgtest::near3(out, P(0, 2, 0), kRoundTol));
-    out.set(9, 9, 9);
-    EXPECT_FALSE(geolib::getInterOfPoint2Poly(P(2, 0.5, 0), VoGeVector3D(1, 0, 0), kSquare, out));
-    EXPECT_FALSE(geolib::getInterOfPoint2Poly(P(0.5, 0.5, 0), VoGeVector3D(0, 0, 1), kSquare, out));
     EXPECT_EQ(out.x, 9.0);
 }
 

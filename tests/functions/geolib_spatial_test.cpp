@@ -62,32 +62,6 @@ TEST(IsPointOnArc, CodesOnAQuarterAndOnAnArcThroughZero) {
     EXPECT_EQ(isPointOnArc(c, 1.0, 1.0 + 2 * kPi, P(-1, 1, 2), kOnTol), kArcOn);  // full turn
 }
 
-TEST(ProjectionsAndDistances, FeetOfPerpendicularsAndClosestApproach) {
-    const P p(3, 4, 5);
-    EXPECT_TRUE(vgtest::near3(projectPointOnLine(p, P(0, 0, 1), VoGeVector3D(2, 0, 0)), P(3, 0, 1),
-                              kRoundTol));
-    EXPECT_TRUE(vgtest::near3(projectPointOnLine(p, P(0, 0, 1), VoGeVector3D()), P(0, 0, 1), 0.0));
-    EXPECT_TRUE(vgtest::near3(projectPointOnPlane(p, P(0, 0, 1), VoGeVector3D(0, 0, -3)),
-                              P(3, 4, 1), kRoundTol));
-    EXPECT_NEAR(pointToLineDist(p, P(0, 0, 1), VoGeVector3D(1, 0, 0)), 4 * std::sqrt(2.0),
-                kRoundTol);
-    const struct {
-        P a0, a1, b0, b1;
-        double dist;
-    } cases[] = {{{0, 0, 0}, {2, 0, 0}, {1, -1, 3}, {1, 1, 3}, 3.0},  // skew, crossing in plan
-                 {{0, 0, 0}, {2, 0, 0}, {1, 1, 0}, {5, 1, 0}, 1.0},   // parallel, overlapping
-                 {{0, 0, 0}, {2, 0, 0}, {5, 4, 0}, {9, 4, 0}, 5.0},   // parallel, end to end
-                 {{0, 0, 0}, {2, 0, 0}, {3, 0, 0}, {3, 5, 0}, 1.0},   // end to a side
-                 {{1, 1, 1}, {1, 1, 1}, {0, 0, 0}, {0, 4, 0}, std::sqrt(2.0)},  // a point
-                 {{1, 1, 1}, {1, 1, 1}, {1, 2, 1}, {1, 2, 1}, 1.0}};            // two points
-    for (std::size_t i = 0; i < sizeof cases / sizeof cases[0]; ++i) {
-        SCOPED_TRACE(i);
-        const auto& k = cases[i];
-        EXPECT_NEAR(segToSegDist(k.a0, k.a1, k.b0, k.b1), k.dist, kRoundTol);
-        EXPECT_NEAR(segToSegDist(k.b1, k.b0, k.a0, k.a1), k.dist, kRoundTol);
-    }
-}
-
 TEST(CircleFromPoints, CentreOfATiltedCircleAndDegenerateTriples) {
     const VoGeCircle3d c(P(1, -2, 3), 2.5, VoGeVector3D(1, 2, 2));
     P centre;

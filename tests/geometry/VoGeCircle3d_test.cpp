@@ -13,23 +13,6 @@ using vgtest::kPi;
 constexpr double kRoundTol = 1e-12;
 constexpr double kOnTol = 1e-6;
 
-TEST(VoGeCircle3dConstruct, ThirdPointIsTheCentre) {
-    const VoGeCircle3d c(VoGePoint3D(1, 0, 0), VoGePoint3D(0, 1, 0), VoGePoint3D(0, 0, 0));
-    EXPECT_EQ(c.radius, 1.0);
-    EXPECT_TRUE(vgtest::near3(c.normal, 0, 0, 1, 0.0));
-    const VoGeCircle3d d(VoGePoint3D(0, 3, 0), VoGePoint3D(5, 0, 0), VoGePoint3D(0, 0, 0));
-    // p2 fixes only the plane and the sense.
-    EXPECT_EQ(d.radius, 3.0);
-    EXPECT_TRUE(vgtest::near3(d.normal, 0, 0, -1, 0.0));
-}
-
-TEST(VoGeCircle3dOn, WithinTolOfTheRadiusAndOfThePlane) {
-    const VoGeCircle3d c(VoGePoint3D(1, 1, 1), 2.0, VoGeVector3D(0, 0, 3));
-    EXPECT_TRUE(c.isOn(VoGePoint3D(3 + kOnTol / 2, 1, 1 - kOnTol / 2), kOnTol));
-    EXPECT_FALSE(c.isOn(VoGePoint3D(3 + kOnTol * 2, 1, 1), kOnTol));
-    EXPECT_FALSE(c.isOn(VoGePoint3D(3, 1, 1 + kOnTol * 2), kOnTol));
-}
-
 TEST(VoGeCircle3dAngles, HorizontalCircleRoundTrips) {
     const VoGeCircle3d c(VoGePoint3D(0, 0, 0), 1.0, VoGeVector3D(0, 0, 1));
     EXPECT_NEAR(c.getParam(VoGePoint3D(0, -1, 0), kOnTol), 3 * kPi / 2, kRoundTol);

@@ -27,15 +27,6 @@ TEST(VoGeLine3dParam, MeasuredOnTheLargestComponentWithTiesToXThenY) {
     EXPECT_EQ(geolib::kNoLineParam, 3.4028234663852886e38);
 }
 
-TEST(VoGeLine3dPoints, EndPointIsOneUnitAlong) {
-    const VoGeLine3d l(VoGePoint3D(0, 0, 0), VoGePoint3D(10, 0, 0));
-    EXPECT_TRUE(vgtest::near3(l.getEndpt(), VoGePoint3D(1, 0, 0), 0.0));
-    EXPECT_TRUE(vgtest::near3(l.getParamPoint(-2.5), VoGePoint3D(-2.5, 0, 0), 0.0));
-    EXPECT_TRUE(l.isOn(VoGePoint3D(-30, 0, 0), kOnTol));
-    EXPECT_FALSE(l.isOn(VoGePoint3D(5, 0.01, 0), kOnTol));
-    EXPECT_TRUE(l.isOn(VoGePoint3D(0.5e-3, 0.5e-3, 0), 1e-3));  // near the base: a distance
-}
-
 TEST(VoGeLine3dEquations, BothPlanesHoldTheLineInEveryBranch) {
     const VoGeVector3D dirs[] = {{1, 2, 3}, {0, 1, 1}, {0, 0, 1}, {0, 1, 0}};
     const VoGePoint3D base(1.5, -2, 4);

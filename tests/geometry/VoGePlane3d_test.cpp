@@ -9,21 +9,6 @@ namespace {
 constexpr double kRoundTol = 1e-12;
 constexpr double kEndTol = 1e-4;  // a crossing this close to an end is on the segment
 
-TEST(VoGePlane3dSet, EveryFormNormalisesTheNormal) {
-    VoGePlane3d pl;
-    pl.set(VoGePoint3D(), VoGeVector3D(2, 0, 0), VoGeVector3D(0, 3, 0));
-    EXPECT_TRUE(vgtest::near3(pl.getNormal(), VoGeVector3D(0, 0, 1), 0.0));
-    pl.set(VoGePoint3D(0, 0, 2), VoGePoint3D(0, 1, 2), VoGePoint3D(1, 0, 2));
-    EXPECT_TRUE(vgtest::near3(pl.getNormal(), VoGeVector3D(0, 0, -1), 0.0));
-    EXPECT_EQ(pl.getBase().z, 2.0);
-    VoGeMatrix3D m;
-    m.setRow(1, 7, 7, 7, 7);
-    pl.getGeneralEquation(m);
-    EXPECT_EQ(m(0, 2), -1.0);
-    EXPECT_EQ(m(0, 3), -2.0);
-    EXPECT_EQ(m(1, 0), 7.0);
-}
-
 TEST(VoGePlane3dIntersect, SegmentCrossingAndStoppingShort) {
     const VoGePlane3d pl(VoGePoint3D(0, 0, 1), VoGeVector3D(1, 1, 1));  // x + y + z = 1
     VoGePoint3D p;
