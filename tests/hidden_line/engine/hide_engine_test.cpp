@@ -26,6 +26,7 @@
 #include "hidden_line/engine/hd_pass.h"
 #include "scene/plant_scene.h"
 #include "support/alloc_hook.h"
+#include "support/test_constants.h"
 
 namespace {
 
@@ -119,25 +120,6 @@ std::vector<vgscene::Primitive> curvedScene() {
     return out;
 }
 
-TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
-    const struct {
-        const char* id;
-        std::vector<vgscene::Primitive> prims;
-    } scenes[] = {
-        {"built-in plant", vgscene::builtinPlant()},
-        {"curved solids", curvedScene()},
-        {"150 primitives, seed 1", vgscene::generatePlant(150, 1)},
-        {"150 primitives, seed 7", vgscene::generatePlant(150, 7)},
-        {"400 primitives, seed 3", vgscene::generatePlant(400, 3)},
-        {"400 primitives, seed 11", vgscene::generatePlant(400, 11)},
-        {"1500 primitives, seed 5", vgscene::generatePlant(1500, 5)},
-    };
-    for (const auto& s : scenes) {
-        SCOPED_TRACE(s.id);
-        expectEngineMatchesReference(registeredScene(s.prims), registeredScene(s.prims));
-    }
-}
-
 // Swept solids interlocking where their outlines degenerate: a member seen end-on through a
 // comb-shaped plate facing the viewer, a plate seen edge-on across them, a transition whose
 // circle faces the viewer and one seen from the side, a bend whose axis is the view axis and one
@@ -192,26 +174,12 @@ std::vector<vgscene::Primitive> sweptScene() {
     return out;
 }
 
-TEST(KestHideObject, MatchesTheReferenceOnSweptSolids) {
-    const auto prims = sweptScene();
-    const auto objs = registeredScene(prims);
-    EXPECT_EQ(objs.size(), prims.size()) << "a swept primitive gave no object";
-    expectEngineMatchesReference(objs, registeredScene(prims));
-}
-
-// A small deterministic generator (the same on every machine).
-class Lcg {
-public:
-    explicit Lcg(std::uint32_t seed) : state_(seed) {}
-    double unit() {  // in [0, 1)
-        state_ = state_ * 6364136223846793005ULL + 1442695040888963407ULL;
-        return static_cast<double>(state_ >> 11) * 0x1.0p-53;
-    }
-    double in(double lo, double hi) { return lo + (hi - lo) * unit(); }
-    bool chance(double p) { return unit() < p; }
-
-private:
-    std::uint64_t state_;
+// r.in(lo, hi) uniform, r.chance(p) true with probability p.
+struct Lcg : vgtest::Lcg {
+    using vgtest::Lcg::Lcg;
+    double unit() { return (*this)(); }
+    double in(double lo, double hi) { return (*this)(lo, hi); }
+    bool chance(double p) { return (*this)() < p; }
 };
 
 // Small faces and long and short lines placed where the engine's shortcuts are tight: ends
@@ -287,6 +255,29 @@ std::vector<_s_hd_prof_*> awkwardScene(std::uint32_t seed) {
     return objs;
 }
 
+// Plants as big as the benchmark's, the curved and swept solids where their outlines
+// degenerate, and the awkward scenes.
+TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
+    const std::vector<vgscene::Primitive> scenes[] = {vgscene::builtinPlant(),
+                                                      curvedScene(),
+                                                      sweptScene(),
+                                                      vgscene::generatePlant(150, 1),
+                                                      vgscene::generatePlant(400, 3),
+                                                      vgscene::generatePlant(400, 11),
+                                                      vgscene::generatePlant(1500, 5)};
+    for (const auto& s : scenes) {
+        SCOPED_TRACE(s.size());
+        const auto objs = registeredScene(s);
+        for (const _s_hd_prof_* o : objs)
+            EXPECT_NE(o, nullptr) << "a primitive gave no object";
+        expectEngineMatchesReference(objs, registeredScene(s));
+    }
+    for (std::uint32_t seed : {1u, 2u, 3u}) {
+        SCOPED_TRACE(seed);
+        expectEngineMatchesReference(awkwardScene(seed), awkwardScene(seed));
+    }
+}
+
 // The engine's faces carry prepared edge data: the inside test, the whole face test and the
 // intersection of two faces must answer with them exactly as without, on and just off vertices
 // and edges (the vertex and on-edge tolerances straddled) and in between.
@@ -343,13 +334,6 @@ TEST(KestHideObject, PreparedFacesAnswerAsPlainOnes) {
     }
 }
 
-TEST(KestHideObject, MatchesTheReferenceOnAwkwardScenes) {
-    for (std::uint32_t seed : {1u, 2u, 3u}) {
-        SCOPED_TRACE(seed);
-        expectEngineMatchesReference(awkwardScene(seed), awkwardScene(seed));
-    }
-}
-
 }  // namespace
 
 namespace {
@@ -388,15 +372,21 @@ TEST(KestFaceIntersectAll, MatchesRegisteringOneByOne) {
     kestFaceIntersectAll(nullptr, 3);  // nothing to do, nothing touched
 }
 
-TEST(KestFaceIntersectAll, ReleasesAllItBuiltWhenAnAllocationFails) {
+// Each allocation of face intersection, of the engine (its grid, cached faces, memo and merge
+// room) and of the reference failing in turn: all they built is released.
+TEST(KestHideObject, ReleasesAllItBuiltWhenAnAllocationFails) {
     std::vector<vgscene::Primitive> prims = curvedScene();
     prims.resize(4);  // a sphere and three pipes through it
-    const long mallocs = vgtest::forEachAllocationFailure([&] {
-        std::vector<_s_hd_prof_*> objs = vgscene::tessellateAll(prims);
-        kestFaceIntersectAll(objs.data(), static_cast<int>(objs.size()));
-        vgscene::releaseAll(objs);
-    });
-    EXPECT_GT(mallocs, 100);
+    for (auto pass : {kestHideObject, kestHideObjectReference}) {
+        const long mallocs = vgtest::forEachAllocationFailure([&] {
+            std::vector<_s_hd_prof_*> objs = vgscene::tessellateAll(prims);
+            kestFaceIntersectAll(objs.data(), static_cast<int>(objs.size()));
+            _s_hd_proline_* out = pass(objs.data(), static_cast<int>(objs.size()));
+            releaseProline(out);
+            vgscene::releaseAll(objs);
+        });
+        EXPECT_GT(mallocs, 100);
+    }
 }
 
 // The grid yields, for any box, every object below the limit whose box touches it (NaN,

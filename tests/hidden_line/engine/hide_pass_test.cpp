@@ -20,42 +20,6 @@ using Pass = _s_hd_proline_* (*)(_s_hd_prof_**, int);
 // Every behaviour of the pass holds for the engine and for the reference alike.
 const Pass kPasses[] = {kestHideObject, kestHideObjectReference};
 
-TEST(GetVisibleProline, MergesSortsAndComplements) {
-    // Pieces of the line (0, 0, 0) -> (10, 0, 0), given by their x.
-    using Spans = std::vector<std::pair<double, double>>;
-    const struct {
-        const char* id;
-        Spans hidden, visible;
-    } cases[] = {
-        {"none hidden", {}, {{0, 10}}},
-        {"touching pieces merge", {{2, 4}, {4, 6}}, {{0, 2}, {6, 10}}},
-        {"overlap, out of order", {{5, 8}, {1, 6}}, {{0, 1}, {8, 10}}},
-        {"second inside first", {{1, 8}, {3, 4}}, {{0, 1}, {8, 10}}},
-        {"first inside second", {{3, 4}, {1, 8}}, {{0, 1}, {8, 10}}},
-        {"merged from the far end", {{6, 7}, {2, 3}, {3, 6}}, {{0, 2}, {7, 10}}},
-        {"gaps between", {{4, 5}, {1, 2}, {7, 10}}, {{0, 1}, {2, 4}, {5, 7}}},
-        {"from the near end", {{0, 3}}, {{3, 10}}},
-        {"all of it", {{0, 6}, {5, 10}}, {}},
-        {"gap below the fine tolerance", {{1, 3}, {3 + 4e-7, 5}}, {{0, 1}, {5, 10}}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.id);
-        ProlineChain hidden;
-        for (const auto& s : c.hidden)
-            hidden.append({s.first, 0, 0}, {s.second, 0, 0});
-        _s_hd_proline_* visible = nullptr;
-        ASSERT_TRUE(getVisibleProline(hidden.head, {0, 0, 0}, {10, 0, 0}, visible));
-        const std::vector<Piece> got = piecesOf(visible);
-        releaseProline(visible);
-        ASSERT_EQ(got.size(), c.visible.size());
-        for (size_t i = 0; i < got.size(); ++i) {
-            EXPECT_TRUE(near(got[i].a, {c.visible[i].first, 0, 0}) &&
-                        near(got[i].b, {c.visible[i].second, 0, 0}) && got[i].owner == -1)
-                << i;
-        }
-    }
-}
-
 // The closed outline of a face as lines.
 std::vector<Seg> outline(const std::vector<P>& face) {
     std::vector<Seg> out;
@@ -75,70 +39,6 @@ double visibleLength(const std::vector<Piece>& pieces, int owner) {
     return total;
 }
 
-TEST(KestHideObject, NearSquareHidesTheCornerOfAFarSquare) {
-    for (Pass pass : kPasses) {
-        Owned sq{{makeObject({rect(0, 0, 2, 2, 0)}, outline(rect(0, 0, 2, 2, 0))),
-                  makeObject({rect(1, 1, 3, 3, 5)}, outline(rect(1, 1, 3, 3, 5)))}};
-        const std::vector<Piece> out = hide(pass, sq.objs);
-        EXPECT_NEAR(visibleLength(out, 0), 8, kCalcTol);
-        EXPECT_NEAR(visibleLength(out, 1), 6, kCalcTol);  // its corner (1..2, 1..2) is behind
-        EXPECT_EQ(out.size(), 8u);  // the far bottom and left edges keep one piece each
-    }
-}
-
-TEST(KestHideObject, CubeSeenFromACornerHidesItsOwnBackEdges) {
-    for (Pass pass : kPasses) {
-        Owned cube{{cornerCube({1, 2, 3})}};
-        // The far corner is C6, where the sixth line ends (u, v and w all point away from the
-        // viewer).
-        const P far = piecesOf(cube.objs[0]->proline)[5].b;
-        const std::vector<Piece> out = hide(pass, cube.objs);
-        ASSERT_EQ(out.size(), 9u);
-        for (const Piece& piece : out) {
-            EXPECT_EQ(piece.owner, 0);
-            EXPECT_FALSE(near(piece.a, far, 1e-9) || near(piece.b, far, 1e-9));
-            EXPECT_NEAR(length(piece), 2, 1e-9);  // each visible edge whole
-            EXPECT_LE(piece.a.z, piece.b.z);      // from its near end
-        }
-    }
-}
-
-TEST(KestHideObject, ConstantDepthLineIsReversedAtEveryCall) {
-    for (Pass pass : kPasses) {
-        Owned obj{{makeObject({}, {{{0, 0, 1}, {1, 0, 1}}, {{0, 1, 2}, {0, 1, 1}}})}};
-        const _s_hd_proline_* flat = obj.objs[0]->proline;
-        for (int call = 1; call <= 3; ++call) {
-            SCOPED_TRACE(call);
-            hide(pass, obj.objs);
-            EXPECT_EQ(flat->start.x, call % 2 == 1 ? 1 : 0);  // swapped, back, swapped
-            EXPECT_TRUE(flat->next->start.z == 1 && flat->next->end.z == 2);  // near end first
-        }
-    }
-}
-
-TEST(KestHideObject, EndOnLineIsTestedOnlyAgainstBoxesAndFacesItsRangeReaches) {
-    // An end-on line is hidden whole by any face that tests it (no inside test). It is tested
-    // against objects whose box overlaps its range strictly (a touch is not enough), and there
-    // against the faces whose XY extents it reaches.
-    const struct {
-        double x, y;
-        bool hidden;
-    } cases[] = {
-        {1, 3, true},   // in the triangle's extents, outside the triangle
-        {5, 3, false},  // in the box, beyond both faces' extents
-        {7.999, 1, true},
-        {8, 1, false},  // just inside the box, on its right side
-    };
-    for (Pass pass : kPasses) {
-        for (const auto& c : cases) {
-            SCOPED_TRACE(testing::Message() << c.x << " " << c.y);
-            Owned s{{makeObject({{{0, 0, 0}, {4, 0, 0}, {4, 4, 0}}, rect(6, 0, 8, 2, 0)}, {}),
-                     makeObject({}, {{{c.x, c.y, 1}, {c.x, c.y, 2}}})}};
-            EXPECT_EQ(hide(pass, s.objs).size(), c.hidden ? 0u : 1u);
-        }
-    }
-}
-
 TEST(KestHideObject, BadInputEndsAndOwnersStayArrayIndices) {
     for (Pass pass : kPasses) {
         // Null entries are skipped but keep their index. NaN in a face hides nothing; a NaN
@@ -154,18 +54,6 @@ TEST(KestHideObject, BadInputEndsAndOwnersStayArrayIndices) {
         EXPECT_NEAR(visibleLength(out, 1), 8, kCalcTol);
         ASSERT_EQ(out.size(), 5u);
         EXPECT_TRUE(out[4].owner == 4 && std::isnan(out[4].b.x + out[4].a.x));
-    }
-}
-
-TEST(KestHideObject, ReleasesAllItBuiltWhenAnAllocationFails) {
-    for (Pass pass : kPasses) {
-        Owned s{
-            {ep_divide_box(2, 2, 2, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 1), cornerCube({1, 1, 5})}};
-        const long mallocs = vgtest::forEachAllocationFailure([&] {
-            _s_hd_proline_* out = pass(s.objs.data(), 2);
-            releaseProline(out);
-        });
-        EXPECT_GT(mallocs, 10);
     }
 }
 
