@@ -68,37 +68,6 @@ TEST(SubParamt, CutsAtTheToleranceBoundaries) {
     }
 }
 
-TEST(GetHideParamt, GapsAreTheComplementUpToTheFullEnd) {
-    const struct {
-        const char* id;
-        Intervals visible;
-        double a, b;
-        bool isArc;
-        Intervals want;
-    } cases[] = {
-        {"b is not used", {{0.2, 0.4}}, 0, 0.5, false, {{0, 0.2}, {0.4, 1}}},
-        {"all visible", {{0, 1}}, 0, 1, false, {}},
-        {"nothing visible: the full line", {}, 0.3, 0.6, false, {{0, 1}}},
-        {"nothing visible: the full turn", {}, 1.0, 2.0, true, {{0, kTwoPi}}},
-        {"arc closes at 2pi, not at b", {{1.5, 2}}, 1, 3, true, {{1, 1.5}, {2, kTwoPi}}},
-        {"no closing gap from near 0", {{0.5, kIn}}, 0.5, 1, false, {}},
-        {"through 0 from 2pi",
-         {{kTwoPi, kTwoPi / 2 + 5e-7}},
-         0,
-         kTwoPi,
-         true,
-         {{kTwoPi / 2 + 5e-7, kTwoPi}}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.id);
-        paramt* list = listOf(c.visible);
-        paramt* gaps = getHideParamt(list, c.a, c.b, c.isArc);
-        EXPECT_EQ(intervalsOf(gaps), c.want);
-        freeParamt(gaps);
-        freeParamt(list);
-    }
-}
-
 bool holds(const Intervals& iv, double x) {
     for (const auto& i : iv) {
         if (i.second < i.first ? (x >= i.first || x <= i.second) : (x >= i.first && x <= i.second))
