@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <vector>
 
 namespace vgtest {
 
@@ -26,19 +25,6 @@ template <class A>
         double x, y, z;
     } b{x, y, z};
     return near3(a, b, tol);
-}
-
-/// Both sequences hold the same points in the same order, each within tol.
-template <class A, class B>
-::testing::AssertionResult samePoints(const std::vector<A>& got, const std::vector<B>& want,
-                                      double tol) {
-    if (got.size() != want.size())
-        return ::testing::AssertionFailure() << got.size() << " points, not " << want.size();
-    for (std::size_t i = 0; i < got.size(); ++i) {
-        if (!near3(got[i], want[i], tol))
-            return near3(got[i], want[i], tol) << " at point " << i;
-    }
-    return ::testing::AssertionSuccess();
 }
 
 }  // namespace vgtest

@@ -8,8 +8,8 @@
 // merge in reused room. What it does not cover: the face test itself (hideLineByFace), the
 // numeric tests under it and the merge rule, which both passes share; those have their own
 // checks (hide_face_test.cpp: the face test against brute-force sampling; here: the on-segment
-// and inside tests against measuring every angle; hide_pass_test.cpp: the merge by hand and the
-// pieces of a plant on their lines).
+// and inside tests against measuring every angle; hide_pass_test.cpp: the pieces of a plant on
+// their lines, from their near ends and apart, which checks the merge).
 #include <gtest/gtest.h>
 
 #include <algorithm>
