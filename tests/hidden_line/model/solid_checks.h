@@ -92,26 +92,69 @@ inline std::function<P(double)> circleAt(P c, double r, P n) {
     return [=](double t) { return add(c, add(scaled(std::cos(t), u), v, std::sin(t)), r); };
 }
 
+/// The contour generators in the view along Z of the surface f(u, v) over [u0, u1] x [v0, v1]:
+/// the points where its normal is square to Z, found by bisection on nu + 1 lines of constant u
+/// sampled at nv steps and on nv + 1 lines of constant v sampled at nu steps, each point chained
+/// to the curve of the line before that ends near it.
+inline std::vector<Curve> surfaceContours(const std::function<P(double, double)>& f, double u0,
+                                          double u1, int nu, double v0, double v1, int nv) {
+    std::vector<Curve> out;
+    for (int across = 0; across < 2; ++across) {
+        const int lines = across == 0 ? nu : nv, steps = across == 0 ? nv : nu;
+        const double s0 = across == 0 ? u0 : v0, s1 = across == 0 ? u1 : v1;
+        const double t0 = across == 0 ? v0 : u0, t1 = across == 0 ? v1 : u1;
+        const double hs = 1e-5 * (s1 - s0), ht = 1e-5 * (t1 - t0);
+        auto g = [&](double s, double t) { return across == 0 ? f(s, t) : f(t, s); };
+        auto normalZ = [&](double s, double t) {
+            const P n =
+                vecCross(vecSub(g(s + hs, t), g(s - hs, t)), vecSub(g(s, t + ht), g(s, t - ht)));
+            return n.z / norm(n);
+        };
+        std::vector<Curve> open;
+        for (int i = 0; i <= lines; ++i) {
+            const double s = s0 + (s1 - s0) * i / lines;
+            std::vector<double> nz(static_cast<std::size_t>(steps) + 1);
+            for (int j = 0; j <= steps; ++j)
+                nz[static_cast<std::size_t>(j)] = normalZ(s, t0 + (t1 - t0) * j / steps);
+            std::vector<Curve> next;
+            for (int j = 0; j < steps; ++j) {
+                const double a = nz[static_cast<std::size_t>(j)],
+                             b = nz[static_cast<std::size_t>(j) + 1];
+                if (std::isnan(a) || std::isnan(b) || (a < 0) == (b < 0))
+                    continue;
+                double lo = t0 + (t1 - t0) * j / steps, hi = t0 + (t1 - t0) * (j + 1) / steps;
+                for (int k = 0; k < 50; ++k)
+                    ((normalZ(s, 0.5 * (lo + hi)) < 0) == (a < 0) ? lo : hi) = 0.5 * (lo + hi);
+                const P p = g(s, lo);
+                const double jump = i > 0 ? 4 * norm(vecSub(p, g(s - (s1 - s0) / lines, lo))) : 0;
+                next.push_back({p});
+                for (Curve& o : open) {
+                    if (!o.empty() && norm(vecSub(o.back(), p)) <= jump) {
+                        o.push_back(p);
+                        next.back() = std::move(o);
+                        o.clear();
+                        break;
+                    }
+                }
+            }
+            for (Curve& o : open) {
+                if (!o.empty())
+                    out.push_back(std::move(o));
+            }
+            open = std::move(next);
+        }
+        out.insert(out.end(), open.begin(), open.end());
+    }
+    return out;
+}
+
 /// The generators of the ruled surface between the rims a(t) and b(t) where its normal is square
-/// to Z, over the angles from..to: sign changes of the normal's Z, refined by bisection.
+/// to Z, over the angles from..to.
 inline std::vector<Curve> contourGenerators(const std::function<P(double)>& a,
                                             const std::function<P(double)>& b, double from = 0.0,
                                             double to = kTwoPi) {
-    auto normalZ = [&](double t) {
-        auto mid = [&](double s) { return scaled(0.5, add(a(s), b(s))); };
-        const P along = vecSub(b(t), a(t)), round = vecSub(mid(t + 1e-6), mid(t - 1e-6));
-        return vecCross(round, along).z / (norm(round) * norm(along));
-    };
-    std::vector<Curve> out;
-    for (int i = 0; i < 2000; ++i) {
-        double lo = from + (to - from) * i / 2000, hi = from + (to - from) * (i + 1) / 2000;
-        if ((normalZ(lo) < 0) == (normalZ(hi) < 0))
-            continue;
-        for (int k = 0; k < 60; ++k)
-            ((normalZ(0.5 * (lo + hi)) < 0) == (normalZ(lo) < 0) ? lo : hi) = 0.5 * (lo + hi);
-        out.push_back({a(lo), b(lo)});
-    }
-    return out;
+    return surfaceContours([&](double t, double s) { return add(a(t), vecSub(b(t), a(t)), s); },
+                           from, to, 1000, 0.0, 1.0, 4);
 }
 
 /// count unit vectors: the six axis directions, six a hair off the axes or between them, then

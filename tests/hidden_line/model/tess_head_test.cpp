@@ -16,58 +16,26 @@ using vgtest::kPi;
 
 // The analytic head: flange from c to c1 = c + f a, dome of semi-axes r across and h along a.
 Solid headSolid(double r, double h, double f, P c, P a) {
-    const P c1 = add(c, a, f);
-    const P e1 = unit(vecCross(std::fabs(a.z) < 0.9 ? P{0, 0, 1} : P{1, 0, 0}, a)),
-            e2 = vecCross(a, e1);
-    auto dome = [=](double beta, double psi) {
-        const P w = add(scaled(std::cos(psi), e1), e2, std::sin(psi));
-        return add(add(c1, w, r * std::sin(beta)), a, h * std::cos(beta));
+    P e1, e2;
+    squareTo(a, e1, e2);
+    auto round = [=](double psi) { return add(scaled(std::cos(psi), e1), e2, std::sin(psi)); };
+    auto flange = [=](double psi, double t) { return add(add(c, round(psi), r), a, t * f); };
+    auto dome = [=](double psi, double beta) {
+        return add(add(c, round(psi), r * std::sin(beta)), a, f + h * std::cos(beta));
     };
-    // Seen so nearly along the axis that the flange's faces hide nothing, its top is outline.
-    const bool endOn = std::hypot(a.x, a.y) < 3e-4;
     Solid s;
     s.rims = {curve(circleAt(c, r, a))};
-    if (endOn && f > 0)
-        s.rims.push_back(curve(circleAt(c1, r, a)));
-    const P zxa = vecCross({0, 0, 1}, a), zp = add({0, 0, 1}, a, -a.z);
-    if (norm(zxa) > 0 && f > 0) {  // the flange's contour generators
-        for (double sgn : {-1.0, 1.0}) {
-            const P d = scaled(sgn * r / norm(zxa), zxa);
-            s.contours.push_back({add(c, d), add(c1, d)});
-        }
-    }
-    const double rho = norm(zp), psiZ = std::atan2(vecDot(zp, e2), vecDot(zp, e1));
-    if (rho > 0) {  // the dome's contour, per parallel, then per meridian where it hugs one
-        Curve branch[2];
-        for (int i = 4000; i >= 1; --i) {
-            const double beta = kPi / 2 * i / 4000;
-            const double q = -r * std::cos(beta) * a.z / (h * std::sin(beta) * rho);
-            if (std::fabs(q) > 1)
-                break;
-            branch[0].push_back(dome(beta, psiZ + std::acos(q)));
-            branch[1].push_back(dome(beta, psiZ - std::acos(q)));
-        }
-        s.contours.insert(s.contours.end(), {branch[0], branch[1]});
-        if (!branch[0].empty())
-            s.contours.push_back({branch[0].back(), branch[1].back()});
-        Curve arc;
-        for (int j = 0; j <= 8000; ++j) {
-            const double psi = psiZ + 2 * kPi * j / 8000;
-            const double num = -r * a.z, den = h * rho * std::cos(psi - psiZ);
-            if (num * den > 0) {
-                arc.push_back(dome(std::atan(num / den), psi));
-            } else if (!arc.empty()) {
-                s.contours.push_back(arc);
-                arc.clear();
-            }
-        }
-        s.contours.push_back(arc);
+    if (std::hypot(a.x, a.y) < 3e-4 && f > 0)  // so nearly end-on that the flange's top is outline
+        s.rims.push_back(curve(circleAt(add(c, a, f), r, a)));
+    s.contours = surfaceContours(dome, 0, kTwoPi, 300, 0, kPi / 2, 300);
+    if (f > 0) {
+        const auto side = surfaceContours(flange, 0, kTwoPi, 1000, 0, 1, 4);
+        s.contours.insert(s.contours.end(), side.begin(), side.end());
     }
     for (int j = 0; j < 360; ++j) {
-        const double psi = 2 * kPi * j / 360;
-        s.samples.push_back(add(c, add(scaled(std::cos(psi), e1), e2, std::sin(psi)), r));
+        s.samples.push_back(flange(kTwoPi * j / 360, 0));
         for (int i = 0; i <= 90; ++i)
-            s.samples.push_back(dome(kPi / 2 * i / 90, psi));
+            s.samples.push_back(dome(kTwoPi * j / 360, kPi / 2 * i / 90));
     }
     s.surface = [=](P p) {
         const P q = vecSub(p, c);
