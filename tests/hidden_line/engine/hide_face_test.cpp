@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <vector>
 
 #include "hidden_line/engine/hd_engine_fixtures.h"
-#include "hidden_line/engine/hd_pass.h"
+#include "support/test_constants.h"
 
 namespace {
 
@@ -18,63 +16,49 @@ using namespace enginetest;
 // general position and lines not seen end-on, so that the hidden part is one piece; samples
 // within a small margin of the piece's ends, the face's outline or its plane are not judged.
 TEST(HideLineByFace, HidesWhatBruteForceSamplingFindsBehindTheFace) {
-    std::uint64_t state = 21;
-    auto unit = [&] {
-        state = state * 6364136223846793005ULL + 1442695040888963407ULL;
-        return static_cast<double>(state >> 11) * 0x1.0p-53;
-    };
-    auto in = [&](double lo, double hi) { return lo + (hi - lo) * unit(); };
-    int judged = 0;
-    int hiddenSamples = 0;
+    vgtest::Lcg r(21);
+    int judged = 0, hiddenSamples = 0;
     for (int f = 0; f < 3000; ++f) {
         // A convex face: a triangle, or a parallelogram, tilted at most about 60 degrees.
-        const P c = {in(-1, 1), in(-1, 1), in(-1, 1)};
-        const P a = {c.x + in(0.5, 2), c.y + in(-0.5, 0.5), c.z + in(-1, 1)};
-        const P b = {c.x + in(-0.5, 0.5), c.y + in(0.5, 2), c.z + in(-1, 1)};
+        const P c = {r(-1, 1), r(-1, 1), r(-1, 1)};
+        const P a = {c.x + r(0.5, 2), c.y + r(-0.5, 0.5), c.z + r(-1, 1)};
+        const P b = {c.x + r(-0.5, 0.5), c.y + r(0.5, 2), c.z + r(-1, 1)};
         std::vector<P> pts = {c, a, b};
-        if (unit() < 0.5)
+        if (r() < 0.5)
             pts = {c, a, {a.x + b.x - c.x, a.y + b.y - c.y, a.z + b.z - c.z}, b};
-        const geolib::HDFace face = faceOf(pts);
-        if (std::fabs(face.normal.z) < 0.5)
+        const HDFace face = faceOf(pts);
+        P p = {r(-3, 3), r(-3, 3), r(-3, 3)}, q = {r(-3, 3), r(-3, 3), r(-3, 3)};
+        if (std::fabs(face.normal.z) < 0.5 || std::hypot(q.x - p.x, q.y - p.y) < 0.5)
             continue;
-        P p = {in(-3, 3), in(-3, 3), in(-3, 3)};
-        P q = {in(-3, 3), in(-3, 3), in(-3, 3)};
-        if (std::hypot(q.x - p.x, q.y - p.y) < 0.5)
-            continue;
-        geolib::orientNearFirst(p, q);
-        P from = p;
-        P to = p;
-        const bool hides = geolib::hideLineByFace(p, q, face, from, to);
-        const double len = geolib::pointDist(p, q);
-        const double t0 = hides ? geolib::pointDist(from, p) / len : 2.0;
-        const double t1 = hides ? geolib::pointDist(to, p) / len : 2.0;
+        orientNearFirst(p, q);
+        P from = p, to = p;
+        const bool hides = hideLineByFace(p, q, face, from, to);
+        const double len = pointDist(p, q);
+        const double t0 = hides ? pointDist(from, p) / len : 2.0;
+        const double t1 = hides ? pointDist(to, p) / len : 2.0;
         for (int k = 1; k < 200; ++k) {
             const double t = k / 200.0;
-            const P x = geolib::linComb(1.0, p, t, geolib::vecSub(q, p));
+            const P x = linComb(1.0, p, t, vecSub(q, p));
             // Where the face covers x in the drawing, and how far its plane lies in front.
-            double margin = HUGE_VAL;
+            const P n = face.normal;
+            const double planeZ = c.z - (n.x * (x.x - c.x) + n.y * (x.y - c.y)) / n.z;
+            double margin = std::fmin(std::fabs(planeZ - x.z),
+                                      std::fmin(std::fabs(t - t0), std::fabs(t - t1)) * len);
             bool covered = true;
-            const int count = static_cast<int>(pts.size());
-            for (int e = 0; e < count; ++e) {
-                const P u = pts[e];
-                const P w = pts[(e + 1) % count];
+            for (size_t e = 0; e < pts.size(); ++e) {
+                const P u = pts[e], w = pts[(e + 1) % pts.size()];
                 const double side = ((w.x - u.x) * (x.y - u.y) - (w.y - u.y) * (x.x - u.x)) /
                                     std::hypot(w.x - u.x, w.y - u.y);
-                const double inward = face.normal.z > 0 ? side : -side;
-                covered = covered && inward > 0;
+                covered = covered && (n.z > 0 ? side : -side) > 0;
                 margin = std::fmin(margin, std::fabs(side));
             }
-            const P nz = face.normal;
-            const double planeZ = c.z - (nz.x * (x.x - c.x) + nz.y * (x.y - c.y)) / nz.z;
-            margin = std::fmin(margin, std::fabs(planeZ - x.z));
-            margin = std::fmin(margin, std::fmin(std::fabs(t - t0), std::fabs(t - t1)) * len);
             if (margin < 0.01)
                 continue;
             const bool behind = covered && planeZ < x.z;
-            const bool inPiece = hides && t > std::fmin(t0, t1) && t < std::fmax(t0, t1);
             ++judged;
             hiddenSamples += behind ? 1 : 0;
-            ASSERT_EQ(inPiece, behind) << "face " << f << " sample " << k;
+            ASSERT_EQ(hides && t > std::fmin(t0, t1) && t < std::fmax(t0, t1), behind)
+                << "face " << f << " sample " << k;
         }
     }
     EXPECT_GT(judged, 100000);
