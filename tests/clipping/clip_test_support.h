@@ -37,6 +37,26 @@ inline geolib::paramt* listOf(const Intervals& iv) {
     return head;
 }
 
+/// Sorted, disjoint, non-empty intervals within [lo, hi].
+inline bool ordered(const Intervals& iv, double lo, double hi) {
+    double last = lo;
+    for (const auto& i : iv) {
+        if (!(last <= i.first && i.first < i.second && i.second <= hi))
+            return false;
+        last = i.second;
+    }
+    return true;
+}
+
+/// x lies in one of the intervals (one with t1 < t0 wraps through the end of the turn).
+inline bool holds(const Intervals& iv, double x) {
+    for (const auto& i : iv) {
+        if (i.second < i.first ? (x >= i.first || x <= i.second) : (x >= i.first && x <= i.second))
+            return true;
+    }
+    return false;
+}
+
 /// A polygon through the corners (x, y) at z = 0, in the given order.
 inline geolib::convex* polygonOf(const std::vector<std::pair<double, double>>& xy) {
     std::vector<VoGePoint3D> pts;
