@@ -64,27 +64,24 @@ TEST(DishedHead, GeneratedHeadsAreClosedOnTheSurfaceAndDrawTheirOutline) {
     }
 }
 
+// Radius, height, flange, centre and axis out of range or not finite.
 TEST(DishedHead, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     const P c{0, 0, 0}, z{0, 0, 1};
-    const struct {
-        double r, h, f;
-        P c, axis;
-    } refused[] = {
-        {kNaN, 1, 1, c, z},         {0, 1, 1, c, z},         {0.009, 1, 1, c, z},
-        {-1, 1, 1, c, z},           {1, kInf, 1, c, z},      {1, 0, 1, c, z},
-        {1, -1, 1, c, z},           {1, 1, kNaN, c, z},      {1, 1, -0.1, c, z},
-        {1, 1, 1, {0, kInf, 0}, z}, {1, 1, 1, c, {0, 0, 0}}, {1, 1, 1, c, {kNaN, 0, 1}},
-    };
-    for (const auto& b : refused)
-        EXPECT_EQ(ep_divide_ova(b.r, b.h, b.f, b.c, b.axis), nullptr) << b.r << " " << b.h;
-    expectAllocFailuresGiveNull({
-        [] {
-            return ep_divide_ova(2, 1, 0.5, {1, 2, 3}, unit({1, 2, 2}));
-        },
-        [] {
-            return ep_divide_ova(2, 1, 0.5, {1, 2, 3}, {0, 0, 1});
-        },
-    });
+    for (double bad : {kNaN, 0.0, 0.009, -1.0}) {
+        EXPECT_EQ(ep_divide_ova(bad, 1, 1, c, z), nullptr) << bad;
+        EXPECT_EQ(ep_divide_ova(1, bad == 0.009 ? kInf : bad, 1, c, z), nullptr) << bad;
+    }
+    for (double bad : {kNaN, -0.1})
+        EXPECT_EQ(ep_divide_ova(1, 1, bad, c, z), nullptr) << bad;
+    for (P bad : {P{0, 0, 0}, P{kNaN, 0, 1}})
+        EXPECT_EQ(ep_divide_ova(1, 1, 1, c, bad), nullptr);
+    EXPECT_EQ(ep_divide_ova(1, 1, 1, {0, kInf, 0}, z), nullptr);
+    expectAllocFailuresGiveNull({[] {
+                                     return ep_divide_ova(2, 1, 0.5, {1, 2, 3}, unit({1, 2, 2}));
+                                 },
+                                 [] {
+                                     return ep_divide_ova(2, 1, 0.5, {1, 2, 3}, {0, 0, 1});
+                                 }});
 }
 
 }  // namespace

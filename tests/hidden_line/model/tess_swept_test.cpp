@@ -29,11 +29,19 @@ struct PointList {
     ~PointList() { freePoint(head); }
 };
 
+// The outline through the corners (x, y) given in turn.
+Outline xy(std::initializer_list<double> v) {
+    Outline out;
+    for (auto i = v.begin(); i + 1 < v.end(); i += 2)
+        out.push_back({i[0], i[1], 0});
+    return out;
+}
+
 // Sections of size s: a rectangle, an I, an angle, a channel, a comb with a straight corner
 // half way along its back, and a star at random radii.
 std::vector<Outline> sections(vgtest::Lcg& gen, double s) {
     const double x = 0.3 * s, y = 0.5 * s, w = 0.025 * s, f = 0.08 * s, t = 0.1 * s;
-    Outline comb = {{0, -0.15 * s, 0}, {0.45 * s, -0.15 * s, 0}, {0.9 * s, -0.15 * s, 0}};
+    Outline comb = xy({0, -0.15 * s, 0.45 * s, -0.15 * s, 0.9 * s, -0.15 * s});
     for (int k = 3; k >= 0; --k) {
         comb.insert(comb.end(), {{(k + 0.6) * 0.25 * s, y, 0}, {k * 0.25 * s, y, 0}});
         if (k > 0)
@@ -44,28 +52,11 @@ std::vector<Outline> sections(vgtest::Lcg& gen, double s) {
         const double rk = s * gen(0.3, 1.0);
         star.push_back({rk * std::cos(kTwoPi * k / 9), rk * std::sin(kTwoPi * k / 9), 0});
     }
-    return {{{0, 0, 0}, {s, 0, 0}, {s, 0.6 * s, 0}, {0, 0.6 * s, 0}},
-            {{-x, -y, 0},
-             {x, -y, 0},
-             {x, f - y, 0},
-             {w, f - y, 0},
-             {w, y - f, 0},
-             {x, y - f, 0},
-             {x, y, 0},
-             {-x, y, 0},
-             {-x, y - f, 0},
-             {-w, y - f, 0},
-             {-w, f - y, 0},
-             {-x, f - y, 0}},
-            {{0, 0, 0}, {s, 0, 0}, {s, t, 0}, {t, t, 0}, {t, s, 0}, {0, s, 0}},
-            {{0, 0, 0},
-             {x, 0, 0},
-             {x, t, 0},
-             {t, t, 0},
-             {t, s - t, 0},
-             {x, s - t, 0},
-             {x, s, 0},
-             {0, s, 0}},
+    return {xy({0, 0, s, 0, s, 0.6 * s, 0, 0.6 * s}),
+            xy({-x, -y, x,  -y, x,  f - y, w,  f - y, w,  y - f, x,  y - f,
+                x,  y,  -x, y,  -x, y - f, -w, y - f, -w, f - y, -x, f - y}),
+            xy({0, 0, s, 0, s, t, t, t, t, s, 0, s}),
+            xy({0, 0, x, 0, x, t, t, t, t, s - t, x, s - t, x, s, 0, s}),
             comb,
             star};
 }
@@ -253,84 +244,69 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
 TEST(SweptSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     const P o{0, 0, 0}, x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1}, far{0, 0, 50}, nan{kNaN, 0, 0};
     const P bx{100, 0, 0};
-    PointList sq({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
-    PointList bowTie({{0, 0, 0}, {10, 10, 0}, {10, 0, 0}, {0, 10, 0}});
+    PointList sq(xy({0, 0, 10, 0, 10, 10, 0, 10})), bowTie(xy({0, 0, 10, 10, 10, 0, 0, 10}));
     Outline many;
     for (int k = 0; k < 5000; ++k)
         many.push_back({std::cos(kTwoPi * k / 5000), std::sin(kTwoPi * k / 5000), 0});
-    PointList tooMany(many);
-    PointList ring({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}});
+    PointList tooMany(many), ring(xy({0, 0, 10, 0, 10, 10}));
     ring.head->next->next->next = ring.head;  // a list that never ends
-    const Outline notSimple[] = {
-        {{0, 0, 0}, {10, 0, 0}, {5, 0, 0}, {5, 5, 0}},                     // turning straight back
-        {{0, 0, 0}, {10, 0, 0}, {20, 0, 0}},                               // no area
-        {{0, 0, 0}, {10, 0, 0}, {0, 0, 0}},                                // two points
-        {{0, 0, 0}, {10, 0, 0}, {10, 0.0005, 0}, {0, 10, 0}},              // a short edge
-        {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {5, 0.0002, 0}, {0, 10, 0}},  // touching itself
-        {{0, 0, 0}, {10, 0, 0}, {kNaN, 10, 0}, {0, 10, 0}},
-        {{0, 0, 0}, {10, 0, 0}, {10, 10, 1}, {0, 10, 0}}};  // warped (for a plate)
+    // Turning straight back, no area, two points, a short edge, touching itself, NaN, and
+    // warped (for a plate; a member reads a section's x and y only).
+    Outline notSimple[] = {xy({0, 0, 10, 0, 5, 0, 5, 5}),
+                           xy({0, 0, 10, 0, 20, 0}),
+                           xy({0, 0, 10, 0, 0, 0}),
+                           xy({0, 0, 10, 0, 10, 0.0005, 0, 10}),
+                           xy({0, 0, 10, 0, 10, 10, 5, 0.0002, 0, 10}),
+                           xy({0, 0, 10, 0, kNaN, 10, 0, 10}),
+                           xy({0, 0, 10, 0, 10, 10, 0, 10})};
+    notSimple[6][2].z = 1;
     for (const Outline& o2 : notSimple) {
         PointList l(o2);
         EXPECT_EQ(ep_divide_pline(l.head, 5.0), nullptr) << o2.size();
-        const bool warped = o2[2].z != 0;  // a member reads a section's x and y only
-        EXPECT_TRUE(warped || ep_divide_str(l.head, o, far, y) == nullptr) << o2.size();
+        EXPECT_TRUE(o2[2].z != 0 || ep_divide_str(l.head, o, far, y) == nullptr) << o2.size();
     }
-    const _s_hd_prof_* refused[] = {
-        ep_divide_str(nullptr, o, far, y),
-        ep_divide_str(bowTie.head, o, far, y),
-        ep_divide_str(tooMany.head, o, far, y),
-        ep_divide_str(ring.head, o, far, y),
-        ep_divide_str(sq.head, o, o, y),    // zero axis
-        ep_divide_str(sq.head, o, far, z),  // ydir along the axis
-        ep_divide_str(sq.head, o, {kInf, 0, 0}, y),
-        ep_divide_pline(bowTie.head, 5.0),
-        ep_divide_pline(sq.head, 0.0),
-        ep_divide_pline(sq.head, kNaN),
-        ep_divide_pline(sq.head, x),  // in the plate's plane
-        ep_divide_pline(sq.head, o),
-        ep_divide_pline(sq.head, nan),
-        ep_divide_pline(ring.head, z),
-        ep_divide_squcir(o, 10, 10, x, y, o, 3),  // the circle in the rectangle's plane
-        ep_divide_squcir(o, 10, 10, x, x, far, 3),
-        ep_divide_squcir(o, 0.005, 10, x, y, far, 3),
-        ep_divide_squcir(o, 10, 10, x, y, far, 0.005),
-        ep_divide_squcir(o, 10, kNaN, x, y, far, 3),
-        ep_divide_squcir(o, 10, 10, nan, y, far, 3),
-        ep_divide_arc(sq.head, o, bx, z, 0.0, z),
-        ep_divide_arc(sq.head, o, bx, z, 7.0, z),
-        ep_divide_arc(sq.head, o, bx, z, kNaN, z),
-        ep_divide_arc(sq.head, o, {100, 0, 1}, z, 1.0, z),  // the start off the bend plane
-        ep_divide_arc(sq.head, o, bx, o, 1.0, z),
-        ep_divide_arc(sq.head, o, bx, z, 1.0, y),         // ydir along the bend
-        ep_divide_arc(sq.head, o, {5, 0, 0}, z, 1.0, z),  // the section across the axis
-        ep_divide_arc(sq.head, o, {0.005, 0, 0}, z, 1.0, z),
-        ep_divide_arc(bowTie.head, o, bx, z, 1.0, z),
-        ep_divide_arc(tooMany.head, o, bx, z, 1.0, z),
-    };
+    // Every call below is refused.
+    EXPECT_TRUE(
+        !ep_divide_str(nullptr, o, far, y) && !ep_divide_str(bowTie.head, o, far, y) &&
+        !ep_divide_str(tooMany.head, o, far, y) && !ep_divide_str(ring.head, o, far, y) &&
+        !ep_divide_str(sq.head, o, o, y) && !ep_divide_str(sq.head, o, far, z) &&
+        !ep_divide_str(sq.head, o, {kInf, 0, 0}, y) && !ep_divide_pline(bowTie.head, 5.0) &&
+        !ep_divide_pline(sq.head, 0.0) && !ep_divide_pline(sq.head, kNaN) &&
+        !ep_divide_pline(sq.head, x) && !ep_divide_pline(sq.head, o) &&
+        !ep_divide_pline(sq.head, nan) && !ep_divide_pline(ring.head, z) &&
+        !ep_divide_squcir(o, 10, 10, x, y, o, 3) && !ep_divide_squcir(o, 10, 10, x, x, far, 3) &&
+        !ep_divide_squcir(o, 0.005, 10, x, y, far, 3) &&
+        !ep_divide_squcir(o, 10, 10, x, y, far, 0.005) &&
+        !ep_divide_squcir(o, 10, kNaN, x, y, far, 3) &&
+        !ep_divide_squcir(o, 10, 10, nan, y, far, 3) && !ep_divide_arc(sq.head, o, bx, z, 0.0, z) &&
+        !ep_divide_arc(sq.head, o, bx, z, 7.0, z) && !ep_divide_arc(sq.head, o, bx, z, kNaN, z) &&
+        !ep_divide_arc(sq.head, o, {100, 0, 1}, z, 1.0, z) &&
+        !ep_divide_arc(sq.head, o, bx, o, 1.0, z) && !ep_divide_arc(sq.head, o, bx, z, 1.0, y) &&
+        !ep_divide_arc(sq.head, o, {5, 0, 0}, z, 1.0, z) &&
+        !ep_divide_arc(sq.head, o, {0.005, 0, 0}, z, 1.0, z) &&
+        !ep_divide_arc(bowTie.head, o, bx, z, 1.0, z) &&
+        !ep_divide_arc(tooMany.head, o, bx, z, 1.0, z));
     ring.head->next->next->next = nullptr;
-    for (std::size_t i = 0; i < sizeof refused / sizeof refused[0]; ++i)
-        EXPECT_EQ(refused[i], nullptr) << i;
     vgtest::Lcg gen(1);
     const auto secs = sections(gen, 100);
     PointList l(secs[2]), c(secs[4]);
-    expectAllocFailuresGiveNull({
-        [&] {
-            return ep_divide_str(c.head, {1, 2, 3}, {400, 50, 700}, {0, 0, 1});
-        },
-        [&] { return ep_divide_pline(c.head, 12.0); },
-        [&] {
-            return ep_divide_pline(l.head, {3, 1, 20});
-        },
-        [&] {
-            return ep_divide_squcir({1, 2, 3}, 40, 30, {1, 0.2, 0}, {0, 0.3, 1}, {5, 60, 9}, 12);
-        },
-        [&] {
-            return ep_divide_arc(l.head, o, {300, 0, 0}, {0, 0.2, 1}, 2.0, {0, 0, 1});
-        },
-        [&] {
-            return ep_divide_arc(l.head, o, {300, 0, 0}, {0, 1, 0.1}, kTwoPi, {1, 0, 0});
-        },
-    });
+    expectAllocFailuresGiveNull(
+        {[&] {
+             return ep_divide_str(c.head, {1, 2, 3}, {400, 50, 700}, {0, 0, 1});
+         },
+         [&] { return ep_divide_pline(c.head, 12.0); },
+         [&] {
+             return ep_divide_pline(l.head, {3, 1, 20});
+         },
+         [&] {
+             return ep_divide_squcir({1, 2, 3}, 40, 30, {1, 0.2, 0}, {0, 0.3, 1}, {5, 60, 9}, 12);
+         },
+         [&] {
+             return ep_divide_arc(l.head, o, {300, 0, 0}, {0, 0.2, 1}, 2.0, {0, 0, 1});
+         },
+         [&] {
+             return ep_divide_arc(l.head, o, {300, 0, 0}, {0, 1, 0.1}, kTwoPi, {1, 0, 0});
+         }});
 }
 
 }  // namespace

@@ -154,44 +154,30 @@ TEST(Elbow, TheInsideIsNeverSeenThroughTheEnds) {
     }
 }
 
+// Radius, angle, centre, start (off the bend plane too, or at the centre), axis, chords.
 TEST(Elbow, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     const P c{0, 0, 0}, s{3, 0, 0}, z{0, 0, 1};
-    const struct {
-        double r, angle;
-        P c, s, axis;
-        int n;
-    } refused[] = {
-        {kNaN, 1, c, s, z, 0},
-        {kInf, 1, c, s, z, 0},
-        {0, 1, c, s, z, 0},  // radius
-        {0.009, 1, c, s, z, 0},
-        {-1, 1, c, s, z, 0},
-        {1, kNaN, c, s, z, 0},
-        {1, 0, c, s, z, 0},
-        {1, -1, c, s, z, 0},
-        {1, kTwoPi + 1e-6, c, s, z, 0},  // angle
-        {1, 1, {kInf, 0, 0}, s, z, 0},
-        {1, 1, c, {3, kNaN, 0}, z, 0},
-        {1, 1, c, s, {0, 0, 0}, 0},
-        {1, 1, c, s, {0, 0, kNaN}, 0},  // axis
-        {1, 1, c, {3, 0, 1e-5}, z, 0},  // the start off the bend plane
-        {1, 1, c, c, z, 0},
-        {1, 1, c, s, z, -1},
-        {1, 1, c, s, z, 100001},  // bend, chords
-    };
-    for (const auto& b : refused)
-        EXPECT_EQ(ep_divide_tor(b.r, b.angle, b.c, b.s, b.axis, b.n), nullptr) << b.r << " " << b.n;
+    for (double bad : {kNaN, kInf, 0.0, 0.009, -1.0})
+        EXPECT_EQ(ep_divide_tor(bad, 1, c, s, z, 0), nullptr) << bad;
+    for (double bad : {kNaN, 0.0, -1.0, kTwoPi + 1e-6})
+        EXPECT_EQ(ep_divide_tor(1, bad, c, s, z, 0), nullptr) << bad;
+    for (P bad : {P{3, kNaN, 0}, P{3, 0, 1e-5}, c})
+        EXPECT_EQ(ep_divide_tor(1, 1, c, bad, z, 0), nullptr) << bad.z;
+    for (P bad : {P{0, 0, 0}, P{0, 0, kNaN}})
+        EXPECT_EQ(ep_divide_tor(1, 1, c, s, bad, 0), nullptr) << bad.z;
+    EXPECT_TRUE(ep_divide_tor(1, 1, {kInf, 0, 0}, s, z, 0) == nullptr &&
+                ep_divide_tor(1, 1, c, s, z, -1) == nullptr &&
+                ep_divide_tor(1, 1, c, s, z, 100001) == nullptr);
     _s_hd_prof_* ok = ep_divide_tor(1, 1, c, {3, 0, 1e-9}, z, 0);  // a rounding error off: taken
     EXPECT_NE(ok, nullptr);
     freeHDProfObjectPointer(ok);
-    expectAllocFailuresGiveNull({
-        [] {
-            return ep_divide_tor(0.5, 2, {1, 2, 3}, {1, 4, 3}, {1, 0, 0}, 3);
-        },
-        [] {
-            return ep_divide_tor(0.5, kTwoPi, {1, 2, 3}, {1, 4, 3}, unit({1, 0, 1}), 0);
-        },
-    });
+    expectAllocFailuresGiveNull(
+        {[] {
+             return ep_divide_tor(0.5, 2, {1, 2, 3}, {1, 4, 3}, {1, 0, 0}, 3);
+         },
+         [] {
+             return ep_divide_tor(0.5, kTwoPi, {1, 2, 3}, {1, 4, 3}, unit({1, 0, 1}), 0);
+         }});
 }
 
 }  // namespace
