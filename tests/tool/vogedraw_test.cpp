@@ -1,5 +1,5 @@
-// Unit tests of vogedraw: a table of bad lines the reader refuses, and the drawing of the sample
-// model in several views.
+// Unit tests of vogedraw: bad lines the reader refuses (beyond the bad models the program runs
+// on), and the drawing of the sample model in several views.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -30,19 +30,11 @@ TEST(ModelReader, RejectsBadLinesNamingLineAndField) {
         const char* text;
         const char* message;
     } cases[] = {
-        {"sphere 0 0 0 1\nwidget 1 2 3", "m.vgm:2: unknown primitive 'widget'"},
-        {"box 0 0 0 1 1", "m.vgm:1: box: wrong field count 5 (expected 6)"},
-        {"elbow 1 90 0 0 0 1 0 0 0 0", "m.vgm:1: elbow: wrong field count 10 (expected 11 or 12)"},
         {"\n# c\nline 0 0 0 1 1 x1", "m.vgm:3: line: field 6 (z1): not a number: 'x1'"},
-        {"disc 0 0 0 1 0 0 1e", "m.vgm:1: disc: field 7 (nz): not a number"},
-        {"sphere 0 0 0 -nan", "m.vgm:1: sphere: field 4 (r): not a finite number"},
+        {"elbow 1 90 0 0 0 1 0 0 0 0", "m.vgm:1: elbow: wrong field count 10 (expected 11 or 12)"},
         {"sphere 0 0 0 1e400", "m.vgm:1: sphere: field 4 (r): not a finite number"},
-        {"sphere 0 0 2e6 1", "m.vgm:1: sphere: field 3 (cz): out of range"},
-        {"prism 0 0 0 0 0 1 1 0 0 -1", "m.vgm:1: prism: field 10 (n): not an integer in 0..1000"},
-        {"prism 0 0 0 0 0 1 1 0 0 2000", "field 10 (n): not an integer"},
+        {"prism 0 0 0 0 0 1 1 0 0 2000", "m.vgm:1: prism: field 10 (n): not an integer in 0..1000"},
         {"elbow 1 90 0 0 0 1 0 0 0 0 1 2.5", "field 12 ([n]): not an integer in 0..1000"},
-        {"polyline 0 0 0", "m.vgm:1: polyline: wrong field count 3"},
-        {"polyline 0 0 0 1 1 1 2 2 q", "m.vgm:1: polyline: field 9 (z2): not a number"},
     };
     for (const auto& c : cases) {
         std::vector<Primitive> prims;
@@ -51,10 +43,6 @@ TEST(ModelReader, RejectsBadLinesNamingLineAndField) {
         EXPECT_NE(error.find(c.message), std::string::npos) << error;
         EXPECT_EQ(error.find('\n'), std::string::npos) << error;
     }
-}
-
-double length(const vogedraw::Segment& s) {
-    return std::hypot(s.x1 - s.x0, s.y1 - s.y0);
 }
 
 // The sample in several views: every primitive the library has draws; visible and hidden
@@ -90,7 +78,7 @@ TEST(Drawing, VisibleAndHiddenPiecesCoverEveryLine) {
         }
         for (const auto* set : {&d.visible, &d.hidden}) {
             for (const vogedraw::Segment& s : *set)
-                drawn += length(s);
+                drawn += std::hypot(s.x1 - s.x0, s.y1 - s.y0);
         }
         EXPECT_GT(d.visible.size(), 500u) << name;
         EXPECT_GT(d.hidden.size(), 100u) << name;
