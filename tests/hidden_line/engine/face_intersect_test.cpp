@@ -6,7 +6,6 @@
 #include "hd_engine.h"
 #include "hidden_line/engine/hd_engine_fixtures.h"
 #include "scene/plant_scene.h"
-#include "support/alloc_hook.h"
 
 namespace {
 
@@ -50,22 +49,6 @@ TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo
     EXPECT_EQ(segmentsOf(cross[0]->proline).size(), 3u);
     EXPECT_EQ(crossings, 2);
     vgscene::releaseAll(cross);
-}
-
-// Box B poking through box A's right side and top: a failed allocation adds all the loop of
-// crossings or none of it, and leaks nothing.
-TEST(KestFaceIntersect, FailedAllocationAddsNoLineAndLeaksNothing) {
-    vgtest::forEachAllocationFailure([] {
-        std::vector<_s_hd_prof_*> boxes = {
-            ep_divide_box(2, 2, 2, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 1),
-            ep_divide_box(2, 1, 2, {1, 0.5, 1}, {1, 0, 0}, {0, 1, 0}, 1)};
-        registerAll(boxes);
-        if (boxes[0] != nullptr && boxes[1] != nullptr) {
-            const size_t lines = segmentsOf(boxes[1]->proline).size();
-            EXPECT_TRUE(lines == 12 || lines == 18) << lines;
-        }
-        vgscene::releaseAll(boxes);
-    });
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <cmath>
 #include <vector>
 
@@ -16,36 +15,6 @@ using namespace enginetest;
 using Pass = _s_hd_proline_* (*)(_s_hd_prof_**, int);
 // Every behaviour of the pass holds for the engine and for the reference alike.
 const Pass kPasses[] = {kestHideObject, kestHideObjectReference};
-
-TEST(KestHideObject, BadInputEndsAndOwnersStayArrayIndices) {
-    const std::vector<P> sq = {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}};
-    for (Pass pass : kPasses) {
-        // Null entries are skipped but keep their index. NaN in a face hides nothing; a NaN
-        // line comes back whole; a face of no area and an empty object change nothing.
-        std::vector<_s_hd_prof_*> objs = {
-            nullptr,
-            makeObject({sq}, {{sq[0], sq[1]}, {sq[1], sq[2]}, {sq[2], sq[3]}, {sq[3], sq[0]}}),
-            makeObject({{{0, 0, -1}, {9, 0, -1}, {9, 9, kNaN}}}, {}),
-            nullptr,
-            makeObject({}, {{{1, 1, 5}, {kNaN, 1, 5}}}),
-            makeObject({{{0, 1, -1}, {2, 1, -1}, {2, 1, -1}, {0, 1, -1}}}, {}),
-            makeObject({}, {})};
-        for (int n : {0, -1, INT_MIN})
-            EXPECT_EQ(pass(objs.data(), n), nullptr) << n;
-        EXPECT_EQ(pass(nullptr, 5), nullptr);
-        _s_hd_proline_* out = pass(objs.data(), static_cast<int>(objs.size()));
-        double square = 0.0;
-        int count = 0;
-        const _s_hd_proline_* last = nullptr;
-        for (const _s_hd_proline_* l = out; l != nullptr; last = l, l = l->next, ++count)
-            square += l->owner == 1 ? pointDist(l->start, l->end) : 0.0;
-        EXPECT_NEAR(square, 8, 1e-12);
-        ASSERT_EQ(count, 5);
-        EXPECT_TRUE(last->owner == 4 && std::isnan(last->start.x + last->end.x));
-        releaseProline(out);
-        vgscene::releaseAll(objs);
-    }
-}
 
 // What the pass returns, on a plant: every visible piece lies on a line of its object (the
 // object's lines in list order, each re-oriented near end first), the pieces of a line run from
