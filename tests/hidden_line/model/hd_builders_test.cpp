@@ -13,24 +13,21 @@ using hdtest::kInf;
 using hdtest::kNaN;
 using hdtest::P;
 
-TEST(HDBuilders, SnapsFloorsStrictPointTestsAndTheFixedSummationOrder) {
-    // A component just inside the 1e-9 snap vanishes; a squared length of 1e-10 is the floor.
-    EXPECT_EQ(vecLength({2e-5, 0.5e-9, 0}), std::sqrt(2e-5 * 2e-5));
-    EXPECT_NE(vecLength({2e-5, 2e-9, 0}), std::sqrt(2e-5 * 2e-5));
-    EXPECT_EQ(vecLength({std::sqrt(0.5e-10), 0, 0}), 0.0);
-    EXPECT_GT(vecLength({std::sqrt(2e-10), 0, 0}), 0.0);
-    // Same-point tests are strict per coordinate: the bound itself is outside.
-    EXPECT_TRUE(isSamePoint({0, 0, 0}, {0.0025, -0.0025, 0.004}));
-    EXPECT_FALSE(isSamePoint({0, 0, 0}, {0, 0, 0.005}));
-    EXPECT_TRUE(isSamePointFine({0, 0, 0}, {2.5e-7, 0, -2.5e-7}));
-    EXPECT_FALSE(isSamePointFine({0, 0, 0}, {0, 1e-6, 0}));
-    // det3x3 sums in its fixed order: a*e*i = 1e16 takes b*f*g = 1 before c*e*g = 1e16 comes
-    // off, so the 1 is rounded away.
+// A component inside the 1e-9 snap vanishes and a squared length of 1e-10 is the floor;
+// same-point tests are strict per coordinate; det3x3 sums in its fixed order (a*e*i = 1e16
+// takes b*f*g = 1 before c*e*g = 1e16 comes off, so the 1 is rounded away); curves take 8 to
+// 12 chords by size, 8 for NaN and infinite sizes (never converted to an int).
+TEST(HDBuilders, SnapsFloorsStrictPointTestsSummationOrderAndChordCounts) {
+    EXPECT_EQ(vecLength({2e-5, 0.5e-9, 0}), 2e-5);
+    EXPECT_NE(vecLength({2e-5, 2e-9, 0}), 2e-5);
+    EXPECT_TRUE(vecLength({std::sqrt(0.5e-10), 0, 0}) == 0 &&
+                vecLength({std::sqrt(2e-10), 0, 0}) > 0);
+    EXPECT_TRUE(isSamePoint({0, 0, 0}, {0.0025, -0.0025, 0.004}) &&
+                !isSamePoint({0, 0, 0}, {0, 0, 0.005}));
+    EXPECT_TRUE(isSamePointFine({0, 0, 0}, {2.5e-7, 0, -2.5e-7}) &&
+                !isSamePointFine({0, 0, 0}, {0, 1e-6, 0}));
     EXPECT_EQ(det3x3(1, 2, 3, 4, 5, 6, 7, 8, 10), -3.0);
     EXPECT_EQ(det3x3(1e8, 1, 1e8, 0, 1e8, 1, 1, 0, 1), 0.0);
-}
-
-TEST(HDBuilders, CurvesTakeEightToTwelveChordsAndNonFiniteSizesNeverReachAnInt) {
     const double cases[][2] = {{0.4, 8},   {13.1, 8},  {13.2, 9}, {20, 10},  {24.6, 11},
                                {24.7, 12}, {1000, 12}, {0, 8},    {kNaN, 8}, {kInf, 8}};
     for (const auto& c : cases)
@@ -41,32 +38,30 @@ TEST(HDBuilders, CurvesTakeEightToTwelveChordsAndNonFiniteSizesNeverReachAnInt) 
 }
 
 // A full circle's chords close exactly, point k at k * 6.2831885307179585 / n clockwise seen
-// from +Z (the full turn as it has always been written); bad input leaves the list as it was.
+// from +Z (the full turn as it has always been written); bad input and failed allocations leave
+// the list as it was; a radius whose sagitta rule asks for millions of chords gets the cap.
 TEST(HDBuilders, ArcChordsCloseExactlyAndBadInputLeavesTheListAlone) {
+    const P o{0, 0, 0}, x{1, 0, 0}, z{0, 0, 1};
     for (int n : {6, 8}) {
         _s_hd_proline_* ring = nullptr;
-        ASSERT_TRUE(divideArc2Proline({0, 0, 0}, {1, 0, 0}, {0, 0, 1}, {1, 0, 0}, n, ring));
+        ASSERT_TRUE(divideArc2Proline(o, x, z, x, n, ring));
         int k = 0;
         for (const _s_hd_proline_* l = ring; l != nullptr; l = l->next, ++k) {
             const double a = -6.2831885307179585 * k / n;
             EXPECT_TRUE(std::fabs(l->start.x - std::cos(a)) < 1e-12 &&
                         std::fabs(l->start.y - std::sin(a)) < 1e-12)
                 << k;
-            if (l->next == nullptr) {
-                EXPECT_TRUE(l->end.x == 1 && l->end.y == 0 && l->end.z == 0) << "closes exactly";
-            } else {
-                EXPECT_TRUE(l->end.x == l->next->start.x && l->end.y == l->next->start.y);
-            }
+            const P next = l->next != nullptr ? l->next->start : x;
+            EXPECT_TRUE(l->end.x == next.x && l->end.y == next.y && l->end.z == next.z) << k;
         }
         EXPECT_EQ(k, n);
         releaseProline(ring);
     }
     _s_hd_proline_* list = appendProline({9, 9, 9}, {8, 8, 8}, nullptr);
-    const P o{0, 0, 0}, x{1, 0, 0}, z{0, 0, 1};
-    EXPECT_FALSE(divideArc2Proline(o, x, z, x, -1, list));
-    EXPECT_FALSE(divideArc2Proline(o, x, z, x, 100001, list));
-    EXPECT_FALSE(divideArc2Proline({kNaN, 0, 0}, x, z, x, 0, list));
-    EXPECT_FALSE(divideArc2Proline(o, x, {0, kInf, 0}, {0, 1, 0}, 6, list));
+    EXPECT_FALSE(divideArc2Proline(o, x, z, x, -1, list) ||
+                 divideArc2Proline(o, x, z, x, 100001, list) ||
+                 divideArc2Proline({kNaN, 0, 0}, x, z, x, 0, list) ||
+                 divideArc2Proline(o, x, {0, kInf, 0}, {0, 1, 0}, 6, list));
     EXPECT_EQ(list->next, nullptr);
     vgtest::forEachAllocationFailure([&] {
         if (divideArc2Proline(o, x, z, x, 8, list))
@@ -75,7 +70,6 @@ TEST(HDBuilders, ArcChordsCloseExactlyAndBadInputLeavesTheListAlone) {
         list->next = nullptr;
     });
     releaseProline(list);
-    list = nullptr;  // a radius whose sagitta rule asks for millions of chords gets the cap
     ASSERT_TRUE(divideArc2Proline(o, {1e9, 0, 0}, z, {1e9, 0, 0}, 0, list));
     int count = 0;
     for (const _s_hd_proline_* l = list; l != nullptr; l = l->next)

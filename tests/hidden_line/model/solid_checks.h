@@ -23,6 +23,7 @@
 #include <utility>
 #include <vector>
 
+#include "clip_records.h"
 #include "hd_engine.h"
 #include "hd_records.h"
 #include "hidden_line/model/hd_points.h"
@@ -176,6 +177,31 @@ inline std::vector<P> randomUnitVectors(int count, unsigned seed) {
 /// Log-uniform from lo to hi.
 inline double logUniform(vgtest::Lcg& r, double lo, double hi) {
     return lo * std::pow(hi / lo, r());
+}
+
+/// An outline (z ignored for a section).
+using Outline = std::vector<P>;
+
+// A point list holding the outline, released when it goes out of scope.
+struct PointList {
+    geolib::point* head = nullptr;
+    explicit PointList(const Outline& pts) {
+        geolib::point** link = &head;
+        for (const P& p : pts) {
+            *link = geolib::mallocPoint();
+            (*link)->pt = VoGePoint3D(p.x, p.y, p.z);
+            link = &(*link)->next;
+        }
+    }
+    ~PointList() { geolib::freePoint(head); }
+};
+
+// The outline through the corners (x, y) given in turn.
+inline Outline xy(std::initializer_list<double> v) {
+    Outline out;
+    for (auto i = v.begin(); i + 1 < v.end(); i += 2)
+        out.push_back({i[0], i[1], 0});
+    return out;
 }
 
 /// The analytic shape of a solid.

@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "clip_records.h"
 #include "hd_tessellators.h"
 #include "hidden_line/model/solid_checks.h"
 
@@ -17,9 +16,9 @@ TEST(FlatFacedSolids, TurnedEveryWayAreClosedAndDrawnByTheirEdges) {
     const auto dirs = randomUnitVectors(40, 7);
     for (std::size_t i = 0; i + 1 < dirs.size(); ++i) {
         const P u = dirs[i], w = add(dirs[i + 1], dirs[i], -vecDot(dirs[i], dirs[i + 1]));
+        const P v = unit(w), o{1, -2, 5};
         if (norm(w) < 0.1)
             continue;
-        const P v = unit(w), o{1, -2, 5};
         expectTrueSolid(ep_divide_box(3, 2, 1, o, u, v, 1), flatSolid(),
                         "box " + std::to_string(i));
         // A wedge extruded by a negative height is wound outward (a positive one inward).
@@ -29,37 +28,24 @@ TEST(FlatFacedSolids, TurnedEveryWayAreClosedAndDrawnByTheirEdges) {
     }
 }
 
-point* pointList(std::vector<VoGePoint3D> pts) {
-    point* head = nullptr;
-    for (auto p = pts.rbegin(); p != pts.rend(); ++p) {
-        point* node = mallocPoint();
-        node->pt = *p;
-        node->next = head;
-        head = node;
-    }
-    return head;
-}
-
+// NaN and infinite sizes and points, prism side counts out of range, polylines that are null,
+// a single point, a loop or hold NaN.
 TEST(FlatFacedSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     const P o{0, 0, 0}, x{1, 0, 0}, y{0, 1, 0}, bad{0, kInf, 0}, top{0, 0, 5};
-    point* loop = pointList({{0, 0, 0}, {3, -1, 2}, {1, 4, -5}});
-    loop->next->next->next = loop->next;  // a list that closes on itself is refused, not walked
-    point* nan = pointList({{0, 0, 0}, {3, kNaN, 2}, {1, 4, -5}});
-    // Every call below is refused.
+    PointList loop(xy({0, 0, 3, -1, 1, 4})), nan(xy({0, 0, 3, kNaN, 1, 4})),
+        list(xy({0, 0, 1, 0, 1, 1}));
+    loop.head->next->next->next = loop.head->next;  // closes on itself: refused, not walked
     EXPECT_TRUE(!ep_divide_box(kNaN, 1, 1, o, x, y, 1) && !ep_divide_box(1, 1, 1, o, x, bad, 1) &&
                 !ep_divide_wed(o, x, y, kInf) && !ep_divide_pri(o, {0, 0, kNaN}, x, 6) &&
                 !ep_divide_pri(o, top, x, -1) && !ep_divide_pri(o, top, x, 100001) &&
                 !ep_divide_pln(o, bad) && !ep_divide_plns(nullptr) &&
-                !ep_divide_plns(nan->next->next) && !ep_divide_plns(loop) && !ep_divide_plns(nan));
-    loop->next->next->next = nullptr;
-    freePoint(loop);
-    freePoint(nan);
-    point* list = pointList({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}});
+                !ep_divide_plns(nan.head->next->next) && !ep_divide_plns(loop.head) &&
+                !ep_divide_plns(nan.head));
+    loop.head->next->next->next = nullptr;
     expectAllocFailuresGiveNull(
         {[&] { return ep_divide_box(1, 2, 3, o, x, y, 1); },
          [&] { return ep_divide_wed(x, o, y, 2); }, [&] { return ep_divide_pri(o, top, x, 5); },
-         [&] { return ep_divide_pln(o, x); }, [&] { return ep_divide_plns(list); }});
-    freePoint(list);
+         [&] { return ep_divide_pln(o, x); }, [&] { return ep_divide_plns(list.head); }});
 }
 
 }  // namespace

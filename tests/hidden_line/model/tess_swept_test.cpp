@@ -5,7 +5,6 @@
 
 #include <string>
 
-#include "clip_records.h"
 #include "hd_tessellators.h"
 #include "hidden_line/model/solid_checks.h"
 
@@ -13,29 +12,6 @@ namespace {
 
 using namespace geolib;
 using namespace hdtest;
-using Outline = std::vector<P>;  // z ignored for a section
-
-// A point list holding the outline, released when it goes out of scope.
-struct PointList {
-    point* head = nullptr;
-    explicit PointList(const Outline& pts) {
-        point** link = &head;
-        for (const P& p : pts) {
-            *link = mallocPoint();
-            (*link)->pt = VoGePoint3D(p.x, p.y, p.z);
-            link = &(*link)->next;
-        }
-    }
-    ~PointList() { freePoint(head); }
-};
-
-// The outline through the corners (x, y) given in turn.
-Outline xy(std::initializer_list<double> v) {
-    Outline out;
-    for (auto i = v.begin(); i + 1 < v.end(); i += 2)
-        out.push_back({i[0], i[1], 0});
-    return out;
-}
 
 // Sections of size s: a rectangle, an I, an angle, a channel, a comb with a straight corner
 // half way along its back, and a star at random radii.
