@@ -64,20 +64,23 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
 }
 
 // No visible piece of a pipe entering a sphere, nor of a pipe behind it, lies behind the near
-// surface of the sphere the faces hold (radius r cos^2(pi / 8) for r = 10).
+// surface of the sphere the faces hold (radius r cos^2(pi / 8) for r = 10); nothing is seen
+// behind a pipe of radius 2 in front of them all (within 2 cos^2(pi / 8) of its axis).
 TEST(SphereAndRingPlate, SphereHidesWhatEntersItAndWhatLiesBehind) {
     const double h = std::cos(vgtest::kPi / 8), held = 10 * h * h - 1e-6;
     for (const P d : randomUnitVectors(24, 43)) {
         const P c{3, -2, 1};
-        _s_hd_prof_* objs[3] = {ep_divide_sph(c, 10), ep_divide_con(c, add(c, d, 30), 3, 3),
-                                ep_divide_con({-50, 0, 40}, {50, 0, 40}, 2, 2)};
-        _s_hd_proline_* vis = kestHideObject(objs, 3);
+        _s_hd_prof_* objs[4] = {ep_divide_sph(c, 10), ep_divide_con(c, add(c, d, 30), 3, 3),
+                                ep_divide_con({-50, 0, 40}, {50, 0, 40}, 2, 2),
+                                ep_divide_con({-90, 1, -60}, {90, 1, -60}, 2, 2)};
+        _s_hd_proline_* vis = kestHideObject(objs, 4);
         for (const auto* l = vis; l != nullptr; l = l->next) {
             for (double s : {0.0, 0.5, 1.0}) {
                 const P p = add(l->start, vecSub(l->end, l->start), s);
                 const double rho = std::hypot(p.x - c.x, p.y - c.y);
                 const bool behind = rho < held && p.z > c.z - std::sqrt(held * held - rho * rho);
                 EXPECT_FALSE(l->owner != 0 && behind) << l->owner << " " << d.x << " " << d.y;
+                EXPECT_FALSE(l->owner != 3 && std::fabs(p.y - 1) < 2 * h * h - 1e-6 && p.z > -58);
             }
         }
         releaseProline(vis);
