@@ -34,27 +34,20 @@ inline geolib::HDFace faceOf(const std::vector<P>& pts) {
 inline geolib::_s_hd_prof_* makeObject(const std::vector<std::vector<P>>& faces,
                                        const std::vector<Seg>& lines) {
     geolib::HDProfDraft draft;
-    bool seeded = false;
-    auto grow = [&](P p) {
-        if (seeded)
-            draft.extendBox(p);
-        else
-            draft.seedBox(p);
-        seeded = true;
-    };
+    std::vector<P> pts;
     for (const auto& f : faces) {
         if (f.size() == 3)
             draft.addTri(f[0], f[1], f[2]);
         else
             draft.addQuad(f[0], f[1], f[2], f[3]);
-        for (P p : f)
-            grow(p);
+        pts.insert(pts.end(), f.begin(), f.end());
     }
     for (const Seg& l : lines) {
         draft.addLine(l.first, l.second);
-        grow(l.first);
-        grow(l.second);
+        pts.insert(pts.end(), {l.first, l.second});
     }
+    for (std::size_t i = 0; i < pts.size(); ++i)
+        i == 0 ? draft.seedBox(pts[i]) : draft.extendBox(pts[i]);
     return draft.finish();
 }
 

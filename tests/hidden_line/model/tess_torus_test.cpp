@@ -25,7 +25,6 @@ struct Elbow {
         return add(scaled(std::cos(phi), u), vecCross(a, u), std::sin(phi));
     }
     P centre(double phi) const { return add(c, radial(phi), bend()); }
-    P tangent(double phi) const { return vecCross(a, radial(phi)); }
     bool full() const { return angle >= kTwoPi - 1e-9; }
     _s_hd_prof_* make() const { return ep_divide_tor(r, angle, c, s, a, n); }
 };
