@@ -243,6 +243,7 @@ TEST(BoxIndex, YieldsEveryTouchingBoxAscendingAndOnce) {
                 continue;
             const int limit = r() < 0.5 ? n : 1 + r.below(n);
             const int found = index.near(objs[i]->box, limit, near.data());
+            ASSERT_TRUE(found >= 0 && found <= limit) << i;
             std::vector<int> want;
             for (int j = 0; j < limit; ++j) {
                 if (objs[j] != nullptr && xyBoxesTouch(objs[j]->box, objs[i]->box))
