@@ -25,6 +25,7 @@
 #include "clip_records.h"
 #include "hd_engine.h"
 #include "hd_records.h"
+#include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/hd_points.h"
 #include "support/alloc_hook.h"
 #include "support/test_constants.h"
@@ -172,6 +173,11 @@ inline std::vector<P> randomUnitVectors(int count, unsigned seed) {
     for (P& v : out)
         v = unit(v);
     return out;
+}
+/// The chords round a ring of radius r about c: the curves' count made even.
+inline int ringChords(P c, double r) {
+    const int m = geolib::getCircleDivideNum(c, r);
+    return m + m % 2;
 }
 /// Log-uniform from lo to hi.
 inline double logUniform(vgtest::Lcg& r, double lo, double hi) {

@@ -34,8 +34,7 @@ struct Elbow {
 // silhouette turns round the tube, and the faces' outline has been seen up to two ring chords off
 // on the saddle side: allowed here so that it cannot grow unnoticed.
 double elbowOutlineBound(const Elbow& e) {
-    int m = getCircleDivideNum(e.c, e.r);
-    m += m % 2;
+    const int m = ringChords(e.c, e.r);
     const int chords = e.n > 0 ? e.n : getArcDivideNum(e.c, e.bend() + e.r, 0.0, e.angle);
     const double sagitta = std::max((e.bend() + e.r) * (1 - std::cos(e.angle / chords / 2)),
                                     e.r * (1 - std::cos(kPi / m)));
