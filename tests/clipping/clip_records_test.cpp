@@ -110,7 +110,7 @@ TEST(ClippingAlloc, EveryAllocatingFunctionFailsCleanly) {
     };
     for (std::size_t i = 0; i < calls.size(); ++i) {
         SCOPED_TRACE(i);
-        vgtest::forEachAllocationFailure(calls[i]);
+        vgtest::forEachFailure(false, calls[i]);
     }
     using Points = std::vector<P>;
     using Keys = std::vector<std::pair<short, P>>;
@@ -128,7 +128,7 @@ TEST(ClippingAlloc, EveryAllocatingFunctionFailsCleanly) {
         },
     };
     for (const auto& call : containerCalls) {
-        vgtest::forEachNewFailure([&] {
+        vgtest::forEachFailure(true, [&] {
             Points pts(2), more(3);
             Keys keys(1);
             try {

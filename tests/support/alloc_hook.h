@@ -68,16 +68,6 @@ long forEachFailure(bool news, Call&& call, bool throws = true) {
     return total;
 }
 
-template <class Call>
-long forEachAllocationFailure(Call&& call) {
-    return forEachFailure(false, call);
-}
-
-template <class Call>
-long forEachNewFailure(Call&& call) {
-    return forEachFailure(true, call);
-}
-
 }  // namespace vgtest
 
 #endif  // VOGEBASIC_TESTS_ALLOC_HOOK_H

@@ -24,14 +24,14 @@ void buildPair(bool releaseOnFailure) {
     std::free(b);
 }
 
-TEST(AllocationWatch, RefusesTheChosenRequestAndCountsWhatIsLeft) {
+TEST(AllocationHook, RefusesTheChosenRequestAndCountsWhatIsLeft) {
     {
         vgtest::Watch watch(false, 2);
         buildPair(false);
         EXPECT_TRUE(watch->refused && watch->requests == 2 && watch->live == 1);
     }
     std::free(g_leaked);
-    EXPECT_EQ(vgtest::forEachAllocationFailure([] { buildPair(true); }), 2);
+    EXPECT_EQ(vgtest::forEachFailure(false, [] { buildPair(true); }), 2);
 }
 
 }  // namespace

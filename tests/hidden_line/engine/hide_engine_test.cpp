@@ -199,7 +199,7 @@ TEST(KestHideObject, ReleasesAllItBuiltWhenAnAllocationFails) {
     std::vector<vgscene::Primitive> prims = degenerateScene();
     prims.resize(4);  // a sphere and three pipes through it
     for (auto pass : {kestHideObject, kestHideObjectReference}) {
-        const long mallocs = vgtest::forEachAllocationFailure([&] {
+        const long mallocs = vgtest::forEachFailure(false, [&] {
             std::vector<_s_hd_prof_*> objs = vgscene::tessellateAll(prims);
             kestFaceIntersectAll(objs.data(), static_cast<int>(objs.size()));
             _s_hd_proline_* out = pass(objs.data(), static_cast<int>(objs.size()));
