@@ -4,12 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <utility>
 #include <vector>
 
 #include "clip_convert.h"
 #include "clip_records.h"
+#include "support/test_constants.h"
 
 namespace vgtest {
 
@@ -26,26 +26,34 @@ inline Intervals intervalsOf(const geolib::paramt* list) {
 /// A list with the given intervals (for a test: allocations are not checked).
 inline geolib::paramt* listOf(const Intervals& iv) {
     geolib::paramt* head = nullptr;
-    geolib::paramt** link = &head;
-    for (const auto& i : iv) {
-        *link = geolib::mallocParamt(false);
-        (*link)->t0 = i.first;
-        (*link)->t1 = i.second;
-        link = &(*link)->next;
+    for (auto i = iv.rbegin(); i != iv.rend(); ++i) {
+        geolib::paramt* p = geolib::mallocParamt(false);
+        p->t0 = i->first;
+        p->t1 = i->second;
+        p->next = head;
+        head = p;
     }
     return head;
 }
 
-/// Both lists hold the same intervals, end by end within tol.
-inline ::testing::AssertionResult sameIntervals(const Intervals& got, const Intervals& want,
-                                                double tol) {
-    bool same = got.size() == want.size();
-    for (std::size_t k = 0; same && k < got.size(); ++k) {
-        same = std::fabs(got[k].first - want[k].first) <= tol &&
-               std::fabs(got[k].second - want[k].second) <= tol;
+/// Sorted, disjoint, non-empty intervals within [lo, hi].
+inline bool ordered(const Intervals& iv, double lo, double hi) {
+    double last = lo;
+    for (const auto& i : iv) {
+        if (!(last <= i.first && i.first < i.second && i.second <= hi))
+            return false;
+        last = i.second;
     }
-    return same ? ::testing::AssertionSuccess()
-                : ::testing::AssertionFailure() << ::testing::PrintToString(got);
+    return true;
+}
+
+/// x lies in one of the intervals (one with t1 < t0 wraps through the end of the turn).
+inline bool holds(const Intervals& iv, double x) {
+    for (const auto& i : iv) {
+        if (i.second < i.first ? (x >= i.first || x <= i.second) : (x >= i.first && x <= i.second))
+            return true;
+    }
+    return false;
 }
 
 /// A polygon through the corners (x, y) at z = 0, in the given order.
@@ -56,16 +64,10 @@ inline geolib::convex* polygonOf(const std::vector<std::pair<double, double>>& x
     return geolib::transPtArray2Convex(pts);
 }
 
-/// The corners of the first polygon of the list, in ring order.
-inline std::vector<VoGePoint3D> cornersOf(const geolib::convex* poly) {
-    std::vector<VoGePoint3D> pts;
-    geolib::transConvex2PtArray(poly, pts);
-    return pts;
-}
-
 /// Signed plan area (positive counter-clockwise) of the first polygon of the list.
 inline double signedArea(const geolib::convex* poly) {
-    const std::vector<VoGePoint3D> pts = cornersOf(poly);
+    std::vector<VoGePoint3D> pts;
+    geolib::transConvex2PtArray(poly, pts);
     double a = 0.0;
     for (std::size_t i = 0, n = pts.size(); i < n; ++i)
         a += pts[i].x * pts[(i + 1) % n].y - pts[(i + 1) % n].x * pts[i].y;

@@ -1,7 +1,12 @@
-// Test support: invariants of a tessellated solid, checked on generated cases of every curved
-// tessellator. A solid is well formed (planar faces of three or four vertices), closed and wound
-// outward, its box holds it, its vertices lie on the analytic surface, its lines are its sharp
-// edges and its contour edges in the view along Z, and drawn alone it shows its true outline.
+// Test support for the tessellators: one driver that checks a lone tessellated solid against
+// its analytic shape, and one that makes each allocation of a tessellator fail in turn.
+//
+// A solid is well formed (planar faces of three or four vertices with an area), closed (every
+// face edge shared by exactly two faces, run along in opposite directions) and wound outward,
+// its box is exactly the extent of its points, its vertices lie on the analytic surface, its
+// lines are its sharp edges (chords of its rims) and its contour edges in the view along Z,
+// every contour edge is drawn, and drawn alone (the hide pass on it alone) it shows its true
+// edges and outline within the largest chord sagitta of its lines.
 #ifndef VOGEBASIC_TESTS_SOLID_CHECKS_H
 #define VOGEBASIC_TESTS_SOLID_CHECKS_H
 
@@ -10,337 +15,375 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "clip_records.h"
 #include "hd_engine.h"
 #include "hd_records.h"
+#include "hidden_line/model/hd_builders.h"
+#include "hidden_line/model/hd_points.h"
+#include "support/alloc_hook.h"
+#include "support/test_constants.h"
 
 namespace hdtest {
 
 using P = geolib::_s_hd_point_;
+using geolib::vecCross;
+using geolib::vecDot;
+using geolib::vecSub;
+/// A true edge as a dense polyline; a single point is an apex.
+using Curve = std::vector<P>;
+using vgtest::kTwoPi;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
 
-/// A face whose right-hand normal has a Z component smaller than this (relative to its area)
-/// is seen edge-on: it is neither front nor back, and an edge it has is no contour.
-constexpr double kEdgeOnNormalZ = 1e-9;
-/// The hide pass takes a line whose direction lies within 0.0003 of Z as seen end-on and hides
-/// it whole, so a drawn outline may miss up to this fraction of the object's size.
-constexpr double kEndOnSlack = 3e-4;
-/// A four-vertex face is planar when its fourth vertex lies within this of the plane of the
-/// first three, relative to the object's size.
-constexpr double kPlanarRelTol = 1e-9;
-
-namespace solid {
-
-inline P sub(P a, P b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
+inline P add(P a, P b, double s = 1.0) {
+    return {a.x + s * b.x, a.y + s * b.y, a.z + s * b.z};
 }
-inline P cross(P a, P b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-inline double dot(P a, P b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
+inline P scaled(double s, P a) {
+    return {s * a.x, s * a.y, s * a.z};
 }
 inline double norm(P a) {
-    return std::sqrt(dot(a, a));
+    return std::sqrt(vecDot(a, a));
+}
+inline P unit(P a) {
+    return scaled(1.0 / norm(a), a);
+}
+/// Unit vectors u, v square to the unit n, with u x v = n.
+inline void squareTo(P n, P& u, P& v) {
+    u = unit(vecCross(n, std::fabs(n.x) < 0.6 ? P{1, 0, 0} : P{0, 1, 0}));
+    v = vecCross(n, u);
+}
+inline double distToSeg(P p, P a, P b) {
+    const P ab = vecSub(b, a);
+    const double l2 = vecDot(ab, ab);
+    return norm(
+        vecSub(p, add(a, ab, l2 > 0 ? std::clamp(vecDot(vecSub(p, a), ab) / l2, 0.0, 1.0) : 0.0)));
+}
+inline double distToCurve(P p, const Curve& c) {
+    double best = c.size() == 1 ? norm(vecSub(p, c[0])) : HUGE_VAL;
+    for (std::size_t i = 1; i < c.size(); ++i)
+        best = std::min(best, distToSeg(p, c[i - 1], c[i]));
+    return best;
+}
+inline double distToCurves(P p, const std::vector<Curve>& cs) {
+    double best = HUGE_VAL;
+    for (const Curve& c : cs)
+        best = std::min(best, distToCurve(p, c));
+    return best;
+}
+/// f(t) for t from `from` to `to` (a full turn by default), densely enough that its points lie
+/// within 3e-7 of its size of the curve.
+template <class F>
+Curve curve(F f, double from = 0.0, double to = kTwoPi) {
+    Curve c;
+    for (int i = 0; i <= 4096; ++i)
+        c.push_back(f(from + (to - from) * i / 4096));
+    return c;
+}
+/// The circle of radius r about c square to n, as a function of the angle.
+inline std::function<P(double)> circleAt(P c, double r, P n) {
+    P u, v;
+    squareTo(unit(n), u, v);
+    return [=](double t) { return add(c, add(scaled(std::cos(t), u), v, std::sin(t)), r); };
 }
 
-using Key = std::array<double, 3>;
-inline Key key(P p) {
-    return {p.x, p.y, p.z};
-}
-using EdgeKey = std::pair<Key, Key>;
-
-inline std::vector<std::vector<P>> faces(const geolib::_s_hd_prof_* obj) {
-    std::vector<std::vector<P>> out;
-    for (const geolib::_s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
-        out.emplace_back();
-        for (const geolib::_s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
-            out.back().push_back(v->pt);
+/// The contour generators in the view along Z of the surface f(u, v) over [u0, u1] x [v0, v1]:
+/// the points where its normal is square to Z, found by bisection on nu + 1 lines of constant u
+/// sampled at nv steps and on nv + 1 lines of constant v sampled at nu steps, each point chained
+/// to the curve of the line before that ends near it.
+inline std::vector<Curve> surfaceContours(const std::function<P(double, double)>& f, double u0,
+                                          double u1, int nu, double v0, double v1, int nv) {
+    std::vector<Curve> out;
+    for (int across = 0; across < 2; ++across) {
+        const int lines = across == 0 ? nu : nv, steps = across == 0 ? nv : nu;
+        const double s0 = across == 0 ? u0 : v0, s1 = across == 0 ? u1 : v1;
+        const double t0 = across == 0 ? v0 : u0, t1 = across == 0 ? v1 : u1;
+        const double hs = 1e-5 * (s1 - s0), ht = 1e-5 * (t1 - t0);
+        auto g = [&](double s, double t) { return across == 0 ? f(s, t) : f(t, s); };
+        auto normalZ = [&](double s, double t) {
+            const P n =
+                vecCross(vecSub(g(s + hs, t), g(s - hs, t)), vecSub(g(s, t + ht), g(s, t - ht)));
+            return n.z / norm(n);
+        };
+        std::vector<Curve> open;
+        for (int i = 0; i <= lines; ++i) {
+            const double s = s0 + (s1 - s0) * i / lines;
+            std::vector<double> nz(static_cast<std::size_t>(steps) + 1);
+            for (int j = 0; j <= steps; ++j)
+                nz[static_cast<std::size_t>(j)] = normalZ(s, t0 + (t1 - t0) * j / steps);
+            std::vector<Curve> next;
+            for (int j = 0; j < steps; ++j) {
+                const double a = nz[static_cast<std::size_t>(j)],
+                             b = nz[static_cast<std::size_t>(j) + 1];
+                if (std::isnan(a) || std::isnan(b) || (a < 0) == (b < 0))
+                    continue;
+                double lo = t0 + (t1 - t0) * j / steps, hi = t0 + (t1 - t0) * (j + 1) / steps;
+                for (int k = 0; k < 50; ++k)
+                    ((normalZ(s, 0.5 * (lo + hi)) < 0) == (a < 0) ? lo : hi) = 0.5 * (lo + hi);
+                const P p = g(s, lo);
+                const double jump = i > 0 ? 4 * norm(vecSub(p, g(s - (s1 - s0) / lines, lo))) : 0;
+                next.push_back({p});
+                for (Curve& o : open) {
+                    if (!o.empty() && norm(vecSub(o.back(), p)) <= jump) {
+                        o.push_back(p);
+                        next.back() = std::move(o);
+                        o.clear();
+                        break;
+                    }
+                }
+            }
+            for (Curve& o : open) {
+                if (!o.empty())
+                    out.push_back(std::move(o));
+            }
+            open = std::move(next);
+        }
+        out.insert(out.end(), open.begin(), open.end());
     }
     return out;
 }
 
-inline std::vector<std::pair<P, P>> lines(const geolib::_s_hd_proline_* l) {
-    std::vector<std::pair<P, P>> out;
-    for (; l != nullptr; l = l->next)
-        out.emplace_back(l->start, l->end);
-    return out;
+/// The generators of the ruled surface between the rims a(t) and b(t) where its normal is square
+/// to Z, over the angles from..to.
+inline std::vector<Curve> contourGenerators(const std::function<P(double)>& a,
+                                            const std::function<P(double)>& b, double from = 0.0,
+                                            double to = kTwoPi) {
+    return surfaceContours([&](double t, double s) { return add(a(t), vecSub(b(t), a(t)), s); },
+                           from, to, 1000, 0.0, 1.0, 4);
 }
 
-/// Every vertex of the faces, then both ends of every line.
-inline std::vector<P> points(const geolib::_s_hd_prof_* obj) {
-    std::vector<P> out;
-    for (const auto& f : faces(obj))
-        out.insert(out.end(), f.begin(), f.end());
-    for (const auto& [a, b] : lines(obj->proline))
-        out.insert(out.end(), {a, b});
-    return out;
-}
-
-/// The Newell normal of a face (its length is twice the area).
-inline P areaNormal(const std::vector<P>& f) {
-    P n{0, 0, 0};
-    for (std::size_t i = 0; i < f.size(); ++i) {
-        const P a = f[i];
-        const P b = f[(i + 1) % f.size()];
-        n.x += (a.y - b.y) * (a.z + b.z);
-        n.y += (a.z - b.z) * (a.x + b.x);
-        n.z += (a.x - b.x) * (a.y + b.y);
-    }
-    return n;
-}
-
-/// The diagonal of the object's box.
-inline double size(const geolib::_s_hd_prof_* obj) {
-    const double* b = obj->box;
-    return std::sqrt((b[0] - b[1]) * (b[0] - b[1]) + (b[2] - b[3]) * (b[2] - b[3]) +
-                     (b[4] - b[5]) * (b[4] - b[5]));
-}
-
-/// +1 front (normal towards -Z seen from outside means facing the viewer), -1 back, 0 edge-on:
-/// the sign of the unit normal's Z component, zero within kEdgeOnNormalZ.
-inline int facing(const std::vector<P>& f) {
-    const P n = areaNormal(f);
-    const double len = norm(n);
-    if (!(len > 0.0) || std::fabs(n.z) <= kEdgeOnNormalZ * len)
-        return 0;
-    return n.z < 0.0 ? 1 : -1;
-}
-
-inline EdgeKey undirected(P a, P b) {
-    Key ka = key(a);
-    Key kb = key(b);
-    if (kb < ka)
-        std::swap(ka, kb);
-    return {ka, kb};
-}
-
-inline double distToSegment(P p, P a, P b) {
-    const P ab = sub(b, a);
-    const double l2 = dot(ab, ab);
-    double t = l2 > 0.0 ? dot(sub(p, a), ab) / l2 : 0.0;
-    t = std::min(1.0, std::max(0.0, t));
-    const P q{a.x + t * ab.x, a.y + t * ab.y, a.z + t * ab.z};
-    return norm(sub(p, q));
-}
-
-inline double distToSegmentXY(P p, P a, P b) {
-    return distToSegment({p.x, p.y, 0.0}, {a.x, a.y, 0.0}, {b.x, b.y, 0.0});
-}
-
-/// The XY convex hull of the points (monotone chain), counter-clockwise.
-inline std::vector<P> hullXY(std::vector<P> pts) {
-    std::sort(pts.begin(), pts.end(),
-              [](P a, P b) { return a.x < b.x || (a.x == b.x && a.y < b.y); });
-    if (pts.size() < 3)
-        return pts;
-    auto turn = [](P o, P a, P b) { return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x); };
-    std::vector<P> h(2 * pts.size());
-    std::size_t k = 0;
-    for (std::size_t i = 0; i < pts.size(); ++i) {
-        while (k >= 2 && turn(h[k - 2], h[k - 1], pts[i]) <= 0)
-            --k;
-        h[k++] = pts[i];
-    }
-    for (std::size_t i = pts.size() - 1, t = k + 1; i > 0; --i) {
-        while (k >= t && turn(h[k - 2], h[k - 1], pts[i - 1]) <= 0)
-            --k;
-        h[k++] = pts[i - 1];
-    }
-    h.resize(k - 1);
-    return h;
-}
-
-}  // namespace solid
-
-/// Every face has three or four vertices and an area; a four-vertex face is planar within
-/// kPlanarRelTol of the object's size.
-inline void expectWellFormedFaces(const geolib::_s_hd_prof_* obj, const char* what) {
-    ASSERT_NE(obj, nullptr) << what;
-    const double size = solid::size(obj);
-    const auto faces = solid::faces(obj);
-    ASSERT_FALSE(faces.empty()) << what;
-    for (std::size_t i = 0; i < faces.size(); ++i) {
-        const auto& f = faces[i];
-        ASSERT_TRUE(f.size() == 3 || f.size() == 4)
-            << what << ": face " << i << " has " << f.size() << " vertices";
-        const P n = solid::areaNormal(f);
-        EXPECT_GT(solid::norm(n), 1e-12 * size * size) << what << ": face " << i << " has no area";
-        if (f.size() == 4) {
-            const P n3 = solid::cross(solid::sub(f[1], f[0]), solid::sub(f[2], f[0]));
-            const double off = std::fabs(solid::dot(solid::sub(f[3], f[0]), n3)) / solid::norm(n3);
-            EXPECT_LE(off, kPlanarRelTol * size) << what << ": face " << i << " is not planar";
-        }
-    }
-}
-
-/// Every face edge is shared by exactly two faces, which run along it in opposite directions,
-/// and the faces enclose a positive volume (they are wound outward).
-inline void expectClosedOutward(const geolib::_s_hd_prof_* obj, const char* what) {
-    ASSERT_NE(obj, nullptr) << what;
-    const auto faces = solid::faces(obj);
-    std::map<solid::EdgeKey, int> directed;
-    double volume6 = 0.0;
-    const P o{obj->box[1], obj->box[3], obj->box[5]};
-    for (const auto& f : faces) {
-        for (std::size_t i = 0; i < f.size(); ++i)
-            ++directed[{solid::key(f[i]), solid::key(f[(i + 1) % f.size()])}];
-        for (std::size_t i = 1; i + 1 < f.size(); ++i)
-            volume6 += solid::dot(solid::sub(f[0], o),
-                                  solid::cross(solid::sub(f[i], o), solid::sub(f[i + 1], o)));
-    }
-    int bad = 0;
-    for (const auto& [edge, count] : directed) {
-        const auto back = directed.find({edge.second, edge.first});
-        if (count != 1 || back == directed.end() || back->second != 1) {
-            if (++bad <= 3)
-                ADD_FAILURE() << what << ": edge (" << edge.first[0] << ", " << edge.first[1]
-                              << ", " << edge.first[2] << ") -> (" << edge.second[0] << ", "
-                              << edge.second[1] << ", " << edge.second[2] << ") used " << count
-                              << " times, reversed " << (back == directed.end() ? 0 : back->second)
-                              << " times";
-        }
-    }
-    EXPECT_EQ(bad, 0) << what << ": edges not shared by exactly two faces";
-    EXPECT_GT(volume6, 0.0) << what << ": faces are not wound outward";
-}
-
-/// The object's box is exactly the extent of its vertices and line ends.
-inline void expectBoxHolds(const geolib::_s_hd_prof_* obj, const char* what) {
-    ASSERT_NE(obj, nullptr) << what;
-    double want[6] = {-HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL};
-    for (const P p : solid::points(obj)) {
-        const double c[3] = {p.x, p.y, p.z};
-        for (int a = 0; a < 3; ++a) {
-            want[2 * a] = std::max(want[2 * a], c[a]);
-            want[2 * a + 1] = std::min(want[2 * a + 1], c[a]);
-        }
-    }
-    for (int k = 0; k < 6; ++k)
-        EXPECT_EQ(obj->box[k], want[k]) << what << ": box value " << k;
-}
-
-/// Every vertex and line end lies on the surface: |dist| <= tol.
-inline void expectOnSurface(const geolib::_s_hd_prof_* obj, const std::function<double(P)>& dist,
-                            double tol, const char* what) {
-    ASSERT_NE(obj, nullptr) << what;
-    double worst = 0.0;
-    for (const P p : solid::points(obj))
-        worst = std::max(worst, std::fabs(dist(p)));
-    EXPECT_LE(worst, tol) << what << ": a vertex lies off the surface";
-}
-
-/// Every line is an edge of the faces, drawn once, and either a sharp edge (isSharpEdge of its
-/// ends) or a contour edge: one of its two faces faces the viewer and the other faces away.
-/// Every contour edge of the faces is drawn, unless the object draws its surface's true
-/// silhouettes rather than its faces' outline (allContoursDrawn false; isSharpEdge then
-/// accepts them).
-inline void expectLinesAreEdges(const geolib::_s_hd_prof_* obj,
-                                const std::function<bool(P, P)>& isSharpEdge, const char* what,
-                                bool allContoursDrawn = true) {
-    ASSERT_NE(obj, nullptr) << what;
-    const auto faces = solid::faces(obj);
-    std::map<solid::EdgeKey, std::vector<int>> facing;  // the facing of each face along an edge
-    for (const auto& f : faces) {
-        const int side = solid::facing(f);
-        for (std::size_t i = 0; i < f.size(); ++i)
-            facing[solid::undirected(f[i], f[(i + 1) % f.size()])].push_back(side);
-    }
-    auto isContour = [](const std::vector<int>& sides) {
-        return sides.size() == 2 && sides[0] * sides[1] < 0;
-    };
-    std::map<solid::EdgeKey, int> drawn;
-    for (const auto& [a, b] : solid::lines(obj->proline)) {
-        const auto edge = solid::undirected(a, b);
-        EXPECT_EQ(++drawn[edge], 1) << what << ": a line is drawn twice";
-        const auto it = facing.find(edge);
-        if (it == facing.end()) {
-            ADD_FAILURE() << what << ": line (" << a.x << ", " << a.y << ", " << a.z << ") -> ("
-                          << b.x << ", " << b.y << ", " << b.z << ") is no face edge";
-            continue;
-        }
-        EXPECT_TRUE(isSharpEdge(a, b) || isContour(it->second))
-            << what << ": line (" << a.x << ", " << a.y << ", " << a.z << ") -> (" << b.x << ", "
-            << b.y << ", " << b.z << ") is neither a sharp edge nor a contour edge";
-    }
-    int missing = 0;
-    for (const auto& [edge, sides] : facing)
-        if (allContoursDrawn)
-            if (isContour(sides) && drawn.count(edge) == 0)
-                ++missing;
-    EXPECT_EQ(missing, 0) << what << ": contour edges not drawn";
-}
-
-/// The visible pieces of the lone object (the hide pass on it alone), each as its two ends.
-inline std::vector<std::pair<P, P>> visibleAlone(geolib::_s_hd_prof_* obj) {
-    geolib::_s_hd_prof_* objs[1] = {obj};
-    geolib::_s_hd_proline_* vis = geolib::kestHideObject(objs, 1);
-    auto out = solid::lines(vis);
-    geolib::releaseProline(vis);
-    return out;
-}
-
-/// Drawn alone, the object shows its true edges and nothing else: every visible piece lies
-/// within sagitta of the true edges (trueEdgeDist: the 3-D distance to the analytic rims,
-/// sharp edges and contour generator), and every vertex of the XY convex hull of the analytic
-/// surfaceSamples lies within sagitta (or gapAllowance, when larger) of a visible piece (the
-/// outline has no gap or notch).
-inline void expectDrawingTrue(geolib::_s_hd_prof_* obj,
-                              const std::function<double(P)>& trueEdgeDist,
-                              const std::vector<P>& surfaceSamples, double sagitta,
-                              const char* what, double gapAllowance = 0.0) {
-    ASSERT_NE(obj, nullptr) << what;
-    const double tol = sagitta * (1.0 + 1e-6) + kEndOnSlack * solid::size(obj);
-    const auto pieces = visibleAlone(obj);
-    ASSERT_FALSE(pieces.empty()) << what << ": nothing visible";
-    double worst = 0.0;
-    for (const auto& [a, b] : pieces) {
-        for (int k = 0; k <= 4; ++k) {
-            const double t = k / 4.0;
-            const P p{a.x + t * (b.x - a.x), a.y + t * (b.y - a.y), a.z + t * (b.z - a.z)};
-            worst = std::max(worst, trueEdgeDist(p));
-        }
-    }
-    EXPECT_LE(worst, tol) << what << ": a visible piece lies off the true edges";
-    double gap = 0.0;
-    for (P h : solid::hullXY(surfaceSamples)) {
-        double best = HUGE_VAL;
-        for (const auto& [a, b] : pieces)
-            best = std::min(best, solid::distToSegmentXY(h, a, b));
-        gap = std::max(gap, best);
-    }
-    EXPECT_LE(gap, std::max(tol, gapAllowance)) << what << ": the drawn outline leaves a gap";
-}
-
-/// count unit vectors: the six axis directions, six directions a hair off the axes, then
+/// count unit vectors: the six axis directions, six a hair off the axes or between them, then
 /// directions spread at random over the sphere (the same for the same seed everywhere).
 inline std::vector<P> randomUnitVectors(int count, unsigned seed) {
     std::vector<P> out = {{1, 0, 0},    {-1, 0, 0},     {0, 1, 0},     {0, -1, 0},
                           {0, 0, 1},    {0, 0, -1},     {1, 1e-7, 0},  {0, 1, -1e-7},
                           {1e-7, 0, 1}, {-1e-7, 0, -1}, {0.6, 0, 0.8}, {0, -0.8, 0.6}};
-    std::uint32_t s = seed * 2654435761u + 0x9E3779B9u;
-    auto next = [&s]() {
-        s ^= s << 13;
-        s ^= s >> 17;
-        s ^= s << 5;
-        return s / 4294967296.0;
-    };
+    vgtest::Lcg r(seed);
     while (static_cast<int>(out.size()) < count) {
-        const double z = 2.0 * next() - 1.0;
-        const double phi = 6.283185307179586 * next();
-        const double r = std::sqrt(std::max(0.0, 1.0 - z * z));
-        out.push_back({r * std::cos(phi), r * std::sin(phi), z});
+        const double z = r(-1, 1), phi = r(0, kTwoPi), s = std::sqrt(std::max(0.0, 1 - z * z));
+        out.push_back({s * std::cos(phi), s * std::sin(phi), z});
     }
-    out.resize(static_cast<std::size_t>(std::max(count, 0)));
-    for (P& v : out) {
-        const double l = solid::norm(v);
-        v = {v.x / l, v.y / l, v.z / l};
-    }
+    out.resize(static_cast<std::size_t>(count));
+    for (P& v : out)
+        v = unit(v);
     return out;
+}
+/// The chords round a ring of radius r about c: the curves' count made even.
+inline int ringChords(P c, double r) {
+    const int m = geolib::getCircleDivideNum(c, r);
+    return m + m % 2;
+}
+/// Log-uniform from lo to hi.
+inline double logUniform(vgtest::Lcg& r, double lo, double hi) {
+    return lo * std::pow(hi / lo, r());
+}
+
+/// An outline (z ignored for a section).
+using Outline = std::vector<P>;
+
+// A point list holding the outline, released when it goes out of scope.
+struct PointList {
+    geolib::point* head = nullptr;
+    explicit PointList(const Outline& pts) {
+        geolib::point** link = &head;
+        for (const P& p : pts) {
+            *link = geolib::mallocPoint();
+            (*link)->pt = VoGePoint3D(p.x, p.y, p.z);
+            link = &(*link)->next;
+        }
+    }
+    ~PointList() { geolib::freePoint(head); }
+};
+
+// The outline through the corners (x, y) given in turn.
+inline Outline xy(std::initializer_list<double> v) {
+    Outline out;
+    for (auto i = v.begin(); i + 1 < v.end(); i += 2)
+        out.push_back({i[0], i[1], 0});
+    return out;
+}
+
+/// The analytic shape of a solid.
+struct Solid {
+    std::vector<Curve> rims;           // sharp edges: a line may be a chord of one
+    std::vector<Curve> contours;       // contour generators in the view along Z
+    std::vector<P> samples;            // points of the surface: their XY extremes are outline
+    std::function<double(P)> surface;  // distance to the surface; none: to the rims and contours
+    double surfaceTol = 1e-6;          // relative to the object's size
+    double outlineTol = 0.0;           // how far the drawing may stray; 0: the largest sagitta
+    double gapTol = 0.0;               // how far the outline may lie from it; 0: as outlineTol
+    bool facesOutline = true;          // lines are the faces' own outline, not the true contours
+    bool flat = false;                 // flat-faced: every line is a true edge and a sharp one
+    bool drawing = true;               // false: only the faces and the vertices are checked
+};
+inline Solid flatSolid() {
+    Solid s;
+    s.flat = true;
+    return s;
+}
+
+/// Runs every check above on obj (which it releases) against the shape s.
+inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string& what) {
+    SCOPED_TRACE(what);
+    ASSERT_NE(obj, nullptr);
+    std::vector<std::vector<P>> faces;
+    std::vector<std::pair<P, P>> lines;
+    std::vector<P> pts;
+    for (const geolib::_s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
+        faces.emplace_back();
+        for (const geolib::_s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
+            faces.back().push_back(v->pt);
+        pts.insert(pts.end(), faces.back().begin(), faces.back().end());
+    }
+    for (const geolib::_s_hd_proline_* l = obj->proline; l != nullptr; l = l->next) {
+        lines.emplace_back(l->start, l->end);
+        pts.insert(pts.end(), {l->start, l->end});
+    }
+    const double* box = obj->box;
+    const double size = std::hypot(box[0] - box[1], box[2] - box[3], box[4] - box[5]);
+    const double tol = 1e-6 * size;
+    if (s.flat) {
+        for (const auto& [a, b] : lines)
+            s.rims.push_back({a, b});
+        s.samples = pts;
+    }
+    std::vector<Curve> all = s.rims;
+    all.insert(all.end(), s.contours.begin(), s.contours.end());
+    if (!s.surface)
+        s.surface = [&](P p) { return distToCurves(p, all); };
+    double want[6] = {-HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL}, off = 0.0;
+    for (const P p : pts) {
+        const double c[3] = {p.x, p.y, p.z};
+        for (int a = 0; a < 3; ++a) {
+            want[2 * a] = std::max(want[2 * a], c[a]);
+            want[2 * a + 1] = std::min(want[2 * a + 1], c[a]);
+        }
+        off = std::max(off, std::fabs(s.surface(p)));
+    }
+    for (int k = 0; k < 6; ++k)
+        EXPECT_EQ(box[k], want[k]) << "box value " << k;
+    EXPECT_LE(off, s.surfaceTol * size) << "a vertex lies off the surface";
+    using Key = std::array<double, 6>;
+    auto key = [](P a, P b) { return Key{a.x, a.y, a.z, b.x, b.y, b.z}; };
+    std::map<Key, int> directed;
+    std::map<Key, std::vector<int>> facing;  // the facing of each face along an undirected edge
+    double volume6 = 0.0;
+    const P o{box[1], box[3], box[5]};
+    for (const auto& f : faces) {
+        ASSERT_TRUE(f.size() == 3 || f.size() == 4) << f.size() << " vertices";
+        P n{0, 0, 0};
+        for (std::size_t i = 1; i + 1 < f.size(); ++i) {
+            n = add(n, vecCross(vecSub(f[i], f[0]), vecSub(f[i + 1], f[0])));
+            volume6 += vecDot(vecSub(f[0], o), vecCross(vecSub(f[i], o), vecSub(f[i + 1], o)));
+        }
+        EXPECT_GT(norm(n), 1e-12 * size * size) << "a face has no area";
+        if (f.size() == 4) {
+            const P n3 = vecCross(vecSub(f[1], f[0]), vecSub(f[2], f[0]));
+            EXPECT_LE(std::fabs(vecDot(vecSub(f[3], f[0]), n3)) / norm(n3), 1e-9 * size)
+                << "not planar";
+        }
+        // +1 facing the viewer (normal towards -Z), -1 away, 0 edge-on.
+        const int side = !(norm(n) > 0) || std::fabs(n.z) <= 1e-9 * norm(n) ? 0 : n.z < 0 ? 1 : -1;
+        for (std::size_t i = 0; i < f.size(); ++i) {
+            const P a = f[i], b = f[(i + 1) % f.size()];
+            ++directed[key(a, b)];
+            facing[std::min(key(a, b), key(b, a))].push_back(side);
+        }
+    }
+    int unpaired = 0;
+    for (const auto& [k, count] : directed) {
+        const auto back = directed.find(Key{k[3], k[4], k[5], k[0], k[1], k[2]});
+        unpaired += count != 1 || back == directed.end() || back->second != 1;
+    }
+    EXPECT_EQ(unpaired, 0) << "edges not shared by exactly two faces";
+    EXPECT_GT(volume6, 0.0) << "the faces are not wound outward";
+    if (!s.drawing) {
+        geolib::freeHDProfObjectPointer(obj);
+        return;
+    }
+    auto contour = [](const std::vector<int>& sides) {
+        return sides.size() == 2 && sides[0] * sides[1] < 0;
+    };
+    std::map<Key, int> drawn;
+    double sagitta = 0.0;
+    for (const auto& [a, b] : lines) {
+        const Key k = std::min(key(a, b), key(b, a));
+        EXPECT_EQ(++drawn[k], 1) << "a line is drawn twice";
+        const P mid = scaled(0.5, add(a, b));
+        bool sharp = s.flat;
+        double own = HUGE_VAL;  // the sagitta to the curve the line was cut from
+        for (std::size_t c = 0; c < all.size(); ++c) {
+            if (distToCurve(a, all[c]) > tol || distToCurve(b, all[c]) > tol)
+                continue;
+            own = std::min(own, distToCurve(mid, all[c]));
+            sharp = sharp || (c < s.rims.size() && all[c].size() > 1 &&
+                              distToCurve(mid, all[c]) <= 0.25 * norm(vecSub(a, b)) + tol);
+        }
+        sagitta = std::max(sagitta, own < HUGE_VAL ? own : distToCurves(mid, all));
+        const auto it = facing.find(k);
+        // Drawn true contours: both ends on one contour generator (to its sampling's accuracy).
+        bool onContour = false;
+        for (const Curve& c : s.contours)
+            onContour = onContour || (!s.facesOutline && distToCurve(a, c) <= 1e-4 * size &&
+                                      distToCurve(b, c) <= 1e-4 * size);
+        EXPECT_TRUE(it != facing.end() && (sharp || onContour || contour(it->second)))
+            << "line (" << a.x << ", " << a.y << ", " << a.z << ") -> (" << b.x << ", " << b.y
+            << ", " << b.z << ") is no sharp edge nor contour edge of the faces";
+    }
+    int missing = 0;
+    for (const auto& [k, sides] : facing)
+        missing += s.facesOutline && contour(sides) && drawn.count(k) == 0;
+    EXPECT_EQ(missing, 0) << "contour edges not drawn";
+    // Drawn alone: every visible piece on a true edge, every corner of the outline reached. The
+    // hide pass takes a line within 0.0003 of Z as end-on and hides it whole.
+    const double slack =
+        (s.outlineTol > 0 ? s.outlineTol : sagitta) * (1 + 1e-6) + tol + 3e-4 * size;
+    geolib::_s_hd_proline_* vis = geolib::kestHideObject(&obj, 1);
+    ASSERT_NE(vis, nullptr) << "nothing visible";
+    double worst = 0.0, gap = 0.0;
+    for (const geolib::_s_hd_proline_* l = vis; l != nullptr; l = l->next) {
+        for (int k = 0; k <= 4; ++k)
+            worst = std::max(worst,
+                             distToCurves(add(l->start, vecSub(l->end, l->start), k / 4.0), all));
+    }
+    EXPECT_LE(worst, slack) << "a visible piece lies off the true edges";
+    for (int k = 0; k < 360; ++k) {  // the outline's extreme points in 360 directions
+        const double cx = std::cos(kTwoPi * k / 360), cy = std::sin(kTwoPi * k / 360);
+        const P h = *std::max_element(s.samples.begin(), s.samples.end(), [&](P a, P b) {
+            return a.x * cx + a.y * cy < b.x * cx + b.y * cy;
+        });
+        double best = HUGE_VAL;
+        for (const geolib::_s_hd_proline_* l = vis; l != nullptr; l = l->next)
+            best = std::min(best, distToSeg({h.x, h.y, 0}, {l->start.x, l->start.y, 0},
+                                            {l->end.x, l->end.y, 0}));
+        gap = std::max(gap, best);
+    }
+    geolib::releaseProline(vis);
+    EXPECT_LE(gap, std::max(slack, s.gapTol)) << "the drawn outline leaves a gap";
+    geolib::freeHDProfObjectPointer(obj);
+}
+
+/// Each call with each of its allocations failing in turn, those of malloc and then those of
+/// operator new (the containers' ones): it gives null exactly when one was refused, throws
+/// nothing and leaks nothing.
+inline void expectAllocFailuresGiveNull(
+    const std::vector<std::function<geolib::_s_hd_prof_*()>>& calls) {
+    for (const auto& call : calls) {
+        for (bool news : {false, true}) {
+            auto run = [&] {
+                geolib::_s_hd_prof_* obj = call();
+                EXPECT_EQ(obj == nullptr, vgtest::failing());
+                geolib::freeHDProfObjectPointer(obj);
+            };
+            vgtest::forEachFailure(news, run, false);
+        }
+    }
 }
 
 }  // namespace hdtest
