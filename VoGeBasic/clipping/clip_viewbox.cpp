@@ -80,6 +80,15 @@ bool viewBoxTrimLine(const Box3D* box, const VoGePoint3D& p0, const VoGePoint3D&
                      double& u1) {
     if (box == nullptr)
         return false;
+    // A piece with a coordinate that is not finite has no place in any view: it misses.
+    const double coords[6] = {p0.x, p0.y, p0.z, p1.x, p1.y, p1.z};
+    for (double c : coords) {
+        if (!std::isfinite(c)) {
+            u0 = 1.0;
+            u1 = 0.0;
+            return false;
+        }
+    }
     std::vector<VoGePoint3D> rings[3];
     get3DBoxProject2d(box->min, box->max, rings[0], rings[1], rings[2]);
     ViewPolygons views;

@@ -36,7 +36,8 @@ VOGEBASIC_API void get3DBoxProject2d(const VoGePoint3D& p, const VoGePoint3D& q,
 /// (0 at p0, 1 at p1). Views in which the piece is a point (both coordinate differences below
 /// 0.01) are skipped: along x plan and front are used, along y plan and side, along z front and
 /// side, otherwise plan, side and front. Returns true with the range; false with u0 = 1,
-/// u1 = 0 when a view misses the piece (a piece that is a point in every view included) or when
+/// u1 = 0 when a view misses the piece (a piece that is a point in every view included, or one
+/// with a coordinate that is not finite, which no view can place) or when
 /// the ranges of the views have nothing in common, so that a true result always carries
 /// u0 <= u1 (each view alone can see a piece cross a thin box that it misses); false
 /// with u0, u1 as they were when box is null or an allocation fails. The view rectangles are

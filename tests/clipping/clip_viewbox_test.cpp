@@ -29,6 +29,7 @@ TEST(ViewBoxTrimLine, RangeInsideTheBoxAndSegmentsMeetingIt) {
         {{5, 5, 5}, {5, 5, 5}, false, 1, 0, true},             // a point
         {{-5, 5, 5}, {-0.5e-4, 5, 5}, false, 1, 0, true},
         {{-5, 5, 5}, {-2e-4, 5, 5}, false, 1, 0, false},
+        {{std::numeric_limits<double>::quiet_NaN(), 5, 5}, {5, 5, 5}, false, 1, 0, false},
     };
     for (const auto& c : cases) {
         double u0 = -7, u1 = -7;
