@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 // The parameter is measured on the largest direction component, x winning ties within 1e-6;

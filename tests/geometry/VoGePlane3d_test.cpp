@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 // x + y + z = 1 crossed by segments: on the segment, short of it by less or more than the end
