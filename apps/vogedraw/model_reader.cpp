@@ -179,10 +179,10 @@ bool parseLine(const std::string& text, int line, const std::string& name,
     prim.v.reserve(fields.size());
     for (std::size_t i = 0; i < fields.size(); ++i) {
         static const char* const xyz[3] = {"x", "y", "z"};
-        const std::size_t k = i - all;  // within the points
         const std::size_t size = static_cast<std::size_t>(form->pointSize);
         const std::string field =
-            i < all ? form->fields[i] : std::string(xyz[k % size]) + std::to_string(k / size);
+            i < all ? form->fields[i]
+                    : std::string(xyz[(i - all) % size]) + std::to_string((i - all) / size);
         double value = 0;
         std::string why;
         bool ok = toNumber(fields[i], value, why);

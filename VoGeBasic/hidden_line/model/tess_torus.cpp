@@ -83,15 +83,11 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
 // the end, so that the lines come in the documented order.
 class ElbowBuilder {
 public:
-    /// step: the angle between the chosen rings.
-    ElbowBuilder(const Bend& bend, bool fullTurn, double step, HDProfDraft& draft)
-        : bend_(bend),
-          fullTurn_(fullTurn),
-          step_(step),
-          draft_(draft),
-          size_(2.0 * bend.tubeRadius) {}
+    ElbowBuilder(const Bend& bend, bool fullTurn, HDProfDraft& draft)
+        : bend_(bend), fullTurn_(fullTurn), draft_(draft), size_(2.0 * bend.tubeRadius) {}
 
-    void start() {
+    // Makes the first ring; step is the angle between the chosen rings.
+    void start(double step) {
         first_ = stationAt(bend_, 0.0, nullptr);
         if (!makeRing(first_, firstRing_))
             return;
@@ -103,7 +99,7 @@ public:
         const double r = bend_.tubeRadius;
         chainTol_ =
             kChainTolMargin * std::fmax(r * (1.0 - std::cos(core::kPi / m)),
-                                        (bend_.bendRadius + r) * (1.0 - std::cos(0.5 * step_)));
+                                        (bend_.bendRadius + r) * (1.0 - std::cos(0.5 * step)));
         draft_.seedBox(firstRing_.pts[0]);
         extendBox(firstRing_);
         if (!fullTurn_) {
@@ -222,7 +218,6 @@ private:
 
     Bend bend_;
     bool fullTurn_;
-    double step_;
     HDProfDraft& draft_;
     double size_;
     double maxTwist_ = 0.0;
@@ -300,8 +295,8 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
     double endOn[2];
     const int endOnCount = endOnAngles(b, sweep, n, endOn);
     HDProfDraft draft;
-    ElbowBuilder builder(b, fullTurn, sweep / n, draft);
-    builder.start();
+    ElbowBuilder builder(b, fullTurn, draft);
+    builder.start(sweep / n);
     int nextEndOn = 0;
     for (int k = 1; k <= n && draft.ok(); ++k) {
         const double phi = k == n ? sweep : sweep * k / n;
