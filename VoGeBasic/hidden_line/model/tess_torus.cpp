@@ -32,6 +32,10 @@ constexpr _s_hd_point_ kViewAxis = {0.0, 0.0, 1.0};
 /// A silhouette chain may stray this much over the chord sagittas the chosen rings allow before a
 /// ring is put in: rounding alone never adds one.
 constexpr double kChainTolMargin = 1.01;
+/// Far from the origin the chains' points carry rounding errors of their coordinates' size: a
+/// chain is never asked to keep closer than this fraction of them (an elbow at 1e308 would
+/// otherwise fill itself with rings to the limit).
+constexpr double kChainRoundingRel = 1e-9;
 /// Depth of the ring subdivision between two chosen rings: far more than halving a full turn
 /// down to kMinRingStep needs.
 constexpr int kMaxRingDepth = 64;
@@ -100,6 +104,10 @@ public:
         chainTol_ =
             kChainTolMargin * std::fmax(r * (1.0 - std::cos(core::kPi / m)),
                                         (bend_.bendRadius + r) * (1.0 - std::cos(0.5 * step)));
+        const double reach =
+            std::fmax(std::fmax(std::fabs(bend_.c.x), std::fabs(bend_.c.y)), std::fabs(bend_.c.z)) +
+            bend_.bendRadius + r;
+        chainTol_ = std::fmax(chainTol_, kChainRoundingRel * reach);
         draft_.seedBox(firstRing_.pts[0]);
         extendBox(firstRing_);
         if (!fullTurn_) {
@@ -178,7 +186,8 @@ private:
             const _s_hd_point_ b = linComb(1.0, st.centre, side * r, st.split);
             const _s_hd_point_ m = linComb(1.0, mid.centre, side * r, mid.split);
             const _s_hd_point_ d = linComb(1.0, m, -0.5, vecAdd(a, b));
-            if (!(vecDot(d, d) <= chainTol_ * chainTol_))
+            // A chain that rounding alone puts off (or that cannot be measured) adds no ring.
+            if (vecDot(d, d) > chainTol_ * chainTol_)
                 return true;
         }
         return false;
