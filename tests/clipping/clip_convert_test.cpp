@@ -31,7 +31,8 @@ TEST(ClipConvert, RingsRoundTripAndTransformsMoveEveryEdgeEndOnce) {
         EXPECT_TRUE(p->edges->next->next->next->next == p->edges) << "the ring closes";
     }
     freeConvex(poly);
-    EXPECT_TRUE(convertBox2Convex(nullptr) == nullptr && transPtArray2Convex({}) == nullptr);
+    EXPECT_EQ(convertBox2Convex(nullptr), nullptr);
+    EXPECT_EQ(transPtArray2Convex({}), nullptr);
 }
 
 }  // namespace

@@ -52,9 +52,11 @@ TEST(ConvexIdentify, OutlinesSplitIntoConvexPiecesOfTheSameAreaOrAreRefusedUntou
         convex* polys = vgtest::polygonOf(c.outline);
         EXPECT_EQ(ConvexIdentify(polys), c.ok) << c.outline.size();
         const Pieces p = piecesOf(polys);
-        EXPECT_TRUE(p.unclosed == 0 && (c.pieces == 0 || p.count == c.pieces) &&
-                    (c.area == 0 || std::fabs(p.area - c.area) < 1e-9) && (!c.ok || p.reflex == 0))
-            << c.outline.size();
+        SCOPED_TRACE(c.outline.size());
+        EXPECT_EQ(p.unclosed, 0);
+        EXPECT_TRUE(c.pieces == 0 || p.count == c.pieces) << p.count << " pieces";
+        EXPECT_TRUE(c.area == 0 || std::fabs(p.area - c.area) < 1e-9) << "area " << p.area;
+        EXPECT_TRUE(!c.ok || p.reflex == 0) << "a piece is not convex";
         freeConvex(polys);
     }
     EXPECT_TRUE(ConvexIdentify(nullptr));
@@ -80,7 +82,8 @@ TEST(ConvexIdentify, HostileRingsComeBackReleasableAndTrueMeansConvexPieces) {
         convex* polys = vgtest::polygonOf(o);
         const bool split = ConvexIdentify(polys);
         const Pieces p = piecesOf(polys);
-        EXPECT_TRUE(p.unclosed == 0 && (!split || p.reflex == 0)) << r;
+        EXPECT_EQ(p.unclosed, 0) << r;
+        EXPECT_TRUE(!split || p.reflex == 0) << "a piece is not convex " << r;
         freeConvex(polys);
     }
 }

@@ -82,9 +82,10 @@ TEST(IntervalLists, RandomCutsKeepTheListsInOrderAndRemoveOnlyTheCut) {
         for (int k = 0; k < 4; ++k)
             subParamt(arc, next(0, kTwoPi), next(0, kTwoPi), true);
         const Intervals iv = intervalsOf(arc);
-        for (const auto& i : iv)
-            EXPECT_TRUE(std::fmin(i.first, i.second) >= 0 &&
-                        std::fmax(i.first, i.second) <= kTwoPi);
+        for (const auto& i : iv) {
+            EXPECT_GE(std::fmin(i.first, i.second), 0.0);
+            EXPECT_LE(std::fmax(i.first, i.second), kTwoPi);
+        }
         paramt* gaps = getHideParamt(arc, 0, kTwoPi, true);
         const Intervals g = intervalsOf(gaps);
         EXPECT_TRUE(vgtest::ordered(g, 0, kTwoPi)) << ::testing::PrintToString(g);

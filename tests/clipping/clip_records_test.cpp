@@ -28,8 +28,10 @@ TEST(ClipBoxes, HoldPointsWithinOneMillionthOutside) {
     b.set(0, 10, 0, 10);
     Box3D p;
     p.set1(P(0, 0, 0), P(1, 1, 1));
-    EXPECT_TRUE(b.contains(P(-0.5e-6, 5, 0)) && p.contain(P(0.5, 1 + 0.5e-6, 0.5)));
-    EXPECT_FALSE(b.contains(P(-2e-6, 5, 0)) || p.contain(P(0.5, 1 + 2e-6, 0.5)));
+    EXPECT_TRUE(b.contains(P(-0.5e-6, 5, 0)));
+    EXPECT_TRUE(p.contain(P(0.5, 1 + 0.5e-6, 0.5)));
+    EXPECT_FALSE(b.contains(P(-2e-6, 5, 0)));
+    EXPECT_FALSE(p.contain(P(0.5, 1 + 2e-6, 0.5)));
 }
 
 // Every allocating clipping function (and the solver), each allocation failing in turn: the
@@ -134,8 +136,9 @@ TEST(ClippingAlloc, EveryAllocatingFunctionFailsCleanly) {
             try {
                 call(pts, more, keys);
             } catch (const std::bad_alloc&) {
-                EXPECT_TRUE(pts.size() == 2 && more.size() == 3 && keys.size() == 1)
-                    << "the caller's lists changed";
+                EXPECT_EQ(pts.size(), 2u) << "the caller's list changed";
+                EXPECT_EQ(more.size(), 3u) << "the caller's second list changed";
+                EXPECT_EQ(keys.size(), 1u) << "the caller's keypoints changed";
                 throw;
             }
         });

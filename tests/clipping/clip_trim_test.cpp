@@ -93,7 +93,8 @@ TEST(ConvexTrimLineSeg, RandomPiecesLoseExactlyWhatLiesInsideThePolygons) {
     }
     line_cut* piece = mallocLineCut(P(-1, 1, 0), P(11, 1, 0));
     convex* empty = mallocConvex();
-    EXPECT_TRUE(convexTrimLineSeg(nullptr, piece) && convexTrimLineSeg(empty, piece));
+    EXPECT_TRUE(convexTrimLineSeg(nullptr, piece));
+    EXPECT_TRUE(convexTrimLineSeg(empty, piece));
     EXPECT_EQ(intervalsOf(piece->params), (Intervals{{0, 1}})) << "nothing hides nothing";
     freeConvex(empty);
     freeLineCut(piece);

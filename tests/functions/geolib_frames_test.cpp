@@ -55,8 +55,10 @@ TEST(Keypoints, FirstMatchingNumberIsOverwrittenAndFetched) {
     setKeypointOfNo(kps, 3, VoGePoint3D(9, 9, 9));
     setKeypointOfNo(kps, 4, VoGePoint3D(4, 4, 4));
     VoGePoint3D got(-1, -1, -1);
-    EXPECT_TRUE(kps.size() == 3 && kps[1].second.x == 2.0);
-    EXPECT_TRUE(getKeypointOfNo(kps, 3, got) && got.x == 9.0);
+    ASSERT_EQ(kps.size(), 3u);
+    EXPECT_EQ(kps[1].second.x, 2.0);
+    EXPECT_TRUE(getKeypointOfNo(kps, 3, got));
+    EXPECT_EQ(got.x, 9.0);
     EXPECT_FALSE(getKeypointOfNo(kps, 5, got));
     EXPECT_EQ(got.x, 9.0);
 }

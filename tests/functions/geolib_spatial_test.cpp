@@ -66,7 +66,8 @@ TEST(ArcParameters, CodesAndRoundTripsOnATiltedCircle) {
     EXPECT_FALSE(getCircleCenter(P(0, 0, 0), P(0.5e-4, 0, 0), P(3, 1, 0), centre));
     EXPECT_FALSE(getCircleCenter(P(0, 0, 0), P(kNaN, 0, 0), P(3, 1, 0), centre));
     EXPECT_FALSE(getArcParamFromPoints(P(0, 0, 0), P(1, 0, 0), P(2, 0, 0), untouched, b0, b1));
-    EXPECT_TRUE(centre.x == 9.0 && b0 == -1.0);
+    EXPECT_EQ(centre.x, 9.0);
+    EXPECT_EQ(b0, -1.0);
 }
 
 }  // namespace

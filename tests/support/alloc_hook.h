@@ -62,7 +62,8 @@ long forEachFailure(bool news, Call&& call, bool throws = true) {
         total = k == 0 ? (news ? n->requests : m->requests) : total;
         EXPECT_TRUE(k == 0 || (news ? n->refused : m->refused)) << "not requested: " << k;
         EXPECT_EQ(threw, news && throws && k > 0) << "allocation " << k;
-        EXPECT_TRUE(n->live == 0 && m->live == 0) << "blocks left when " << k << " failed";
+        EXPECT_EQ(m->live, 0) << "malloc'd blocks left when " << k << " failed";
+        EXPECT_EQ(n->live, 0) << "blocks of new left when " << k << " failed";
     }
     EXPECT_TRUE(total > 0 || !news || !throws) << "the call made no allocation to fail";
     return total;

@@ -39,11 +39,12 @@ bool samePoint(const _s_hd_point_& a, const _s_hd_point_& b) {
 void expectSameLists(const _s_hd_proline_* a, const _s_hd_proline_* b) {
     long k = 0;
     for (; a != nullptr && b != nullptr; a = a->next, b = b->next, ++k) {
-        ASSERT_TRUE(samePoint(a->start, b->start) && samePoint(a->end, b->end) &&
-                    a->owner == b->owner)
-            << "node " << k;
+        ASSERT_TRUE(samePoint(a->start, b->start)) << "start of node " << k;
+        ASSERT_TRUE(samePoint(a->end, b->end)) << "end of node " << k;
+        ASSERT_EQ(a->owner, b->owner) << "owner of node " << k;
     }
-    EXPECT_TRUE(a == nullptr && b == nullptr) << "lengths differ after " << k << " nodes";
+    EXPECT_EQ(a, nullptr) << "the engine gives more than " << k << " nodes";
+    EXPECT_EQ(b, nullptr) << "the reference gives more than " << k << " nodes";
 }
 
 // Two copies of a scene, one registered for face intersection in one call, the other object by
@@ -243,7 +244,8 @@ TEST(BoxIndex, YieldsEveryTouchingBoxAscendingAndOnce) {
                 continue;
             const int limit = r() < 0.5 ? n : 1 + r.below(n);
             const int found = index.near(objs[i]->box, limit, near.data());
-            ASSERT_TRUE(found >= 0 && found <= limit) << i;
+            ASSERT_GE(found, 0) << i;
+            ASSERT_LE(found, limit) << i;
             std::vector<int> want;
             for (int j = 0; j < limit; ++j) {
                 if (objs[j] != nullptr && xyBoxesTouch(objs[j]->box, objs[i]->box))
@@ -303,7 +305,8 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
         on += expected;
         ASSERT_EQ(isPointOnSeg(p, a, b), expected) << k;
     }
-    EXPECT_TRUE(on > 20000 && on < 180000) << on;
+    EXPECT_GT(on, 20000);
+    EXPECT_LT(on, 180000);
 }
 
 // The inside test decides from the rough angle sum away from its tolerance's edges: its answers
@@ -351,7 +354,8 @@ TEST(IsPointInFace, AnswersAsMeasuringEveryAngle) {
             ASSERT_EQ(isPointInFace(p, count, v), expected) << n << " " << k;
         }
     }
-    EXPECT_TRUE(inside > 8000 && inside < 72000) << inside;
+    EXPECT_GT(inside, 8000);
+    EXPECT_LT(inside, 72000);
 }
 
 }  // namespace

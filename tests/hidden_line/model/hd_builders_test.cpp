@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "hidden_line/model/solid_checks.h"
 
@@ -20,12 +21,12 @@ using hdtest::P;
 TEST(HDBuilders, SnapsFloorsStrictPointTestsSummationOrderAndChordCounts) {
     EXPECT_EQ(vecLength({2e-5, 0.5e-9, 0}), 2e-5);
     EXPECT_NE(vecLength({2e-5, 2e-9, 0}), 2e-5);
-    EXPECT_TRUE(vecLength({std::sqrt(0.5e-10), 0, 0}) == 0 &&
-                vecLength({std::sqrt(2e-10), 0, 0}) > 0);
-    EXPECT_TRUE(isSamePoint({0, 0, 0}, {0.0025, -0.0025, 0.004}) &&
-                !isSamePoint({0, 0, 0}, {0, 0, 0.005}));
-    EXPECT_TRUE(isSamePointFine({0, 0, 0}, {2.5e-7, 0, -2.5e-7}) &&
-                !isSamePointFine({0, 0, 0}, {0, 1e-6, 0}));
+    EXPECT_EQ(vecLength({std::sqrt(0.5e-10), 0, 0}), 0.0);
+    EXPECT_GT(vecLength({std::sqrt(2e-10), 0, 0}), 0.0);
+    EXPECT_TRUE(isSamePoint({0, 0, 0}, {0.0025, -0.0025, 0.004}));
+    EXPECT_FALSE(isSamePoint({0, 0, 0}, {0, 0, 0.005}));
+    EXPECT_TRUE(isSamePointFine({0, 0, 0}, {2.5e-7, 0, -2.5e-7}));
+    EXPECT_FALSE(isSamePointFine({0, 0, 0}, {0, 1e-6, 0}));
     EXPECT_EQ(det3x3(1, 2, 3, 4, 5, 6, 7, 8, 10), -3.0);
     EXPECT_EQ(det3x3(1e8, 1, 1e8, 0, 1e8, 1, 1, 0, 1), 0.0);
     const double cases[][2] = {{0.4, 8},   {13.1, 8},  {13.2, 9}, {20, 10},  {24.6, 11},
@@ -52,16 +53,16 @@ TEST(HDBuilders, ArcChordsCloseExactlyAndBadInputLeavesTheListAlone) {
                         std::fabs(l->start.y - std::sin(a)) < 1e-12)
                 << k;
             const P next = l->next != nullptr ? l->next->start : x;
-            EXPECT_TRUE(l->end.x == next.x && l->end.y == next.y && l->end.z == next.z) << k;
+            EXPECT_EQ(std::memcmp(&l->end, &next, sizeof next), 0) << "chord " << k << " is open";
         }
         EXPECT_EQ(k, n);
         releaseProline(ring);
     }
     _s_hd_proline_* list = appendProline({9, 9, 9}, {8, 8, 8}, nullptr);
-    EXPECT_FALSE(divideArc2Proline(o, x, z, x, -1, list) ||
-                 divideArc2Proline(o, x, z, x, 100001, list) ||
-                 divideArc2Proline({kNaN, 0, 0}, x, z, x, 0, list) ||
-                 divideArc2Proline(o, x, {0, kInf, 0}, {0, 1, 0}, 6, list));
+    EXPECT_FALSE(divideArc2Proline(o, x, z, x, -1, list));
+    EXPECT_FALSE(divideArc2Proline(o, x, z, x, 100001, list));
+    EXPECT_FALSE(divideArc2Proline({kNaN, 0, 0}, x, z, x, 0, list));
+    EXPECT_FALSE(divideArc2Proline(o, x, {0, kInf, 0}, {0, 1, 0}, 6, list));
     EXPECT_EQ(list->next, nullptr);
     vgtest::forEachFailure(false, [&] {
         if (divideArc2Proline(o, x, z, x, 8, list))

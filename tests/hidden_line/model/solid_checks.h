@@ -16,6 +16,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <initializer_list>
 #include <limits>
 #include <map>
 #include <string>
@@ -367,6 +368,15 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
     geolib::releaseProline(vis);
     EXPECT_LE(gap, std::max(slack, s.gapTol)) << "the drawn outline leaves a gap";
     geolib::freeHDProfObjectPointer(obj);
+}
+
+/// Each object of the list was refused (null); names the first one that was not, and releases it.
+inline void expectRefused(std::initializer_list<geolib::_s_hd_prof_*> objs) {
+    int k = 0;
+    for (geolib::_s_hd_prof_* obj : objs) {
+        EXPECT_EQ(obj, nullptr) << "call " << k++ << " of the list was taken";
+        geolib::freeHDProfObjectPointer(obj);
+    }
 }
 
 /// Each call with each of its allocations failing in turn, those of malloc and then those of

@@ -35,12 +35,12 @@ TEST(FlatFacedSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     PointList loop(xy({0, 0, 3, -1, 1, 4})), nan(xy({0, 0, 3, kNaN, 1, 4})),
         list(xy({0, 0, 1, 0, 1, 1}));
     loop.head->next->next->next = loop.head->next;  // closes on itself: refused, not walked
-    EXPECT_TRUE(!ep_divide_box(kNaN, 1, 1, o, x, y, 1) && !ep_divide_box(1, 1, 1, o, x, bad, 1) &&
-                !ep_divide_wed(o, x, y, kInf) && !ep_divide_pri(o, {0, 0, kNaN}, x, 6) &&
-                !ep_divide_pri(o, top, x, -1) && !ep_divide_pri(o, top, x, 100001) &&
-                !ep_divide_pln(o, bad) && !ep_divide_plns(nullptr) &&
-                !ep_divide_plns(nan.head->next->next) && !ep_divide_plns(loop.head) &&
-                !ep_divide_plns(nan.head));
+    expectRefused({ep_divide_box(kNaN, 1, 1, o, x, y, 1), ep_divide_box(1, 1, 1, o, x, bad, 1),
+                   ep_divide_wed(o, x, y, kInf), ep_divide_pri(o, {0, 0, kNaN}, x, 6),
+                   ep_divide_pri(o, top, x, -1), ep_divide_pri(o, top, x, 100001),
+                   ep_divide_pln(o, bad), ep_divide_plns(nullptr),
+                   ep_divide_plns(nan.head->next->next), ep_divide_plns(loop.head),
+                   ep_divide_plns(nan.head)});
     loop.head->next->next->next = nullptr;
     expectAllocFailuresGiveNull(
         {[&] { return ep_divide_box(1, 2, 3, o, x, y, 1); },

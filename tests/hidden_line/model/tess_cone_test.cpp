@@ -74,18 +74,17 @@ TEST(RuledSolids, RandomConesAreClosedAndDrawnByRimsAndSilhouettes) {
 // cylinder's cut that holds its axis.
 TEST(RuledSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     const P o{0, 0, 0}, x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1}, nan{kNaN, 0, 0}, far{0, 0, 5};
-    // Every call below is refused.
-    EXPECT_TRUE(!ep_divide_con(nan, far, 1, 1) && !ep_divide_con(o, far, kInf, 1) &&
-                !ep_divide_con(o, far, -1, 1) && !ep_divide_con(o, far, 0.009, 0.005) &&
-                !ep_divide_con(o, {0, 0, 1e-7}, 1, 1) && !ep_divide_ecn(o, far, 1, 2, o) &&
-                !ep_divide_ecn(o, far, 1, 2, nan) && !ep_divide_ecn(o, {3, 0, 0}, 1, 2, z) &&
-                !ep_divide_scn(2, 1, 3, 0, 0, o, x, y, z, 0) &&
-                !ep_divide_scn(2, 1, 3, 0, 0, o, x, y, z, kNaN) &&
-                !ep_divide_scn(2, 1, 3, 0, 0, o, x, x, z, 0.1) &&
-                !ep_divide_scn(2, 1, 0, 1, 1, o, x, y, z, 0.1) &&
-                !ep_divide_scn(2, 1, 3, kInf, 0, o, x, y, z, 1) && !ep_divide_scy(o, far, 1, x) &&
-                !ep_divide_scy(o, far, 1, o) && !ep_divide_scy(o, far, 0.005, z) &&
-                !ep_divide_scy(o, o, 1, z));
+    expectRefused({ep_divide_con(nan, far, 1, 1), ep_divide_con(o, far, kInf, 1),
+                   ep_divide_con(o, far, -1, 1), ep_divide_con(o, far, 0.009, 0.005),
+                   ep_divide_con(o, {0, 0, 1e-7}, 1, 1), ep_divide_ecn(o, far, 1, 2, o),
+                   ep_divide_ecn(o, far, 1, 2, nan), ep_divide_ecn(o, {3, 0, 0}, 1, 2, z),
+                   ep_divide_scn(2, 1, 3, 0, 0, o, x, y, z, 0),
+                   ep_divide_scn(2, 1, 3, 0, 0, o, x, y, z, kNaN),
+                   ep_divide_scn(2, 1, 3, 0, 0, o, x, x, z, 0.1),
+                   ep_divide_scn(2, 1, 0, 1, 1, o, x, y, z, 0.1),
+                   ep_divide_scn(2, 1, 3, kInf, 0, o, x, y, z, 1), ep_divide_scy(o, far, 1, x),
+                   ep_divide_scy(o, far, 1, o), ep_divide_scy(o, far, 0.005, z),
+                   ep_divide_scy(o, o, 1, z)});
     const P a{1, 2, 3}, b{4, -2, 9}, n{0.2, 0.1, 1};
     expectAllocFailuresGiveNull({[&] { return ep_divide_con(a, b, 3, 3); },  // the disc's rings
                                  [&] { return ep_divide_con(a, b, 3, 1); },  // silhouette arcs
