@@ -11,6 +11,7 @@
 #include "hidden_line/engine/hd_face_intersect.h"
 #include "hidden_line/engine/hd_pass.h"
 #include "tests/fuzz/fuzz_support.h"
+#include "tests/hidden_line/engine/hd_engine_fixtures.h"
 
 namespace {
 
@@ -184,95 +185,6 @@ bool sameBits(P a, P b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-double dist(P a, P b) {
-    return std::sqrt((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y) +
-                     (a.z - b.z) * (a.z - b.z));
-}
-
-// Where p lies against the line a-b: its distance from the infinite line, and how far along it
-// from a (negative before a).
-struct Placement {
-    double off, along;
-};
-
-Placement place(P p, P a, P b) {
-    const P d{b.x - a.x, b.y - a.y, b.z - a.z};
-    const double len = std::sqrt(d.x * d.x + d.y * d.y + d.z * d.z);
-    if (!(len > 0.0))
-        return {dist(p, a), 0.0};
-    const double along = ((p.x - a.x) * d.x + (p.y - a.y) * d.y + (p.z - a.z) * d.z) / len;
-    const P foot{a.x + along / len * d.x, a.y + along / len * d.y, a.z + along / len * d.z};
-    return {dist(p, foot), along};
-}
-
-// The pieces of object i come line by line, each on its line, ordered from the line's start
-// (its near end after the pass) and disjoint. Checked for lines of ordinary coordinates.
-void checkPieces(const std::vector<_s_hd_prof_*>& objs, const _s_hd_proline_* pieces) {
-    const _s_hd_proline_* piece = pieces;
-    for (size_t i = 0; i < objs.size(); ++i) {
-        if (objs[i] == nullptr)
-            continue;
-        for (const _s_hd_proline_* l = objs[i]->proline; l != nullptr; l = l->next) {
-            const P a = l->start;
-            const P b = l->end;
-            // Lines shorter than 0.01 are below the scale of the pass's own point tolerances:
-            // their pieces must lie on them, but may overlap and come in any order.
-            const bool checkable =
-                vgfuzz::ordinary({a.x, a.y, a.z, b.x, b.y, b.z}) && dist(a, b) >= 0.01;
-            // Off the line: rounding only. Along it: the pass places piece ends with tolerances
-            // of its own (a point within 3.2e-5 of a segment's end lies on it, angles of 0.0005
-            // on a segment), so an end may stand a little beyond the line's ends.
-            const double tol = 1e-9 * (1.0 + std::fabs(a.x) + std::fabs(a.y) + std::fabs(a.z) +
-                                       std::fabs(b.x) + std::fabs(b.y) + std::fabs(b.z));
-            const double len = dist(a, b);
-            const double slack = 5e-5 + 1e-4 * len;
-            // A piece out of order here may belong to the next line (lines of one object can
-            // overlap): it moves on, and one that fits no later line is caught below.
-            double reached = -HUGE_VAL;
-            auto belongs = [&](const _s_hd_proline_* q) {
-                const P s = q->start;
-                const P e = q->end;
-                const Placement ps = place(s, a, b);
-                const Placement pe = place(e, a, b);
-                if (ps.off <= tol + slack * 1e-3 && pe.off <= tol + slack * 1e-3 &&
-                    ps.along >= -slack && pe.along <= len + slack)
-                    return true;
-                // A line that is not checked keeps whatever pieces are not ordinary either.
-                return !checkable && !vgfuzz::ordinary({s.x, s.y, s.z, e.x, e.y, e.z});
-            };
-            while (piece != nullptr && piece->owner == static_cast<int>(i) && belongs(piece)) {
-                const double s = place(piece->start, a, b).along;
-                const double e = place(piece->end, a, b).along;
-                if (checkable && (s > e + slack || s < reached - slack))
-                    break;
-                reached = e;
-                piece = piece->next;
-            }
-        }
-        // Whatever is left for this object lies on none of its lines (checked lines only).
-        if (piece != nullptr && piece->owner == static_cast<int>(i) && vgfuzz::tracing()) {
-            auto trace = [](const char* what, const _s_hd_proline_* l) {
-                std::fprintf(stderr, "%s (%.17g, %.17g, %.17g) -> (%.17g, %.17g, %.17g)\n", what,
-                             l->start.x, l->start.y, l->start.z, l->end.x, l->end.y, l->end.z);
-            };
-            for (const _s_hd_proline_* l = objs[i]->proline; l != nullptr; l = l->next)
-                trace("line", l);
-            for (const _s_hd_proline_* q = pieces; q != nullptr; q = q->next)
-                if (q->owner == static_cast<int>(i))
-                    trace(q == piece ? "piece*" : "piece", q);
-        }
-        while (piece != nullptr && piece->owner == static_cast<int>(i)) {
-            const P s = piece->start;
-            const P e = piece->end;
-            VG_FUZZ_CHECK(!vgfuzz::ordinary({s.x, s.y, s.z, e.x, e.y, e.z}),
-                          "visible pieces lie on their lines, in order from the near end and "
-                          "disjoint");
-            piece = piece->next;
-        }
-    }
-    VG_FUZZ_CHECK(piece == nullptr, "pieces come in object order, owners set");
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -308,7 +220,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             "the engine gives what the reference pass gives");
     }
     VG_FUZZ_CHECK(a == nullptr && b == nullptr, "the engine gives as many pieces as the reference");
-    checkPieces(objs, engine);
+    const char* problem = enginetest::piecesProblem(objs, engine);
+    VG_FUZZ_CHECK(problem == nullptr, problem);
 
     releaseProline(engine);
     releaseProline(reference);

@@ -53,14 +53,7 @@ inline bool tracing() {
     return std::getenv("VG_FUZZ_TRACE") != nullptr;
 }
 
-/// True when every value is finite and at most limit in magnitude.
-inline bool ordinary(std::initializer_list<double> values, double limit = 1e6) {
-    for (double v : values) {
-        if (!(std::fabs(v) <= limit))
-            return false;
-    }
-    return true;
-}
+using vgtest::ordinary;
 
 }  // namespace vgfuzz
 

@@ -3,13 +3,24 @@
 #ifndef VOGEBASIC_TESTS_TEST_CONSTANTS_H
 #define VOGEBASIC_TESTS_TEST_CONSTANTS_H
 
+#include <cmath>
 #include <cstdint>
+#include <initializer_list>
 
 namespace vgtest {
 
 /// pi and the full turn as the doubles nearest to them.
 constexpr double kPi = 3.141592653589793;
 constexpr double kTwoPi = 6.283185307179586;
+
+/// True when every value is finite and at most limit in magnitude.
+inline bool ordinary(std::initializer_list<double> values, double limit = 1e6) {
+    for (double v : values) {
+        if (!(std::fabs(v) <= limit))
+            return false;
+    }
+    return true;
+}
 
 /// A small linear congruential generator: the same cases for the same seed on every platform.
 class Lcg {

@@ -2,6 +2,7 @@
 #ifndef VOGEBASIC_TESTS_HD_ENGINE_FIXTURES_H
 #define VOGEBASIC_TESTS_HD_ENGINE_FIXTURES_H
 
+#include <cmath>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "hidden_line/engine/hd_face_intersect.h"
 #include "hidden_line/engine/hd_pass.h"
 #include "hidden_line/model/hd_builders.h"
+#include "tests/support/test_constants.h"
 
 namespace enginetest {
 
@@ -57,6 +59,66 @@ inline std::vector<Seg> segmentsOf(const geolib::_s_hd_proline_* l) {
     for (; l != nullptr; l = l->next)
         out.emplace_back(l->start, l->end);
     return out;
+}
+
+/// Where p lies against the line a-b: its distance from the infinite line, and how far along it
+/// from a (negative before a).
+struct Placement {
+    double off, along;
+};
+inline Placement place(P p, P a, P b) {
+    const P d = geolib::vecSub(b, a);
+    const double len = std::sqrt(geolib::vecDot(d, d));
+    if (!(len > 0.0))
+        return {geolib::pointDist(p, a), 0.0};
+    const double along = geolib::vecDot(geolib::vecSub(p, a), d) / len;
+    return {geolib::pointDist(p, geolib::linComb(1.0, a, along / len, d)), along};
+}
+
+/// What the pass promises of its visible pieces, as a message when it is broken (null when
+/// not): the pieces of object i come line by line in the order of its lines, each on its line,
+/// ordered from the line's start (its near end after the pass) and disjoint. Checked on lines
+/// of ordinary coordinates at least 0.01 long; the pieces of the others may overlap and come in
+/// any order, and pieces with coordinates that are not ordinary lie anywhere.
+inline const char* piecesProblem(const std::vector<geolib::_s_hd_prof_*>& objs,
+                                 const geolib::_s_hd_proline_* pieces) {
+    const geolib::_s_hd_proline_* piece = pieces;
+    for (std::size_t i = 0; i < objs.size(); ++i) {
+        const int owner = static_cast<int>(i);
+        for (const geolib::_s_hd_proline_* l = objs[i] ? objs[i]->proline : nullptr; l;
+             l = l->next) {
+            const P a = l->start, b = l->end;
+            const double len = geolib::pointDist(a, b);
+            const bool checkable = vgtest::ordinary({a.x, a.y, a.z, b.x, b.y, b.z}) && len >= 0.01;
+            // Off the line: rounding only. Along it: the pass places piece ends with tolerances
+            // of its own (a point within 3.2e-5 of a segment's end lies on it, angles of 0.0005
+            // on a segment), so an end may stand a little beyond the line's ends.
+            const double tol = 1e-9 * (1.0 + std::fabs(a.x) + std::fabs(a.y) + std::fabs(a.z) +
+                                       std::fabs(b.x) + std::fabs(b.y) + std::fabs(b.z));
+            const double slack = 5e-5 + 1e-4 * len;
+            // A piece out of order here may belong to the next line (lines of one object can
+            // overlap): it moves on, and one that fits no later line is caught below.
+            double reached = -HUGE_VAL;
+            for (; piece != nullptr && piece->owner == owner; piece = piece->next) {
+                const P s = piece->start, e = piece->end;
+                const Placement ps = place(s, a, b), pe = place(e, a, b);
+                const bool on = ps.off <= tol + slack * 1e-3 && pe.off <= tol + slack * 1e-3 &&
+                                ps.along >= -slack && pe.along <= len + slack;
+                if (!on && (checkable || vgtest::ordinary({s.x, s.y, s.z, e.x, e.y, e.z})))
+                    break;
+                if (checkable && (ps.along > pe.along + slack || ps.along < reached - slack))
+                    break;
+                reached = pe.along;
+            }
+        }
+        // Whatever is left for this object lies on none of its lines (checked lines only).
+        for (; piece != nullptr && piece->owner == owner; piece = piece->next) {
+            const P s = piece->start, e = piece->end;
+            if (vgtest::ordinary({s.x, s.y, s.z, e.x, e.y, e.z}))
+                return "visible pieces lie on their lines, in order from the near end and disjoint";
+        }
+    }
+    return piece == nullptr ? nullptr : "pieces come in object order, owners set";
 }
 
 }  // namespace enginetest
