@@ -336,17 +336,21 @@ PlanarQuadFaces planarQuadFaces(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p
     return out;
 }
 
-PlanarQuadFaces ringBandFaces(const ViewSplitRing& a, const ViewSplitRing& b, int shift, int k,
+PlanarQuadFaces bandQuadFaces(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
                               double size) {
-    const int m = a.count;
-    const _s_hd_point_ p1 = a.pts[k], p2 = a.pts[(k + 1) % m];
-    const _s_hd_point_ p3 = b.pts[(k + 1 + shift) % m], p4 = b.pts[(k + shift) % m];
     // A quadrilateral that is not planar splits along its shorter diagonal: of the two pairs of
     // triangles those are the nearer to the surface between the rings, so their normals keep
     // the sides of a silhouette apart.
     if (pointDist2(p2, p4) < pointDist2(p1, p3))
         return planarQuadFaces(p2, p3, p4, p1, size);
     return planarQuadFaces(p1, p2, p3, p4, size);
+}
+
+PlanarQuadFaces ringBandFaces(const ViewSplitRing& a, const ViewSplitRing& b, int shift, int k,
+                              double size) {
+    const int m = a.count;
+    return bandQuadFaces(a.pts[k], a.pts[(k + 1) % m], b.pts[(k + 1 + shift) % m],
+                         b.pts[(k + shift) % m], size);
 }
 
 void HDProfDraft::addFaces(const PlanarQuadFaces& faces) {

@@ -119,9 +119,12 @@ struct PlanarQuadFaces {
 /// a collapsed side (p1 = p2, or p3 = p4) gives one triangle.
 PlanarQuadFaces planarQuadFaces(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
                                 double size);
+/// The faces of the quadrilateral p1, p2, p3, p4 of a band between two rings (p1, p2 on one,
+/// p3, p4 on the next): itself when planar, otherwise split along its shorter diagonal.
+PlanarQuadFaces bandQuadFaces(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4,
+                              double size);
 /// The faces of the quadrilateral k of the band between rings a and b (see
-/// HDProfDraft::addRingBand): (a[k], a[k + 1], b[k + 1 + shift], b[k + shift]), split along its
-/// shorter diagonal when it is not planar.
+/// HDProfDraft::addRingBand): bandQuadFaces(a[k], a[k + 1], b[k + 1 + shift], b[k + shift]).
 PlanarQuadFaces ringBandFaces(const ViewSplitRing& a, const ViewSplitRing& b, int shift, int k,
                               double size);
 

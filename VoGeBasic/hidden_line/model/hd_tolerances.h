@@ -89,7 +89,8 @@ constexpr double kBendPlaneTol = 1e-6;
 constexpr double kSweepTol = 1e-9;
 /// Neighbouring tube rings of an elbow place their silhouette points at most this fraction of a
 /// ring's chord angle apart round the tube; further apart, a ring is put between them, so that
-/// the faces along a silhouette do not twist across it.
+/// the faces beside a silhouette chain, which reach from one ring's silhouette point to the
+/// next one's, stay narrow.
 constexpr double kMaxRingTwist = 0.25;
 /// Tube rings put between the chosen ones lie at least this far apart along the bend (radians):
 /// closer, the silhouette turns only where the tube is seen end-on, and its ring is drawn.

@@ -1,22 +1,23 @@
 // Tessellator of the pipe elbow: a segment of a torus, drawn by its outline and its end rims.
 //
 // The tube is cut into rings (stations) along the bend. Each ring is a circle of the tube's
-// radius about a point of the centre line, in the plane normal to the bend's tangent there, and
-// is divided like a disc (viewSplitRing's rule), so that an elbow's end ring and the rim of a
-// pipe of the same radius coincide chord for chord. The tube's normal along a ring is the
-// ring's own radial direction, so the ring's two silhouette points are where that direction is
-// normal to Z: centre +- r * unit(Z x t), t the tangent, exactly a disc's split points. Every
-// ring starts at one silhouette point and has the other half way round; consecutive rings keep
-// the same index for the same silhouette (the sign of the split is carried along the bend). The
-// lines along the tube are the two chains of silhouette points, (ring k, 0) -> (ring k+1, 0) and
-// (ring k, m/2) -> (ring k+1, m/2): face edges on the true outline, within a chord's sagitta of
-// it. They are not the faces' own outline (the edges between a face turned towards the viewer
-// and one turned away): where the silhouette turns round the tube, every ring's vertices turn
-// with it, the faces between two rings lean, and on the saddle side (towards the bend centre)
-// a leaning face turns the other way to its neighbours. The faces' outline then runs a chord or
-// two inside the true one, a line no draughtsman would draw, while the faces themselves still
-// cover the tube's true outline to within the sagitta, so nothing behind shows through. A ring
-// seen end-on (the tube seen along its length) is outline all round and is drawn whole.
+// radius about a point of the centre line, in the plane normal to the bend's tangent there. Its
+// vertices follow one pattern along the whole bend: m vertices at equal angles round the tube,
+// measured in the ring's own frame (radial direction and bend axis), made as a disc makes its
+// ring (splitRing). The end rings are split at a silhouette point, as the disc of the same
+// circle is, so that an elbow's end ring and the rim of a pipe coincide chord for chord; between
+// them the pattern's start turns evenly along the bend, by the shortest way modulo a chord (at
+// most half a chord over the whole bend). The rings' vertices therefore do not turn with the
+// silhouette. The silhouette points of a ring are where its radial direction is normal to Z,
+// centre +- r * unit(Z x t), t the tangent; each intermediate ring takes both as extra vertices
+// (a pattern vertex within a hair of one stands for it, and pattern vertices within half a
+// chord of one are left out: seen along Z they would lie beyond the chain drawn from it). The
+// lines along the tube are the two chains of silhouette points, ring to ring: face edges on the
+// true outline, within a chord's sagitta of it. Between two rings the chains cut the band in
+// two halves, each stitched from chain to chain by angle round the tube, so the faces beside a
+// chain keep to their side of it whatever the silhouette does: where it turns round the tube no
+// face leans across the drawn outline and hides it. A ring seen end-on (the tube seen along its
+// length) is outline all round and is drawn whole.
 #include <cmath>
 #include <initializer_list>
 
@@ -39,6 +40,16 @@ constexpr double kChainRoundingRel = 1e-9;
 /// Depth of the ring subdivision between two chosen rings: far more than halving a full turn
 /// down to kMinRingStep needs.
 constexpr int kMaxRingDepth = 64;
+/// A silhouette point within this angle round the tube (radians) of a ring vertex is that
+/// vertex: it then lies within this fraction of the tube radius of the true silhouette, while a
+/// point put in beside the vertex would only make sliver faces.
+constexpr double kSilhouetteSnapAngle = 1e-6;
+/// A tube ring holds its pattern's vertices and at most its two silhouette points besides.
+/// A pattern vertex within this fraction of a chord angle of a silhouette point is left out of
+/// its ring: seen along Z a vertex that near the silhouette lies beyond the chain drawn to the
+/// next ring, and the faces through it would hide that chain; further round it lies inside.
+constexpr double kSilhouetteClearChords = 0.5;
+constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 2;
 
 // The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
 // angle phi runs counter-clockwise about a.
@@ -48,22 +59,28 @@ struct Bend {
     double tubeRadius;
 };
 
-// One ring of the tube.
+// One station of the tube along the bend.
 struct Station {
     double phi;
     _s_hd_point_ centre;
     _s_hd_point_ radial;   // unit, from the bend centre
     _s_hd_point_ tangent;  // unit, along the bend
     bool endOn;            // the tube is seen along its length here: the whole ring is outline
-    _s_hd_point_ split;    // unit, from the ring's centre to its first vertex
-    double turn;           // the split's angle round the tube, from the radial towards the axis
+    _s_hd_point_ split;    // unit, from the ring's centre to its first silhouette point
+    double turn;           // the split's angle round the tube (aroundTube)
 };
 
 double wrapAngle(double x) {
     return std::remainder(x, core::kFullTurn);
 }
 
-// The ring at phi, its split on the same silhouette as prev's (when there is one).
+// The angle round the tube at st of the direction v (square to the tangent): counter-clockwise
+// about the tangent from the radial, towards tangent x radial = -axis, the way the rings run.
+double aroundTube(const Bend& b, const Station& st, _s_hd_point_ v) {
+    return std::atan2(-vecDot(v, b.a), vecDot(v, st.radial));
+}
+
+// The station at phi, its split on the same silhouette as prev's (when there is one).
 Station stationAt(const Bend& b, double phi, const Station* prev) {
     Station st;
     st.phi = phi;
@@ -71,10 +88,10 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
     st.tangent = linComb(-std::sin(phi), b.u0, std::cos(phi), b.v0);
     st.centre = linComb(1.0, b.c, b.bendRadius, st.radial);
     // Seen along the tube the silhouette points are undefined: the ring splits along the bend
-    // axis, the limit of its neighbours' splits, so the tube does not twist there.
+    // axis, the limit of its neighbours' splits, so the silhouette chains run on through it.
     st.endOn = std::fabs(std::fabs(st.tangent.z) - 1.0) <= hd::kFacingTol;
     st.split = st.endOn ? b.a : unitCross(kViewAxis, st.tangent);
-    st.turn = std::atan2(vecDot(st.split, b.a), vecDot(st.split, st.radial));
+    st.turn = aroundTube(b, st, st.split);
     if (prev != nullptr && std::fabs(wrapAngle(st.turn - prev->turn)) > 0.5 * core::kPi) {
         st.split = vecNegate(st.split);
         st.turn = wrapAngle(st.turn + core::kPi);
@@ -82,21 +99,133 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
     return st;
 }
 
+// A ring of the tube as the faces use it: the vertices of its pattern ring with its two
+// silhouette points put in, counter-clockwise about the tangent from the first silhouette point.
+struct TubeRing {
+    int count = 0;
+    int half = 0;    // the position of the second silhouette point
+    int chords = 0;  // m, the pattern's vertex count
+    _s_hd_point_ pts[kMaxTubeRingVertices];
+    int pattern[kMaxTubeRingVertices];   // the vertex's index in the pattern; -1 put in
+    double angle[kMaxTubeRingVertices];  // round the tube from pts[0]: 0 there, pi at pts[half]
+    double sil;                          // pts[0]'s angle round the tube (the station's turn)
+
+    // Position count is pts[0] again, at the end of the turn.
+    _s_hd_point_ at(int k) const { return pts[k % count]; }
+    int patternAt(int k) const { return pattern[k % count]; }
+    double angleAt(int k) const { return k < count ? angle[k] : core::kFullTurn; }
+
+    void push(_s_hd_point_ p, int index, double a) {
+        pts[count] = p;
+        pattern[count] = index;
+        angle[count] = a;
+        ++count;
+    }
+};
+
+// The tube ring of st over the pattern ring whose vertex k is vertex (k + offset) mod m of the
+// bend's pattern. A silhouette point within kSilhouetteSnapAngle of a pattern vertex is that
+// vertex, so an end ring split at its silhouette keeps exactly its m vertices; other pattern
+// vertices closer than kSilhouetteClearChords of a chord to a silhouette point are left out.
+TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, int offset) {
+    TubeRing out;
+    const int m = ring.count;
+    out.chords = m;
+    out.sil = st.turn;
+    double angle[hd::kMaxCurveChords];
+    int silVertex[2] = {-1, -1};
+    int first = 0;
+    for (int k = 0; k < m; ++k) {
+        double a = aroundTube(b, st, vecSub(ring.pts[k], st.centre)) - st.turn;
+        a -= core::kFullTurn * std::floor(a / core::kFullTurn);
+        if (a <= kSilhouetteSnapAngle || a >= core::kFullTurn - kSilhouetteSnapAngle) {
+            silVertex[0] = k;
+            a = 0.0;
+        } else if (std::fabs(a - core::kPi) <= kSilhouetteSnapAngle) {
+            silVertex[1] = k;
+            a = core::kPi;
+        }
+        angle[k] = a;
+        if (a < angle[first])
+            first = k;
+    }
+    const double r = b.tubeRadius;
+    const double clear = kSilhouetteClearChords * core::kFullTurn / m;
+    if (silVertex[0] < 0)
+        out.push(linComb(1.0, st.centre, r, st.split), -1, 0.0);
+    bool second = silVertex[1] >= 0;
+    for (int i = 0; i < m; ++i) {
+        const int k = (first + i) % m;
+        if (!second && angle[k] > core::kPi) {
+            out.half = out.count;
+            out.push(linComb(1.0, st.centre, -r, st.split), -1, core::kPi);
+            second = true;
+        }
+        if (k == silVertex[1])
+            out.half = out.count;
+        if (k != silVertex[0] && k != silVertex[1] &&
+            (angle[k] < clear || angle[k] > core::kFullTurn - clear ||
+             std::fabs(angle[k] - core::kPi) < clear))
+            continue;
+        out.push(ring.pts[k], (k + offset) % m, angle[k]);
+    }
+    if (!second) {
+        out.half = out.count;
+        out.push(linComb(1.0, st.centre, -r, st.split), -1, core::kPi);
+    }
+    return out;
+}
+
+// The same ring with its silhouette points the other way round (for a full turn whose last
+// station carries the other silhouette first): every vertex copied, so the bands still close.
+TubeRing turnedHalfRound(const TubeRing& in) {
+    TubeRing out;
+    out.chords = in.chords;
+    out.sil = wrapAngle(in.sil + core::kPi);
+    for (int i = 0; i < in.count; ++i) {
+        const int k = (in.half + i) % in.count;
+        out.push(in.pts[k], in.pattern[k],
+                 i < in.count - in.half ? in.angle[k] - core::kPi : in.angle[k] + core::kPi);
+    }
+    out.half = in.count - in.half;
+    return out;
+}
+
+// True when rings a and b step from position i and j across the same chord of the pattern.
+bool sameChord(const TubeRing& a, int i, const TubeRing& b, int j) {
+    const int k = a.patternAt(i);
+    return k >= 0 && a.patternAt(i + 1) == (k + 1) % a.chords && b.patternAt(j) == k &&
+           b.patternAt(j + 1) == (k + 1) % a.chords;
+}
+
 // Builds the elbow ring by ring along the bend: faces and box go to the draft as each ring is
 // made. The silhouette chains and the rings seen end-on are collected apart and handed over at
 // the end, so that the lines come in the documented order.
 class ElbowBuilder {
 public:
-    ElbowBuilder(const Bend& bend, bool fullTurn, HDProfDraft& draft)
-        : bend_(bend), fullTurn_(fullTurn), draft_(draft), size_(2.0 * bend.tubeRadius) {}
+    ElbowBuilder(const Bend& bend, double sweep, bool fullTurn, HDProfDraft& draft)
+        : bend_(bend),
+          sweep_(sweep),
+          fullTurn_(fullTurn),
+          draft_(draft),
+          size_(2.0 * bend.tubeRadius) {}
 
     // Makes the first ring; step is the angle between the chosen rings.
     void start(double step) {
         first_ = stationAt(bend_, 0.0, nullptr);
-        if (!makeRing(first_, firstRing_))
+        if (!makeRing(first_, linComb(1.0, first_.centre, bend_.tubeRadius, first_.split),
+                      prevRing_))
             return;
-        const int m = firstRing_.count;
-        maxTwist_ = hd::kMaxRingTwist * core::kFullTurn / m;
+        const int m = prevRing_.count;
+        chord_ = core::kFullTurn / m;
+        // The pattern turns evenly along the bend from the start's silhouette to the far end's
+        // (only its angle modulo a chord matters): at most half a chord over the whole bend.
+        patternStart_ = first_.turn;
+        if (!fullTurn_)
+            patternTwist_ =
+                std::remainder(stationAt(bend_, sweep_, nullptr).turn - first_.turn, chord_);
+        firstTube_ = tubeRing(bend_, first_, prevRing_, 0);
+        maxTwist_ = hd::kMaxRingTwist * chord_;
         // The larger of the sagittas of a ring chord and of a step of the outer equator: what
         // the chosen rings already allow the outline, so that chains no worse than that need no
         // ring between (a little over it for rounding).
@@ -108,16 +237,16 @@ public:
             std::fmax(std::fmax(std::fabs(bend_.c.x), std::fabs(bend_.c.y)), std::fabs(bend_.c.z)) +
             bend_.bendRadius + r;
         chainTol_ = std::fmax(chainTol_, kChainRoundingRel * reach);
-        draft_.seedBox(firstRing_.pts[0]);
-        extendBox(firstRing_);
+        draft_.seedBox(firstTube_.pts[0]);
+        extendBox(firstTube_);
         if (!fullTurn_) {
-            draft_.addRingLines(firstRing_);
-            draft_.addRingDisc(firstRing_, true);
+            draft_.addRingLines(prevRing_);
+            draft_.addRingDisc(prevRing_, true);
         } else if (first_.endOn) {
-            addRingOutline(firstRing_);
+            addRingOutline(firstTube_);
         }
         prev_ = first_;
-        prevRing_ = firstRing_;
+        prevTube_ = firstTube_;
     }
 
     // Adds rings up to the one at phi, putting rings between where the silhouette turns round
@@ -156,16 +285,16 @@ public:
     ElbowBuilder& operator=(const ElbowBuilder&) = delete;
 
 private:
-    bool makeRing(const Station& st, ViewSplitRing& ring) {
-        const double r = bend_.tubeRadius;
-        if (!splitRing(st.centre, r, st.tangent, linComb(1.0, st.centre, r, st.split), ring)) {
+    // The pattern ring of st whose first vertex is s.
+    bool makeRing(const Station& st, _s_hd_point_ s, ViewSplitRing& ring) {
+        if (!splitRing(st.centre, bend_.tubeRadius, st.tangent, s, ring)) {
             draft_.fail();
             return false;
         }
         return true;
     }
 
-    void extendBox(const ViewSplitRing& ring) {
+    void extendBox(const TubeRing& ring) {
         for (int k = 0; k < ring.count; ++k)
             draft_.extendBox(ring.pts[k]);
     }
@@ -193,49 +322,120 @@ private:
         return false;
     }
 
-    void addRingOutline(const ViewSplitRing& ring) {
+    void addRingOutline(const TubeRing& ring) {
         for (int k = 0; k < ring.count; ++k)
-            addOutline(ring.pts[k], ring.pts[(k + 1) % ring.count]);
+            addOutline(ring.at(k), ring.at(k + 1));
+    }
+
+    // The faces between rings a and b. The two silhouette chains cut the band in two halves;
+    // each is walked from chain to chain, taking the next vertex of whichever ring comes first
+    // round the tube, with a quadrilateral where both rings step across the same pattern chord
+    // and a triangle elsewhere, so that the chains are face edges and every face is planar.
+    // Where the silhouette turns between the rings, the vertices round the tube between its two
+    // places lie, seen along Z, next to the chain: a face on a chain takes as its third vertex
+    // the one farther round from it, so that it turns the way the tube does on its side (and a
+    // quadrilateral that would reach a chain on one ring only gives way to triangles).
+    void addBand(const TubeRing& a, const TubeRing& b) {
+        // b's angles from a's first silhouette point: its own first one lies less than a
+        // quarter turn round from there.
+        const double twist = wrapAngle(b.sil - a.sil);
+        for (int h = 0; h < 2; ++h) {
+            const int i0 = h == 0 ? 0 : a.half;
+            const int j0 = h == 0 ? 0 : b.half;
+            const int endA = h == 0 ? a.half : a.count;
+            const int endB = h == 0 ? b.half : b.count;
+            // The last face takes a's last vertex when that lies farther back than b's.
+            const bool aLast = a.angleAt(endA - 1) < twist + b.angleAt(endB - 1);
+            int i = i0;
+            int j = j0;
+            while ((i < endA || j < endB) && draft_.ok()) {
+                if (i < endA && j < endB && (i + 1 == endA) == (j + 1 == endB) &&
+                    sameChord(a, i, b, j)) {
+                    draft_.addFaces(
+                        bandQuadFaces(a.at(i), a.at(i + 1), b.at(j + 1), b.at(j), size_));
+                    ++i;
+                    ++j;
+                    continue;
+                }
+                const bool aFirst = a.angleAt(i + 1) <= twist + b.angleAt(j + 1);
+                bool stepA;
+                if (i == endA || j == endB)
+                    stepA = j == endB;
+                else if (i == i0 && j == j0)
+                    stepA = !aFirst;
+                else if (i + 1 == endA && aLast)
+                    stepA = false;
+                else if (j + 1 == endB && !aLast)
+                    stepA = true;
+                else
+                    stepA = aFirst;
+                if (stepA) {
+                    draft_.addTri(a.at(i), a.at(i + 1), b.at(j));
+                    ++i;
+                } else {
+                    draft_.addTri(a.at(i), b.at(j + 1), b.at(j));
+                    ++j;
+                }
+            }
+        }
     }
 
     void addStation(const Station& st, bool last) {
-        ViewSplitRing ring;
-        int shift = 0;
+        TubeRing tube;
         if (last && fullTurn_) {
             // The ring closes on the first one, which may hold the silhouettes the other way
             // round after a full turn.
-            ring = firstRing_;
-            if (vecDot(st.split, first_.split) < 0.0)
-                shift = ring.count / 2;
+            tube = vecDot(st.split, first_.split) < 0.0 ? turnedHalfRound(firstTube_) : firstTube_;
         } else {
-            if (!makeRing(st, ring))
-                return;
-            extendBox(ring);
+            ViewSplitRing ring;
+            const double r = bend_.tubeRadius;
+            const double start = patternStart_ + patternTwist_ * (st.phi / sweep_);
+            int offset = 0;
+            if (last) {
+                // The far end ring starts at its silhouette point, as a disc of its circle
+                // does; that point is a vertex of the pattern there.
+                if (!makeRing(st, linComb(1.0, st.centre, r, st.split), ring))
+                    return;
+                const int m = ring.count;
+                const double steps = std::nearbyint(wrapAngle(st.turn - start) / chord_);
+                offset = static_cast<int>(std::fmax(-m, std::fmin(m, steps)));
+                offset = (offset % m + m) % m;
+            } else {
+                const _s_hd_point_ dir =
+                    linComb(std::cos(start), st.radial, -std::sin(start), bend_.a);
+                if (!makeRing(st, linComb(1.0, st.centre, r, dir), ring))
+                    return;
+            }
+            tube = tubeRing(bend_, st, ring, offset);
+            extendBox(tube);
+            prevRing_ = ring;
         }
-        const int m = ring.count;
-        for (int k = 0; k < m; ++k)
-            draft_.addFaces(ringBandFaces(prevRing_, ring, shift, k, size_));
-        const int half = m / 2;
-        addOutline(prevRing_.pts[0], ring.pts[shift % m]);
-        addOutline(prevRing_.pts[half], ring.pts[(half + shift) % m]);
+        addBand(prevTube_, tube);
+        addOutline(prevTube_.pts[0], tube.pts[0]);
+        addOutline(prevTube_.pts[prevTube_.half], tube.pts[tube.half]);
         // The first and last rings of an elbow with ends are its end rims, drawn apart.
         if (st.endOn && !last)
-            addRingOutline(ring);
+            addRingOutline(tube);
         prev_ = st;
-        prevRing_ = ring;
+        prevTube_ = tube;
     }
 
     Bend bend_;
+    double sweep_;
     bool fullTurn_;
     HDProfDraft& draft_;
     double size_;
+    double chord_ = 0.0;
+    double patternStart_ = 0.0;
+    double patternTwist_ = 0.0;
     double maxTwist_ = 0.0;
     double chainTol_ = 0.0;
     int added_ = 0;
     Station first_{};
     Station prev_{};
-    ViewSplitRing firstRing_;
-    ViewSplitRing prevRing_;
+    TubeRing firstTube_;
+    TubeRing prevTube_;
+    ViewSplitRing prevRing_;  // the last pattern ring made: the far end's at the end
     ProlineChain outline_;
 };
 
@@ -304,7 +504,7 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
     double endOn[2];
     const int endOnCount = endOnAngles(b, sweep, n, endOn);
     HDProfDraft draft;
-    ElbowBuilder builder(b, fullTurn, draft);
+    ElbowBuilder builder(b, sweep, fullTurn, draft);
     builder.start(sweep / n);
     int nextEndOn = 0;
     for (int k = 1; k <= n && draft.ok(); ++k) {

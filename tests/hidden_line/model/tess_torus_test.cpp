@@ -30,22 +30,13 @@ struct Elbow {
 };
 
 // The elbow's largest chord sagitta, along the outer equator and round the tube: how far its
-// drawing may stray from the true outline.
+// drawing may stray from the true outline, and the true outline from its visible drawing, in
+// every view.
 double elbowSagitta(const Elbow& e) {
     const int m = ringChords(e.c, e.r);
     const int chords = e.n > 0 ? e.n : getArcDivideNum(e.c, e.bend() + e.r, 0.0, e.angle);
     return std::max((e.bend() + e.r) * (1 - std::cos(e.angle / chords / 2)),
                     e.r * (1 - std::cos(kPi / m)));
-}
-
-// How far the true outline may lie from the visible drawing. Seen along the bend axis or across
-// it, the silhouette keeps its place round the tube and nothing is missing. In other views it
-// turns round the tube, the faces between turned rings lean, and a leaning face can cover a
-// short stretch of the drawn rim or silhouette beside it: a known shortcoming of this
-// tessellation, bounded here by two ring chords so that it cannot grow unnoticed.
-double elbowGapBound(const Elbow& e) {
-    const bool turning = e.a.z != 0 && std::fabs(e.a.z) != 1;
-    return turning ? 4 * e.r * std::sin(kPi / ringChords(e.c, e.r)) : elbowSagitta(e);
 }
 
 Solid elbowSolid(const Elbow& e, bool drawing = true) {
@@ -71,7 +62,6 @@ Solid elbowSolid(const Elbow& e, bool drawing = true) {
     };
     s.surfaceTol = 1e-12;
     s.outlineTol = elbowSagitta(e);
-    s.gapTol = elbowGapBound(e);
     // The tube draws its true silhouettes, not its faces' outline (see its header).
     s.facesOutline = false;
     s.drawing = drawing;
