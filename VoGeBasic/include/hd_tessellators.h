@@ -215,8 +215,11 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// through its silhouette points), then the far ring's m chords; no end rings for a full ring.
 /// The silhouettes are drawn rather than the faces' own outline, which on the side towards the
 /// bend centre can run inside the true one; since the rings' vertices do not turn with the
-/// silhouette and no face reaches across a chain, the visible drawing keeps the true outline to
-/// within the sagitta in every view.
+/// silhouette and no face reaches across a chain, no face leans over the drawn outline, and the
+/// visible drawing keeps to the true outline within the sagitta. One shortcoming is left: in a
+/// few views of fat elbows (tube radius near the bend radius) seen nearly along the tube, the
+/// tube's own faces still hide a short stretch of the outline near an end, up to about two ring
+/// chords.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
 /// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or

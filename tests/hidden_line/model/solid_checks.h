@@ -218,7 +218,6 @@ struct Solid {
     std::function<double(P)> surface;  // distance to the surface; none: to the rims and contours
     double surfaceTol = 1e-6;          // relative to the object's size
     double outlineTol = 0.0;           // how far the drawing may stray; 0: the largest sagitta
-    double gapTol = 0.0;               // how far the outline may lie from it; 0: as outlineTol
     bool facesOutline = true;          // lines are the faces' own outline, not the true contours
     bool flat = false;                 // flat-faced: every line is a true edge and a sharp one
     bool drawing = true;               // false: only the faces and the vertices are checked
@@ -366,7 +365,7 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
         gap = std::max(gap, best);
     }
     geolib::releaseProline(vis);
-    EXPECT_LE(gap, std::max(slack, s.gapTol)) << "the drawn outline leaves a gap";
+    EXPECT_LE(gap, slack) << "the drawn outline leaves a gap";
     geolib::freeHDProfObjectPointer(obj);
 }
 
