@@ -48,11 +48,45 @@ bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
            std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
 }
 
+// True when every vertex of e lies on one side of the face `plane`'s plane, farther from it than
+// the margin kOffPlaneAbs + kOffPlaneRel * D (D: the X plus Y plus Z extent of the faces' common
+// box): then collectPiercings keeps no point of e's edges, each being passed over as parallel or
+// by farOffEdge. For an edge a -> b with signed distances da, db from the plane (n the plane's
+// normal, |n| = 1 within rounding), both beyond the margin on one side, the edge's line meets the
+// plane at t = da / (da - db), outside [0, 1], and beyond the nearer end by min(|da|, |db|) *
+// |b - a| / |n . (b - a)|, at least the margin. Rounding: the distances here and the numerator
+// n . (v0 - a) of t are off by at most 7.8e-16 D; the edge that reaches farOffEdge crosses the
+// plane (|dir . n| > kPlaneParallelTol), so n . (b - a) is at least 2.9e-5 |b - a| and off by at
+// most 7.8e-16 |b - a|; together the gap farOffEdge measures is off by at most 6e-11 times D
+// plus the gap, which kOffPlaneRel covers, and the gap stays above kOffEdgeGap. farOffEdge
+// needs e's coordinates within kCullCoordLimit; NaN fails every comparison, so such faces are
+// never passed over here.
+bool whollyOffPlane(const HDFace& e, const HDFace& plane) {
+    const double lim = hd::kCullCoordLimit;
+    if (!(e.xmax <= lim && e.xmin >= -lim && e.ymax <= lim && e.ymin >= -lim && e.zmax <= lim &&
+          e.zmin >= -lim))
+        return false;
+    const double span = (maxOf(e.xmax, plane.xmax) - minOf(e.xmin, plane.xmin)) +
+                        (maxOf(e.ymax, plane.ymax) - minOf(e.ymin, plane.ymin)) +
+                        (maxOf(e.zmax, plane.zmax) - minOf(e.zmin, plane.zmin));
+    const double m = hd::kOffPlaneAbs + hd::kOffPlaneRel * span;
+    bool above = true;
+    bool below = true;
+    for (int k = 0; k < e.count; ++k) {
+        const double d = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
+        above = above && d > m;
+        below = below && d < -m;
+    }
+    return above || below;
+}
+
 // Adds to pts (kept so far: kept) the points where the edges of e pierce the face `plane`.
 // Returns true once two distinct points are kept. With ep and pp (the faces' prepared data,
 // both or neither) the faces' own parts of the tests are taken from them.
 bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, int& kept,
                       const FacePrep* ep, const FacePrep* pp) {
+    if (ep != nullptr && whollyOffPlane(e, plane))
+        return false;
     for (int k = 0; k < e.count; ++k) {
         const _s_hd_point_ a = e.v[k];
         const _s_hd_point_ b = e.v[nextVertex(k, e.count)];
@@ -65,10 +99,13 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
         const _s_hd_point_ x = linePlaneInter(plane.normal, plane.v[0], a, b, t);
         if (ep != nullptr && farOffEdge(t, ep->len2[k], a, b))
             continue;  // onSegWithin would say no
+        // The three tests depend on nothing but their arguments, so their order changes no
+        // answer: the cheap one, which most points fail, comes first.
+        if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
+            continue;
         if (ep != nullptr ? !onSegWithin(x, a, b, ep->reach[k]) : isPointOnSeg(x, a, b) == 0)
             continue;
-        if (!withinXYExtents(x, plane, hd::kPierceExtentTol) ||
-            (pp != nullptr ? isPointInFace(x, plane, *pp)
+        if ((pp != nullptr ? isPointInFace(x, plane, *pp)
                            : isPointInFace(x, plane.count, plane.v)) == 0)
             continue;
         if (kept == 1 && isSamePointFine(x, pts[0]))
@@ -108,12 +145,14 @@ PreparedFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
     return faces;
 }
 
-// True when the segment a -> b runs along one edge of the face (both ends on it).
-bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face) {
+// True when the segment a -> b runs along one edge of the face (both ends on it). With the
+// face's prepared data the edges' reaches are taken from it.
+bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const FacePrep* prep) {
     for (int k = 0; k < face.count; ++k) {
         const _s_hd_point_ v = face.v[k];
         const _s_hd_point_ w = face.v[nextVertex(k, face.count)];
-        if (isPointOnSeg(a, v, w) != 0 && isPointOnSeg(b, v, w) != 0)
+        const SegmentReach reach = prep != nullptr ? prep->reach[k] : segmentReach(v, w);
+        if (onSegWithin(a, v, w, reach) && onSegWithin(b, v, w, reach))
             return true;
     }
     return false;
@@ -132,7 +171,7 @@ bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const F
     // Two faces that share an edge meet along it, and so do neighbouring faces of one smooth
     // surface: that is no intersection line. The edge is drawn already where it is an edge of
     // the solid, and a seam of a curved surface must not be drawn at all.
-    if (runsAlongEdge(pts[0], pts[1], f) && runsAlongEdge(pts[0], pts[1], g))
+    if (runsAlongEdge(pts[0], pts[1], f, fp) && runsAlongEdge(pts[0], pts[1], g, gp))
         return false;
     a = pts[0];
     b = pts[1];

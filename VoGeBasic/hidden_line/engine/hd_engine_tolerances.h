@@ -96,6 +96,11 @@ constexpr double kCullFlatRel = 1e-6;
 /// Two faces are parallel, and do not meet, when the absolute dot product of their unit normals
 /// is within this of 1.
 constexpr double kParallelFacesTol = 0.000001;
+/// A face whose vertices all lie farther than kOffPlaneAbs plus kOffPlaneRel times the two
+/// faces' size (their common box's X plus Y plus Z extent) on one side of another face's plane
+/// has no edge that pierces that face: twice kOffEdgeGap, and rounding at most 6e-11 of the size.
+constexpr double kOffPlaneAbs = 2.0 * kOffEdgeGap;
+constexpr double kOffPlaneRel = 1e-10;
 
 }  // namespace hd
 }  // namespace geolib
