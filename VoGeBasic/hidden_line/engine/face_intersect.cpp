@@ -27,8 +27,15 @@ bool boxesTouch(const double* a, const double* b) {
     return true;
 }
 
-// True when the extents of two faces overlap on all three axes (a mere touch does not count).
-bool extentsOverlap(const HDFace& f, const HDFace& g) {
+// The extents of a face, or a common box of several.
+struct Extents {
+    double xmax, xmin, ymax, ymin, zmax, zmin;
+};
+
+// True when the extents of two faces (or boxes) overlap on all three axes (a mere touch does not
+// count).
+template <class F, class G>
+bool extentsOverlap(const F& f, const G& g) {
     return f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
            f.zmax > g.zmin && f.zmin < g.zmax;
 }
@@ -205,13 +212,25 @@ void addCutLines(_s_hd_prof_* obj, ForEachRegistered&& forEachRegistered) {
     PreparedFace* own = readFaces(obj, ownCount, ok);
     if (!ok)
         return;
+    // The common box of obj's faces' extents (a face whose extents are NaN left out): a face
+    // that does not overlap it overlaps none of them, each lying within it on every axis.
+    Extents all = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
+    for (int g = 0; g < ownCount; ++g) {
+        const HDFace& h = own[g].face;
+        all.xmax = g == 0 ? h.xmax : std::fmax(all.xmax, h.xmax);
+        all.xmin = g == 0 ? h.xmin : std::fmin(all.xmin, h.xmin);
+        all.ymax = g == 0 ? h.ymax : std::fmax(all.ymax, h.ymax);
+        all.ymin = g == 0 ? h.ymin : std::fmin(all.ymin, h.ymin);
+        all.zmax = g == 0 ? h.zmax : std::fmax(all.zmax, h.zmax);
+        all.zmin = g == 0 ? h.zmin : std::fmin(all.zmin, h.zmin);
+    }
     ProlineChain found;
     forEachRegistered([&](const _s_hd_prof_* other) {
         if (other == nullptr || !boxesTouch(other->box, obj->box))
             return true;
         for (const _s_hd_prosect_* fs = other->prosect; fs != nullptr && ok; fs = fs->next) {
             PreparedFace f;
-            if (!readFace(fs->sect, f.face))
+            if (!readFace(fs->sect, f.face) || !extentsOverlap(f.face, all))
                 continue;
             bool prepared = false;  // only once a face of obj comes near
             for (int g = 0; g < ownCount && ok; ++g) {
