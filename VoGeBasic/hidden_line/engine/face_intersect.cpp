@@ -40,13 +40,6 @@ bool extentsOverlap(const F& f, const G& g) {
            f.zmax > g.zmin && f.zmin < g.zmax;
 }
 
-// True when both ends have every coordinate within kCullCoordLimit (NaN fails).
-bool boundedEnds(_s_hd_point_ a, _s_hd_point_ b) {
-    const double lim = hd::kCullCoordLimit;
-    return std::fabs(a.x) <= lim && std::fabs(a.y) <= lim && std::fabs(a.z) <= lim &&
-           std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
-}
-
 // True when the point a + t (b - a) of an edge a -> b of squared length len2 lies on the edge's
 // line beyond an end by more than kOffEdgeGap: isPointOnSeg rejects it, being neither within
 // kOnSegEndDist2 (3.2e-5) nor kSamePointFineTol of an end, and seeing the edge under an angle of
@@ -58,22 +51,6 @@ bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
     const bool beyond =
         (t > 1.0 && (t - 1.0) * (t - 1.0) * len2 > gap2) || (t < 0.0 && t * t * len2 > gap2);
     return beyond && boundedEnds(a, b);
-}
-
-// True when the point x = a + t (b - a) that linePlaneInter worked out from t lies on the edge
-// a -> b (of squared length len2) by isPointOnSeg, t leaving at least kSureOnEdgeEnd and
-// kSureOnEdgeRel of the edge on either side. linComb puts x within 5.6e-16 of the largest
-// coordinate (per axis; under 1e-6 in all within kCullCoordLimit) of the edge's point at t, so
-// the edge, seen from x, falls short of a half turn by at most 2e-6 / kSureOnEdgeEnd, 4e-5 rad,
-// and with both ends at least kSureOnEdgeRel of the length away the cosine isPointOnSeg works
-// out from the distances is off by at most 1e-12: it stays far below the cosine where the
-// angle test turns (a shortfall of 2.48e-4 rad), and x lies far inside the edge's reach.
-// Rounding of the squares here changes the ends' distances by parts in 1e15. NaN fails.
-bool surelyOnEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
-    const double end2 = hd::kSureOnEdgeEnd * hd::kSureOnEdgeEnd;
-    const double u = 1.0 - t;
-    return t >= hd::kSureOnEdgeRel && u >= hd::kSureOnEdgeRel && t * t * len2 >= end2 &&
-           u * u * len2 >= end2 && boundedEnds(a, b);
 }
 
 // True when every vertex of e lies on one side of the face `plane`'s plane, farther from it than
@@ -132,7 +109,7 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
         if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
             continue;
         if (ep != nullptr
-                ? !surelyOnEdge(t, ep->len2[k], a, b) && !onSegWithin(x, a, b, ep->reach[k])
+                ? !surelyOnSegment(t, ep->len2[k], a, b) && !onSegWithin(x, a, b, ep->reach[k])
                 : isPointOnSeg(x, a, b) == 0)
             continue;
         if ((pp != nullptr ? isPointInFace(x, plane, *pp)
