@@ -27,8 +27,15 @@ bool boxesTouch(const double* a, const double* b) {
     return true;
 }
 
-// True when the extents of two faces overlap on all three axes (a mere touch does not count).
-bool extentsOverlap(const HDFace& f, const HDFace& g) {
+// The extents of a face, or a common box of several.
+struct Extents {
+    double xmax, xmin, ymax, ymin, zmax, zmin;
+};
+
+// True when the extents of two faces (or boxes) overlap on all three axes (a mere touch does not
+// count).
+template <class F, class G>
+bool extentsOverlap(const F& f, const G& g) {
     return f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
            f.zmax > g.zmin && f.zmin < g.zmax;
 }
@@ -43,9 +50,39 @@ bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
     const double gap2 = hd::kOffEdgeGap * hd::kOffEdgeGap;
     const bool beyond =
         (t > 1.0 && (t - 1.0) * (t - 1.0) * len2 > gap2) || (t < 0.0 && t * t * len2 > gap2);
+    return beyond && boundedEnds(a, b);
+}
+
+// True when every vertex of e lies on one side of the face `plane`'s plane, farther from it than
+// the margin kOffPlaneAbs + kOffPlaneRel * D (D: the X plus Y plus Z extent of the faces' common
+// box): then collectPiercings keeps no point of e's edges, each being passed over as parallel or
+// by farOffEdge. For an edge a -> b with signed distances da, db from the plane (n the plane's
+// normal, |n| = 1 within rounding), both beyond the margin on one side, the edge's line meets the
+// plane at t = da / (da - db), outside [0, 1], and beyond the nearer end by min(|da|, |db|) *
+// |b - a| / |n . (b - a)|, at least the margin. Rounding: the distances here and the numerator
+// n . (v0 - a) of t are off by at most 7.8e-16 D; the edge that reaches farOffEdge crosses the
+// plane (|dir . n| > kPlaneParallelTol), so n . (b - a) is at least 2.9e-5 |b - a| and off by at
+// most 7.8e-16 |b - a|; together the gap farOffEdge measures is off by at most 6e-11 times D
+// plus the gap, which kOffPlaneRel covers, and the gap stays above kOffEdgeGap. farOffEdge
+// needs e's coordinates within kCullCoordLimit; NaN fails every comparison, so such faces are
+// never passed over here.
+bool whollyOffPlane(const HDFace& e, const HDFace& plane) {
     const double lim = hd::kCullCoordLimit;
-    return beyond && std::fabs(a.x) <= lim && std::fabs(a.y) <= lim && std::fabs(a.z) <= lim &&
-           std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
+    if (!(e.xmax <= lim && e.xmin >= -lim && e.ymax <= lim && e.ymin >= -lim && e.zmax <= lim &&
+          e.zmin >= -lim))
+        return false;
+    const double span = (maxOf(e.xmax, plane.xmax) - minOf(e.xmin, plane.xmin)) +
+                        (maxOf(e.ymax, plane.ymax) - minOf(e.ymin, plane.ymin)) +
+                        (maxOf(e.zmax, plane.zmax) - minOf(e.zmin, plane.zmin));
+    const double m = hd::kOffPlaneAbs + hd::kOffPlaneRel * span;
+    bool above = true;
+    bool below = true;
+    for (int k = 0; k < e.count; ++k) {
+        const double d = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
+        above = above && d > m;
+        below = below && d < -m;
+    }
+    return above || below;
 }
 
 // Adds to pts (kept so far: kept) the points where the edges of e pierce the face `plane`.
@@ -53,6 +90,8 @@ bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
 // both or neither) the faces' own parts of the tests are taken from them.
 bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, int& kept,
                       const FacePrep* ep, const FacePrep* pp) {
+    if (ep != nullptr && whollyOffPlane(e, plane))
+        return false;
     for (int k = 0; k < e.count; ++k) {
         const _s_hd_point_ a = e.v[k];
         const _s_hd_point_ b = e.v[nextVertex(k, e.count)];
@@ -65,10 +104,15 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
         const _s_hd_point_ x = linePlaneInter(plane.normal, plane.v[0], a, b, t);
         if (ep != nullptr && farOffEdge(t, ep->len2[k], a, b))
             continue;  // onSegWithin would say no
-        if (ep != nullptr ? !onSegWithin(x, a, b, ep->reach[k]) : isPointOnSeg(x, a, b) == 0)
+        // The three tests depend on nothing but their arguments, so their order changes no
+        // answer: the cheap one, which most points fail, comes first.
+        if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
             continue;
-        if (!withinXYExtents(x, plane, hd::kPierceExtentTol) ||
-            (pp != nullptr ? isPointInFace(x, plane, *pp)
+        if (ep != nullptr
+                ? !surelyOnSegment(t, ep->len2[k], a, b) && !onSegWithin(x, a, b, ep->reach[k])
+                : isPointOnSeg(x, a, b) == 0)
+            continue;
+        if ((pp != nullptr ? isPointInFace(x, plane, *pp)
                            : isPointInFace(x, plane.count, plane.v)) == 0)
             continue;
         if (kept == 1 && isSamePointFine(x, pts[0]))
@@ -108,12 +152,14 @@ PreparedFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
     return faces;
 }
 
-// True when the segment a -> b runs along one edge of the face (both ends on it).
-bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face) {
+// True when the segment a -> b runs along one edge of the face (both ends on it). With the
+// face's prepared data the edges' reaches are taken from it.
+bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const FacePrep* prep) {
     for (int k = 0; k < face.count; ++k) {
         const _s_hd_point_ v = face.v[k];
         const _s_hd_point_ w = face.v[nextVertex(k, face.count)];
-        if (isPointOnSeg(a, v, w) != 0 && isPointOnSeg(b, v, w) != 0)
+        const SegmentReach reach = prep != nullptr ? prep->reach[k] : segmentReach(v, w);
+        if (onSegWithin(a, v, w, reach) && onSegWithin(b, v, w, reach))
             return true;
     }
     return false;
@@ -132,7 +178,7 @@ bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const F
     // Two faces that share an edge meet along it, and so do neighbouring faces of one smooth
     // surface: that is no intersection line. The edge is drawn already where it is an edge of
     // the solid, and a seam of a curved surface must not be drawn at all.
-    if (runsAlongEdge(pts[0], pts[1], f) && runsAlongEdge(pts[0], pts[1], g))
+    if (runsAlongEdge(pts[0], pts[1], f, fp) && runsAlongEdge(pts[0], pts[1], g, gp))
         return false;
     a = pts[0];
     b = pts[1];
@@ -166,13 +212,25 @@ void addCutLines(_s_hd_prof_* obj, ForEachRegistered&& forEachRegistered) {
     PreparedFace* own = readFaces(obj, ownCount, ok);
     if (!ok)
         return;
+    // The common box of obj's faces' extents (a face whose extents are NaN left out): a face
+    // that does not overlap it overlaps none of them, each lying within it on every axis.
+    Extents all = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
+    for (int g = 0; g < ownCount; ++g) {
+        const HDFace& h = own[g].face;
+        all.xmax = g == 0 ? h.xmax : std::fmax(all.xmax, h.xmax);
+        all.xmin = g == 0 ? h.xmin : std::fmin(all.xmin, h.xmin);
+        all.ymax = g == 0 ? h.ymax : std::fmax(all.ymax, h.ymax);
+        all.ymin = g == 0 ? h.ymin : std::fmin(all.ymin, h.ymin);
+        all.zmax = g == 0 ? h.zmax : std::fmax(all.zmax, h.zmax);
+        all.zmin = g == 0 ? h.zmin : std::fmin(all.zmin, h.zmin);
+    }
     ProlineChain found;
     forEachRegistered([&](const _s_hd_prof_* other) {
         if (other == nullptr || !boxesTouch(other->box, obj->box))
             return true;
         for (const _s_hd_prosect_* fs = other->prosect; fs != nullptr && ok; fs = fs->next) {
             PreparedFace f;
-            if (!readFace(fs->sect, f.face))
+            if (!readFace(fs->sect, f.face) || !extentsOverlap(f.face, all))
                 continue;
             bool prepared = false;  // only once a face of obj comes near
             for (int g = 0; g < ownCount && ok; ++g) {

@@ -96,6 +96,17 @@ constexpr double kCullFlatRel = 1e-6;
 /// Two faces are parallel, and do not meet, when the absolute dot product of their unit normals
 /// is within this of 1.
 constexpr double kParallelFacesTol = 0.000001;
+/// A face whose vertices all lie farther than kOffPlaneAbs plus kOffPlaneRel times the two
+/// faces' size (their common box's X plus Y plus Z extent) on one side of another face's plane
+/// has no edge that pierces that face: twice kOffEdgeGap, and rounding at most 6e-11 of the size.
+constexpr double kOffPlaneAbs = 2.0 * kOffEdgeGap;
+constexpr double kOffPlaneRel = 1e-10;
+/// A point worked out on an edge's line at least this far from both ends, and this part of the
+/// edge's length, lies on the edge by isPointOnSeg without measuring: its rounding (below 1e-6
+/// at coordinates within kCullCoordLimit) tilts the edge by under 4e-5 rad, far inside the
+/// 2.5e-4 the angle test allows, and the cosine stays well conditioned.
+constexpr double kSureOnEdgeEnd = 0.05;
+constexpr double kSureOnEdgeRel = 0.001;
 
 }  // namespace hd
 }  // namespace geolib

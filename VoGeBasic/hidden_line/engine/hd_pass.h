@@ -81,6 +81,7 @@ struct HideLine {
     SegmentReach reach;  ///< segmentReach(p, q)
     FlatRun run;         ///< flatRunOf(p, q)
     LineRange range;     ///< lineRangeOf(p, q)
+    double len2;         ///< pointDist2(p, q)
 };
 HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q);
 

@@ -76,6 +76,8 @@ struct ProjCrossing {
     bool parallel;        ///< the projections are parallel (or one is a point): no crossing
     _s_hd_point_ onLine;  ///< the point of the infinite line a-b over (or under) the crossing
     _s_hd_point_ onEdge;  ///< the point of the infinite edge line c-d there; its z is the depth
+    double lineAt;        ///< onLine is a + lineAt (b - a) (0 when parallel)
+    double edgeAt;        ///< onEdge is c + edgeAt (d - c) (0 when parallel)
 };
 ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d);
 
@@ -94,6 +96,30 @@ ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s
 
 /// isPointOnSeg(p, a, b) with the segment's reach worked out already.
 bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach);
+
+/// True when both ends have every coordinate within kCullCoordLimit (NaN fails).
+inline bool boundedEnds(_s_hd_point_ a, _s_hd_point_ b) {
+    const double lim = hd::kCullCoordLimit;
+    return std::fabs(a.x) <= lim && std::fabs(a.y) <= lim && std::fabs(a.z) <= lim &&
+           std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
+}
+
+/// True when the point x = linComb(1, a, t, b - a), as linePlaneInter and crossProjections work
+/// it out from t, lies on the segment a -> b (of squared length len2) by isPointOnSeg, t leaving
+/// at least kSureOnEdgeEnd and kSureOnEdgeRel of the segment on either side. x lies within
+/// 5.6e-16 of the largest coordinate (per axis; under 1e-6 in all within kCullCoordLimit) of the
+/// segment's point at t, so the segment, seen from x, falls short of a half turn by at most
+/// 2e-6 / kSureOnEdgeEnd, 4e-5 rad; with both ends at least kSureOnEdgeRel of the length away,
+/// the cosine isPointOnSeg works out from the distances is off by at most 1e-12. It stays far
+/// below the cosine where the angle test turns (a shortfall of 2.48e-4 rad), and x lies far
+/// inside the segment's reach. Rounding of the squares here moves the ends' distances by parts
+/// in 1e15. NaN fails.
+inline bool surelyOnSegment(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
+    const double end2 = hd::kSureOnEdgeEnd * hd::kSureOnEdgeEnd;
+    const double u = 1.0 - t;
+    return t >= hd::kSureOnEdgeRel && u >= hd::kSureOnEdgeRel && t * t * len2 >= end2 &&
+           u * u * len2 >= end2 && boundedEnds(a, b);
+}
 
 /// The vertex after vertex k (0 <= k < count) of a closed polygon: (k + 1) mod count, without
 /// a division.

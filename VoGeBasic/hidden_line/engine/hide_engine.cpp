@@ -137,7 +137,12 @@ struct CachedFace {
     double flatLength[4];  ///< each edge's run length in the drawing plane (flatRunOf)
     double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
     bool prunable;
-    bool flat;    ///< a triangle, or a quadrilateral in the plane of its first three vertices
+    bool flat;  ///< a triangle, or a quadrilateral in the plane of its first three vertices
+    /// Per edge, the side of the edge's drawing-plane normal (-(b.y - a.y), b.x - a.x) that the
+    /// whole face lies on: 1 or -1; 0 when the edge has no run, or the face lies on both sides
+    /// or on its line (faceOutlineApartFromLine cannot use it). Read only for a prunable face,
+    /// whose bounded coordinates give no NaN.
+    signed char edgeSide[4];
     double size;  ///< spreadOf(face).size
     /// The plane's depth over the drawing plane: v[0].z + gx (x - v[0].x) + gy (y - v[0].y), and
     /// 1 plus its slope; NaN where the face is seen edge-on or has no plane.
@@ -172,6 +177,26 @@ double frontDepth(const HDFace& f) {
     return plane < f.zmin ? plane : f.zmin;  // NaN stays NaN
 }
 
+// The side of edge k's drawing-plane normal that the whole face lies on (see
+// CachedFace::edgeSide), len being the edge's run length.
+signed char edgeSideOf(const HDFace& f, int k, double len) {
+    if (!(len > 0.0))
+        return 0;
+    const _s_hd_point_ a = f.v[k];
+    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+    const double ex = -(b.y - a.y);
+    const double ey = b.x - a.x;
+    double side = 0.0;
+    for (int j = 0; j < f.count; ++j) {
+        const double o = (f.v[j].x - a.x) * ex + (f.v[j].y - a.y) * ey;
+        if (o * side < 0.0)
+            return 0;
+        if (side == 0.0 && o != 0.0)
+            side = o;
+    }
+    return side > 0.0 ? 1 : side < 0.0 ? -1 : 0;
+}
+
 void prepareFace(CachedFace& c) {
     const HDFace& f = c.face;
     c.area = faceAreaNormal(f);
@@ -190,6 +215,8 @@ void prepareFace(CachedFace& c) {
     c.gx = sloped ? -n.x / n.z : nan;
     c.gy = sloped ? -n.y / n.z : nan;
     c.slopeFactor = sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
+    for (int k = 0; k < f.count; ++k)
+        c.edgeSide[k] = edgeSideOf(f, k, c.flatLength[k]);
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -290,29 +317,18 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
     for (int k = 0; k < f.count; ++k) {
         const _s_hd_point_ a = f.v[k];
         const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+        // Only an edge the face lies wholly inside of separates (worked out once a face).
+        const signed char side = c.edgeSide[k];
+        if (side == 0)
+            continue;
         // The edge's normal left at the edge's length, and the margin with it, spare two
         // divisions a face.
-        const double len = c.flatLength[k];
-        if (!(len > 0.0))
-            continue;
         const double ex = -(b.y - a.y);
         const double ey = b.x - a.x;
-        const double mLen = m * len;
-        // The face lies on one side of the edge's line: the side of its other vertices.
-        double side = 0.0;
-        bool supporting = true;
-        for (int j = 0; j < f.count && supporting; ++j) {
-            const double o = (f.v[j].x - a.x) * ex + (f.v[j].y - a.y) * ey;
-            if (o * side < 0.0)
-                supporting = false;
-            else if (side == 0.0 && o != 0.0)
-                side = o;
-        }
-        if (!supporting || side == 0.0)
-            continue;
+        const double mLen = m * c.flatLength[k];
         const double op = (l.px - a.x) * ex + (l.py - a.y) * ey;
         const double oq = (l.qx - a.x) * ex + (l.qy - a.y) * ey;
-        if (side > 0.0 ? op < -mLen && oq < -mLen : op > mLen && oq > mLen)
+        if (side > 0 ? op < -mLen && oq < -mLen : op > mLen && oq > mLen)
             return true;
     }
     return false;

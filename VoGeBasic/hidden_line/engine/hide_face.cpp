@@ -19,6 +19,14 @@ bool onEdge(_s_hd_point_ p, const HDFace& f, int k, const FaceTestAids& aids) {
     return aids.prep != nullptr ? onSegWithin(p, a, b, aids.prep->reach[k])
                                 : isPointOnSeg(p, a, b) != 0;
 }
+// onEdge for the point c + t (d - c) of edge k's line (c -> d the edge), as crossProjections
+// works it out: well inside the edge it is on it without measuring (surelyOnSegment).
+bool onEdgeAt(_s_hd_point_ p, double t, const HDFace& f, int k, const FaceTestAids& aids) {
+    const _s_hd_point_ a = f.v[k];
+    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+    const double len2 = aids.prep != nullptr ? aids.prep->len2[k] : pointDist2(a, b);
+    return surelyOnSegment(t, len2, a, b) || onEdge(p, f, k, aids);
+}
 ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
     const _s_hd_point_ a = f.v[k];
     const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
@@ -64,7 +72,8 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
             continue;
         // Only where the edge crosses the segment itself: a crossing of its extension would
         // give a piece that leaves the line.
-        if (!onEdge(x.onEdge, f, k, aids) || !onSegWithin(k3, p, q, line.reach))
+        if (!onEdgeAt(x.onEdge, x.edgeAt, f, k, aids) ||
+            !(surelyOnSegment(x.lineAt, line.len2, p, q) || onSegWithin(k3, p, q, line.reach)))
             continue;
         if (found == 0) {
             c1 = k3;
@@ -114,7 +123,8 @@ HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q) {
             isSeenEndOn(p, q),
             segmentReach(p, q),
             flatRunOf(p, q),
-            lineRangeOf(p, q)};
+            lineRangeOf(p, q),
+            pointDist2(p, q)};
 }
 
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& from,
@@ -152,8 +162,10 @@ bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _
     bool opened = false;
     _s_hd_point_ x = p;
     if (!parallel) {
-        x = linePlaneInter(n, f.v[0], p, q);
-        if (withinXYExtents(x, f, hd::kPierceExtentTol) && onSegWithin(x, p, q, line.reach) &&
+        double t = 0.0;
+        x = linePlaneInter(n, f.v[0], p, q, t);
+        if (withinXYExtents(x, f, hd::kPierceExtentTol) &&
+            (surelyOnSegment(t, line.len2, p, q) || onSegWithin(x, p, q, line.reach)) &&
             inFace(x, f, aids)) {
             bool usable = true;
             for (int k = 0; k < f.count; ++k) {

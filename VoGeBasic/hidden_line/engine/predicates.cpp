@@ -129,7 +129,7 @@ ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s
 
 ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
                               const FlatRun& line, const FlatRun& edge) {
-    ProjCrossing x = {true, a, c};
+    ProjCrossing x = {true, a, c, 0.0, 0.0};
     const double den = det2(line.dx, line.dy, edge.dx, edge.dy);
     if (!(line.len > 0.0) || !(edge.len > 0.0) ||
         std::fabs(den) < hd::kProjParallelTol * line.len * edge.len)
@@ -137,8 +137,10 @@ ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s
     const double wx = c.x - a.x;
     const double wy = c.y - a.y;
     x.parallel = false;
-    x.onLine = linComb(1.0, a, det2(wx, wy, edge.dx, edge.dy) / den, vecSub(b, a));
-    x.onEdge = linComb(1.0, c, det2(wx, wy, line.dx, line.dy) / den, vecSub(d, c));
+    x.lineAt = det2(wx, wy, edge.dx, edge.dy) / den;
+    x.edgeAt = det2(wx, wy, line.dx, line.dy) / den;
+    x.onLine = linComb(1.0, a, x.lineAt, vecSub(b, a));
+    x.onEdge = linComb(1.0, c, x.edgeAt, vecSub(d, c));
     return x;
 }
 

@@ -307,6 +307,21 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
     }
     EXPECT_GT(on, 20000);
     EXPECT_LT(on, 180000);
+    // A point worked out on the segment from its parameter, taken as on it without measuring,
+    // is on it by measuring too: near the coordinate limit, on short and long segments.
+    int sure = 0;
+    for (int k = 0; k < 200000; ++k) {
+        const double far = k % 2 == 0 ? 9.9e8 : 0.0;
+        const double size = k % 3 == 0 ? 0.2 : k % 3 == 1 ? 50.0 : 1e6;
+        const P a = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+        const P b = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+        const double t = r() < 0.5 ? r(0, 1) : r(0, 0.002);
+        if (!surelyOnSegment(t, pointDist2(a, b), a, b))
+            continue;
+        ++sure;
+        ASSERT_EQ(measured(linComb(1.0, a, t, vecSub(b, a)), a, b), 1) << k;
+    }
+    EXPECT_GT(sure, 50000);
 }
 
 // The inside test decides from the rough angle sum away from its tolerance's edges: its answers
