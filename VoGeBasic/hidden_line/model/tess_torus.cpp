@@ -113,7 +113,10 @@ struct TubeRing {
     // Position count is pts[0] again, at the end of the turn.
     _s_hd_point_ at(int k) const { return pts[k % count]; }
     int patternAt(int k) const { return pattern[k % count]; }
-    double angleAt(int k) const { return k < count ? angle[k] : core::kFullTurn; }
+    // Position -1 stands before pts[0]: a ring so far from the origin that its points round to
+    // its centre's neighbours measures every angle as 0 or pi, and may hold its second
+    // silhouette point first.
+    double angleAt(int k) const { return k < 0 ? 0.0 : k < count ? angle[k] : core::kFullTurn; }
 
     void push(_s_hd_point_ p, int index, double a) {
         pts[count] = p;
