@@ -49,9 +49,8 @@ TEST(HDBuilders, ArcChordsCloseExactlyAndBadInputLeavesTheListAlone) {
         int k = 0;
         for (const _s_hd_proline_* l = ring; l != nullptr; l = l->next, ++k) {
             const double a = -6.2831885307179585 * k / n;
-            EXPECT_TRUE(std::fabs(l->start.x - std::cos(a)) < 1e-12 &&
-                        std::fabs(l->start.y - std::sin(a)) < 1e-12)
-                << k;
+            EXPECT_NEAR(l->start.x, std::cos(a), 1e-12) << k;
+            EXPECT_NEAR(l->start.y, std::sin(a), 1e-12) << k;
             const P next = l->next != nullptr ? l->next->start : x;
             EXPECT_EQ(std::memcmp(&l->end, &next, sizeof next), 0) << "chord " << k << " is open";
         }
