@@ -108,9 +108,8 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
         // answer: the cheap one, which most points fail, comes first.
         if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
             continue;
-        if (ep != nullptr
-                ? !surelyOnSegment(t, ep->len2[k], a, b) && !onSegWithin(x, a, b, ep->reach[k])
-                : isPointOnSeg(x, a, b) == 0)
+        if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k])
+                          : isPointOnSeg(x, a, b) == 0)
             continue;
         if ((pp != nullptr ? isPointInFace(x, plane, *pp)
                            : isPointInFace(x, plane.count, plane.v)) == 0)

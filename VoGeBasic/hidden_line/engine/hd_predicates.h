@@ -121,6 +121,13 @@ inline bool surelyOnSegment(double t, double len2, _s_hd_point_ a, _s_hd_point_ 
            u * u * len2 >= end2 && boundedEnds(a, b);
 }
 
+/// onSegWithin for the point p = linComb(1, a, t, b - a) worked out from t (len2 the segment's
+/// squared length): well inside the segment it is on it without measuring (surelyOnSegment).
+inline bool onSegAt(_s_hd_point_ p, double t, double len2, _s_hd_point_ a, _s_hd_point_ b,
+                    const SegmentReach& reach) {
+    return surelyOnSegment(t, len2, a, b) || onSegWithin(p, a, b, reach);
+}
+
 /// The vertex after vertex k (0 <= k < count) of a closed polygon: (k + 1) mod count, without
 /// a division.
 inline int nextVertex(int k, int count) {

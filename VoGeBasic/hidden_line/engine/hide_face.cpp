@@ -73,7 +73,7 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
         // Only where the edge crosses the segment itself: a crossing of its extension would
         // give a piece that leaves the line.
         if (!onEdgeAt(x.onEdge, x.edgeAt, f, k, aids) ||
-            !(surelyOnSegment(x.lineAt, line.len2, p, q) || onSegWithin(k3, p, q, line.reach)))
+            !onSegAt(k3, x.lineAt, line.len2, p, q, line.reach))
             continue;
         if (found == 0) {
             c1 = k3;
@@ -165,8 +165,7 @@ bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _
         double t = 0.0;
         x = linePlaneInter(n, f.v[0], p, q, t);
         if (withinXYExtents(x, f, hd::kPierceExtentTol) &&
-            (surelyOnSegment(t, line.len2, p, q) || onSegWithin(x, p, q, line.reach)) &&
-            inFace(x, f, aids)) {
+            onSegAt(x, t, line.len2, p, q, line.reach) && inFace(x, f, aids)) {
             bool usable = true;
             for (int k = 0; k < f.count; ++k) {
                 if (onEdge(x, f, k, aids)) {
