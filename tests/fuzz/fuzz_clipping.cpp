@@ -83,13 +83,6 @@ double outside(const std::vector<VoGePoint3D>& c, double x, double y, double& sh
     return in ? 0.0 : nearest;
 }
 
-void traceRing(const std::vector<VoGePoint3D>& c) {
-    std::fprintf(stderr, "ring:");
-    for (const auto& q : c)
-        std::fprintf(stderr, " (%.17g, %.17g)", q.x, q.y);
-    std::fprintf(stderr, "\n");
-}
-
 void checkIntervals(const paramt* list, double end) {
     double last = -1.0;
     for (const paramt* p = list; p != nullptr; p = p->next) {
@@ -127,12 +120,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
         split = ConvexIdentify(polys);
         if (split) {
-            for (const convex* p = polys; p != nullptr; p = p->next) {
-                if (!convexRing(cornersOf(p)) && vgfuzz::tracing())
-                    traceRing(cornersOf(p));
+            for (const convex* p = polys; p != nullptr; p = p->next)
                 VG_FUZZ_CHECK(convexRing(cornersOf(p)),
                               "a split that succeeds gives convex pieces");
-            }
         }
     }
     if (polys == nullptr || !split) {
@@ -172,13 +162,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                     // a point within 1e-4 / L of its line counts as on it.
                     inside = inside || off <= 2e-4 / std::fmax(shortest, 1e-12) + 1e-3 * len;
                 }
-                if (!inside && vgfuzz::tracing()) {
-                    std::fprintf(stderr,
-                                 "piece (%.17g, %.17g) -> (%.17g, %.17g) gap [%.17g, %.17g]\n",
-                                 s[0], s[1], e[0], e[1], g->t0, g->t1);
-                    for (const auto& c : rings)
-                        traceRing(c);
-                }
                 VG_FUZZ_CHECK(inside, "what trimming removes lies inside an outline");
             }
             freeParamt(gaps);
@@ -198,14 +181,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const double a1 = in.ConsumeFloatingPointInRange<double>(0.0, kTwoPi);
         arc_cut* arc = polygonTrimArc(polys, c, r, a0, a1);
         if (arc != nullptr) {
-            for (const paramt* p = arc->params; p != nullptr; p = p->next) {
-                if (vgfuzz::tracing())
-                    std::fprintf(stderr,
-                                 "arc c=(%.17g,%.17g) r=%.17g a0=%.17g a1=%.17g: [%.17g, %.17g]\n",
-                                 c[0], c[1], r, a0, a1, p->t0, p->t1);
+            for (const paramt* p = arc->params; p != nullptr; p = p->next)
                 VG_FUZZ_CHECK(p->t0 >= 0.0 && p->t0 <= kTwoPi && p->t1 >= 0.0 && p->t1 <= kTwoPi,
                               "arc intervals lie within the turn");
-            }
             freeArcCut(arc);
         }
     }

@@ -48,11 +48,6 @@ T triple(FuzzedDataProvider& in, double range = 10.0) {
     return T{number(in, range), number(in, range), number(in, range)};
 }
 
-/// True when VG_FUZZ_TRACE is set: the targets then print what broke a promise.
-inline bool tracing() {
-    return std::getenv("VG_FUZZ_TRACE") != nullptr;
-}
-
 using vgtest::ordinary;
 
 }  // namespace vgfuzz

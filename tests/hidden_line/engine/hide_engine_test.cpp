@@ -20,7 +20,6 @@
 #include <vector>
 
 #include "hd_engine.h"
-#include "hidden_line/engine/box_index.h"
 #include "hidden_line/engine/hd_engine_fixtures.h"
 #include "scene/plant_scene.h"
 #include "support/alloc_hook.h"
@@ -208,58 +207,6 @@ TEST(KestHideObject, ReleasesAllItBuiltWhenAnAllocationFails) {
             vgscene::releaseAll(objs);
         });
         EXPECT_GT(mallocs, 100);
-    }
-}
-
-// The grid yields, for any box, every object below the limit whose box touches it (NaN,
-// infinite, inverted and huge boxes included), ascending and each once.
-TEST(BoxIndex, YieldsEveryTouchingBoxAscendingAndOnce) {
-    vgtest::Lcg r(9);
-    for (int round = 0; round < 20; ++round) {
-        const int n = 1 + r.below(300);
-        std::vector<_s_hd_prof_*> objs(static_cast<size_t>(n), nullptr);
-        for (_s_hd_prof_*& o : objs) {
-            if (r() < 0.05)
-                continue;  // a null entry
-            o = mallocHDProfObject();
-            ASSERT_NE(o, nullptr);
-            const double x = r(-100, 100), y = r(-100, 100);
-            const double w = r() < 0.1 ? r(0, 150) : r(0, 4), h = r() < 0.1 ? r(0, 150) : r(0, 4);
-            const double box[6] = {x + w, x, y + h, y, 1, 0}, odd = r();
-            std::copy(box, box + 6, o->box);
-            if (odd < 0.03)
-                o->box[r.below(4)] = enginetest::kNaN;
-            else if (odd < 0.06)
-                o->box[0] = 1e300;
-            else if (odd < 0.08)
-                std::swap(o->box[0], o->box[1]);  // inverted
-            else if (odd < 0.1)
-                o->box[2] = std::numeric_limits<double>::infinity();
-        }
-        BoxIndex index;
-        ASSERT_TRUE(index.build(objs.data(), n));
-        std::vector<int> near(static_cast<size_t>(n));
-        for (int i = 0; i < n; ++i) {
-            if (objs[i] == nullptr)
-                continue;
-            const int limit = r() < 0.5 ? n : 1 + r.below(n);
-            const int found = index.near(objs[i]->box, limit, near.data());
-            ASSERT_GE(found, 0) << i;
-            ASSERT_LE(found, limit) << i;
-            std::vector<int> want;
-            for (int j = 0; j < limit; ++j) {
-                if (objs[j] != nullptr && xyBoxesTouch(objs[j]->box, objs[i]->box))
-                    want.push_back(j);
-            }
-            for (int k = 0; k < found; ++k) {
-                ASSERT_TRUE(near[k] >= 0 && near[k] < limit && objs[near[k]] != nullptr) << i;
-                ASSERT_TRUE(k == 0 || near[k - 1] < near[k]) << "not ascending " << i;
-            }
-            EXPECT_TRUE(std::includes(near.begin(), near.begin() + found, want.begin(), want.end()))
-                << "object " << i << " misses one";
-        }
-        for (_s_hd_prof_* o : objs)
-            freeHDProfObjectPointer(o);
     }
 }
 
