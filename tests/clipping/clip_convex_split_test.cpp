@@ -68,24 +68,4 @@ TEST(ConvexIdentify, OutlinesSplitIntoConvexPiecesOfTheSameAreaOrAreRefusedUntou
     freeConvex(open);
 }
 
-// Random self-intersecting rings, half on a small grid (crossings, touching corners and
-// collinear edges are common): either answer will do, but the rings come back releasable (the
-// sanitizer run catches a lost or doubly held edge) and true promises convex pieces.
-TEST(ConvexIdentify, HostileRingsComeBackReleasableAndTrueMeansConvexPieces) {
-    vgtest::Lcg next(12345);
-    for (int r = 0; r < 600; ++r) {
-        Outline o;
-        for (int i = 0; i < 5 + r % 12; ++i) {
-            const double x = r % 2 == 0 ? next.below(7) : next(0, 7);
-            o.emplace_back(x, r % 2 == 0 ? next.below(7) : next(0, 7));
-        }
-        convex* polys = vgtest::polygonOf(o);
-        const bool split = ConvexIdentify(polys);
-        const Pieces p = piecesOf(polys);
-        EXPECT_EQ(p.unclosed, 0) << r;
-        EXPECT_TRUE(!split || p.reflex == 0) << "a piece is not convex " << r;
-        freeConvex(polys);
-    }
-}
-
 }  // namespace
