@@ -201,10 +201,45 @@ bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const Fac
 // 2.6e-4 D + 1.2e-4 sqrt D + 3.2e-5 (1.2e-4 sqrt D is at most 0.01 + 3.6e-7 D): no x is kept,
 // and none from the other side either. Rounding of the distances and of x, below 1e-6 at
 // coordinates within kCullCoordLimit, is covered many times over.
+//
+// The same holds along any direction u of length at most 1: every point kept lies within
+// M / 2 + 1e-6 D of one face (H above, or an edge or vertex within 2.5e-4 D + 1.2e-4 sqrt D +
+// 1e-4, less than that) and within 2.6e-4 D + 1.2e-4 sqrt D + 3.2e-5 of an edge of the other, so
+// its u . x lies within those of the two faces' ranges of u . v over their vertices; the two
+// together stay below M. So when those ranges lie more than M apart, the faces meet nowhere:
+// facesApartAlongLine tries u along the line where the two planes meet, which parts faces that
+// each cross the other's plane, but at different places along it.
 bool facesApart(const HDFace& f, const double* df, const HDFace& g, const double* dg, double span) {
     const double m = hd::kFacesApartAbs + hd::kFacesApartRel * span;
     if (!allBeyond(df, f.count, m) && !allBeyond(dg, g.count, m))
         return false;
+    return isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g));
+}
+
+// The least and greatest of u . v over a face's vertices (NaN fails the caller's tests).
+void rangeAlong(const HDFace& e, _s_hd_point_ u, double& lo, double& hi) {
+    lo = hi = vecDot(u, e.v[0]);
+    for (int k = 1; k < e.count; ++k) {
+        const double o = vecDot(u, e.v[k]);
+        lo = o < lo ? o : lo;
+        hi = o > hi ? o : hi;
+    }
+}
+
+// True when the flat faces f and g, their coordinates within kCullCoordLimit, lie more than
+// facesApart's margin apart along the line where their planes meet (see facesApart): they meet
+// nowhere.
+bool facesApartAlongLine(const HDFace& f, const HDFace& g, double span) {
+    const _s_hd_point_ u = vecNormalize(vecCross(f.normal, g.normal));
+    double flo = 0.0;
+    double fhi = 0.0;
+    double glo = 0.0;
+    double ghi = 0.0;
+    rangeAlong(f, u, flo, fhi);
+    rangeAlong(g, u, glo, ghi);
+    const double m = hd::kFacesApartAbs + hd::kFacesApartRel * span;
+    if (!(glo - fhi > m || flo - ghi > m))
+        return false;  // NaN too
     return isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g));
 }
 
@@ -224,7 +259,8 @@ bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const F
         const bool gBounded = planeDistances(g, f, dg);
         fOff = fBounded && whollyOffPlane(f, df, span);
         gOff = gBounded && whollyOffPlane(g, dg, span);
-        if (fBounded && gBounded && facesApart(f, df, g, dg, span))
+        if (fBounded && gBounded &&
+            (facesApart(f, df, g, dg, span) || facesApartAlongLine(f, g, span)))
             return false;
     }
     _s_hd_point_ pts[2];
