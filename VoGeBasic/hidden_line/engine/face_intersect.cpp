@@ -56,10 +56,13 @@ bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
 // The signed distances d[k] of e's vertices from the face `plane`'s plane. False, leaving d
 // unset, when e has a coordinate beyond kCullCoordLimit or NaN (the tests below need bounded
 // coordinates for their rounding bounds).
-bool planeDistances(const HDFace& e, const HDFace& plane, double* d) {
+bool boundedFace(const HDFace& e) {
     const double lim = hd::kCullCoordLimit;
-    if (!(e.xmax <= lim && e.xmin >= -lim && e.ymax <= lim && e.ymin >= -lim && e.zmax <= lim &&
-          e.zmin >= -lim))
+    return e.xmax <= lim && e.xmin >= -lim && e.ymax <= lim && e.ymin >= -lim && e.zmax <= lim &&
+           e.zmin >= -lim;
+}
+bool planeDistances(const HDFace& e, const HDFace& plane, double* d) {
+    if (!boundedFace(e))
         return false;
     for (int k = 0; k < e.count; ++k)
         d[k] = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
@@ -243,26 +246,40 @@ bool facesApartAlongLine(const HDFace& f, const HDFace& g, double span) {
     return isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g));
 }
 
-bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
-                   _s_hd_point_& a, _s_hd_point_& b) {
+// What the faces f and g tell of their meeting before any edge is pierced: apart, they meet
+// nowhere (no plane, parallel, or facesApart); otherwise fOff and gOff say which lies wholly
+// off the other's plane (whollyOffPlane). With shortcuts false only the first two are asked.
+struct PairSides {
+    bool apart, fOff, gOff;
+};
+PairSides pairSides(const HDFace& f, const HDFace& g, bool shortcuts) {
     if (isZero(f.normal) || isZero(g.normal))
-        return false;
+        return {true, false, false};
     if (std::fabs(std::fabs(vecDot(f.normal, g.normal)) - 1.0) < hd::kParallelFacesTol)
-        return false;
-    bool fOff = false;
-    bool gOff = false;
-    if (fp != nullptr) {
-        const double span = commonSpan(f, g);
-        double df[4];
-        double dg[4];
-        const bool fBounded = planeDistances(f, g, df);
-        const bool gBounded = planeDistances(g, f, dg);
-        fOff = fBounded && whollyOffPlane(f, df, span);
-        gOff = gBounded && whollyOffPlane(g, dg, span);
-        if (fBounded && gBounded &&
-            (facesApart(f, df, g, dg, span) || facesApartAlongLine(f, g, span)))
-            return false;
-    }
+        return {true, false, false};
+    if (!shortcuts)
+        return {false, false, false};
+    const double span = commonSpan(f, g);
+    double df[4];
+    double dg[4];
+    const bool fBounded = planeDistances(f, g, df);
+    // f's distances alone settle most pairs that lie apart (facesApart would say so).
+    if (fBounded && boundedFace(g) &&
+        allBeyond(df, f.count, hd::kFacesApartAbs + hd::kFacesApartRel * span) &&
+        isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g)))
+        return {true, false, false};
+    const bool gBounded = planeDistances(g, f, dg);
+    if (fBounded && gBounded && (facesApart(f, df, g, dg, span) || facesApartAlongLine(f, g, span)))
+        return {true, false, false};
+    return {false, fBounded && whollyOffPlane(f, df, span),
+            gBounded && whollyOffPlane(g, dg, span)};
+}
+
+// faceInterLine for a pair that pairSides leaves open.
+bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
+              const PairSides& sides, _s_hd_point_& a, _s_hd_point_& b) {
+    const bool fOff = sides.fOff;
+    const bool gOff = sides.gOff;
     _s_hd_point_ pts[2];
     int kept = 0;
     if (!collectPiercings(f, g, pts, kept, fp, gp, fOff) &&
@@ -276,6 +293,12 @@ bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const F
     a = pts[0];
     b = pts[1];
     return true;
+}
+
+bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
+                   _s_hd_point_& a, _s_hd_point_& b) {
+    const PairSides sides = pairSides(f, g, fp != nullptr);
+    return !sides.apart && cutAlong(f, fp, g, gp, sides, a, b);
 }
 
 }  // namespace
@@ -325,16 +348,21 @@ void addCutLines(_s_hd_prof_* obj, ForEachRegistered&& forEachRegistered) {
             PreparedFace f;
             if (!readFace(fs->sect, f.face) || !extentsOverlap(f.face, all))
                 continue;
-            bool prepared = false;  // only once a face of obj comes near
+            bool prepared = false;  // only once a face of obj may meet it
             for (int g = 0; g < ownCount && ok; ++g) {
                 if (!extentsOverlap(f.face, own[g].face))
+                    continue;
+                // getFaceInterLine with the faces' prepared data, f prepared only once a pair
+                // is left open.
+                const PairSides sides = pairSides(f.face, own[g].face, true);
+                if (sides.apart)
                     continue;
                 if (!prepared)
                     prepareFaceTests(f.face, f.prep);
                 prepared = true;
                 _s_hd_point_ a;
                 _s_hd_point_ b;
-                if (getFaceInterLine(f.face, f.prep, own[g].face, own[g].prep, a, b))
+                if (cutAlong(f.face, &f.prep, own[g].face, &own[g].prep, sides, a, b))
                     ok = found.append(a, b);
             }
         }
