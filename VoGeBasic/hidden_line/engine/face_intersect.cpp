@@ -53,14 +53,16 @@ bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
     return beyond && boundedEnds(a, b);
 }
 
-// The signed distances d[k] of e's vertices from the face `plane`'s plane. False, leaving d
-// unset, when e has a coordinate beyond kCullCoordLimit or NaN (the tests below need bounded
-// coordinates for their rounding bounds).
+// True when every coordinate of the face lies within kCullCoordLimit (NaN fails): the tests
+// below need that for their rounding bounds.
 bool boundedFace(const HDFace& e) {
     const double lim = hd::kCullCoordLimit;
     return e.xmax <= lim && e.xmin >= -lim && e.ymax <= lim && e.ymin >= -lim && e.zmax <= lim &&
            e.zmin >= -lim;
 }
+
+// The signed distances d[k] of e's vertices from the face `plane`'s plane. False, leaving d
+// unset, when e is not a boundedFace.
 bool planeDistances(const HDFace& e, const HDFace& plane, double* d) {
     if (!boundedFace(e))
         return false;
