@@ -53,44 +53,66 @@ bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
     return beyond && boundedEnds(a, b);
 }
 
-// True when every vertex of e lies on one side of the face `plane`'s plane, farther from it than
-// the margin kOffPlaneAbs + kOffPlaneRel * D (D: the X plus Y plus Z extent of the faces' common
-// box): then collectPiercings keeps no point of e's edges, each being passed over as parallel or
-// by farOffEdge. For an edge a -> b with signed distances da, db from the plane (n the plane's
-// normal, |n| = 1 within rounding), both beyond the margin on one side, the edge's line meets the
-// plane at t = da / (da - db), outside [0, 1], and beyond the nearer end by min(|da|, |db|) *
-// |b - a| / |n . (b - a)|, at least the margin. Rounding: the distances here and the numerator
-// n . (v0 - a) of t are off by at most 7.8e-16 D; the edge that reaches farOffEdge crosses the
-// plane (|dir . n| > kPlaneParallelTol), so n . (b - a) is at least 2.9e-5 |b - a| and off by at
-// most 7.8e-16 |b - a|; together the gap farOffEdge measures is off by at most 6e-11 times D
-// plus the gap, which kOffPlaneRel covers, and the gap stays above kOffEdgeGap. farOffEdge
-// needs e's coordinates within kCullCoordLimit; NaN fails every comparison, so such faces are
-// never passed over here.
-bool whollyOffPlane(const HDFace& e, const HDFace& plane) {
+// True when every coordinate of the face lies within kCullCoordLimit (NaN fails): the tests
+// below need that for their rounding bounds.
+bool boundedFace(const HDFace& e) {
     const double lim = hd::kCullCoordLimit;
-    if (!(e.xmax <= lim && e.xmin >= -lim && e.ymax <= lim && e.ymin >= -lim && e.zmax <= lim &&
-          e.zmin >= -lim))
+    return e.xmax <= lim && e.xmin >= -lim && e.ymax <= lim && e.ymin >= -lim && e.zmax <= lim &&
+           e.zmin >= -lim;
+}
+
+// The signed distances d[k] of e's vertices from the face `plane`'s plane. False, leaving d
+// unset, when e is not a boundedFace.
+bool planeDistances(const HDFace& e, const HDFace& plane, double* d) {
+    if (!boundedFace(e))
         return false;
-    const double span = (maxOf(e.xmax, plane.xmax) - minOf(e.xmin, plane.xmin)) +
-                        (maxOf(e.ymax, plane.ymax) - minOf(e.ymin, plane.ymin)) +
-                        (maxOf(e.zmax, plane.zmax) - minOf(e.zmin, plane.zmin));
-    const double m = hd::kOffPlaneAbs + hd::kOffPlaneRel * span;
+    for (int k = 0; k < e.count; ++k)
+        d[k] = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
+    return true;
+}
+
+// True when the count distances all exceed m or all fall below -m (NaN fails).
+bool allBeyond(const double* d, int count, double m) {
     bool above = true;
     bool below = true;
-    for (int k = 0; k < e.count; ++k) {
-        const double d = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
-        above = above && d > m;
-        below = below && d < -m;
+    for (int k = 0; k < count; ++k) {
+        above = above && d[k] > m;
+        below = below && d[k] < -m;
     }
     return above || below;
 }
 
+// The X plus Y plus Z extent of the common box of two faces.
+double commonSpan(const HDFace& e, const HDFace& plane) {
+    return (maxOf(e.xmax, plane.xmax) - minOf(e.xmin, plane.xmin)) +
+           (maxOf(e.ymax, plane.ymax) - minOf(e.ymin, plane.ymin)) +
+           (maxOf(e.zmax, plane.zmax) - minOf(e.zmin, plane.zmin));
+}
+
+// True when every vertex of e lies on one side of the face `plane`'s plane, farther from it than
+// the margin kOffPlaneAbs + kOffPlaneRel * D (D: commonSpan, the X plus Y plus Z extent of the
+// faces' common box; d: planeDistances): then collectPiercings keeps no point of e's edges, each
+// being passed over as parallel or by farOffEdge. For an edge a -> b with signed distances da,
+// db from the plane (n the plane's normal, |n| = 1 within rounding), both beyond the margin on
+// one side, the edge's line meets the plane at t = da / (da - db), outside [0, 1], and beyond the
+// nearer end by min(|da|, |db|) * |b - a| / |n . (b - a)|, at least the margin. Rounding: the
+// distances here and the numerator n . (v0 - a) of t are off by at most 7.8e-16 D; the edge that
+// reaches farOffEdge crosses the plane (|dir . n| > kPlaneParallelTol), so n . (b - a) is at
+// least 2.9e-5 |b - a| and off by at most 7.8e-16 |b - a|; together the gap farOffEdge measures
+// is off by at most 6e-11 times D plus the gap, which kOffPlaneRel covers, and the gap stays
+// above kOffEdgeGap. farOffEdge needs e's coordinates within kCullCoordLimit, which
+// planeDistances asks; NaN fails every comparison, so such faces are never passed over here.
+bool whollyOffPlane(const HDFace& e, const double* d, double span) {
+    return allBeyond(d, e.count, hd::kOffPlaneAbs + hd::kOffPlaneRel * span);
+}
+
 // Adds to pts (kept so far: kept) the points where the edges of e pierce the face `plane`.
 // Returns true once two distinct points are kept. With ep and pp (the faces' prepared data,
-// both or neither) the faces' own parts of the tests are taken from them.
+// both or neither) the faces' own parts of the tests are taken from them. offPlane says that e
+// lies wholly off the plane (whollyOffPlane): its edges keep no point.
 bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, int& kept,
-                      const FacePrep* ep, const FacePrep* pp) {
-    if (ep != nullptr && whollyOffPlane(e, plane))
+                      const FacePrep* ep, const FacePrep* pp, bool offPlane) {
+    if (offPlane)
         return false;
     for (int k = 0; k < e.count; ++k) {
         const _s_hd_point_ a = e.v[k];
@@ -164,15 +186,106 @@ bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const Fac
     return false;
 }
 
-bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
-                   _s_hd_point_& a, _s_hd_point_& b) {
+// True when the flat faces f and g (isFlatFace), their coordinates within kCullCoordLimit,
+// meet nowhere because one lies wholly farther than M = kFacesApartAbs + kFacesApartRel * D
+// (D: commonSpan) on one side of the other's plane (df, dg: f's distances from g's plane and
+// g's from f's). Say f lies beyond M from g's plane, s being the signed distance from it. The
+// edges of f keep no point (whollyOffPlane, whose margin is below M). A point x that an edge
+// a -> b of g keeps is on that edge by isPointOnSeg: within 3.2e-5 of an end, or within
+// 2.5e-4 |b - a| plus 1.2e-4 sqrt|b - a| of the segment (kCullMarginAbs tells why); the edge
+// lies in g's plane to within kCullFlatRel times g's size, so |s(x)| <= 2.6e-4 D +
+// 1.2e-4 sqrt D + 3.2e-5. And x, in f's plane, is in f by isPointInFace: within 1e-4 of a
+// vertex, on an edge as above, or by the angle sum. Every vertex of f has s > M, and the
+// fourth lies within kCullFlatRel D of the plane of the first three; H, the convex hull of the
+// first three and the fourth's foot on that plane, has s > M - 1e-6 D, and a point within r of
+// H has s > M - 1e-6 D - r (s changes by at most the distance moved). Seen from a point of f's
+// plane outside H and farther than M / 2 from it, the edges of that flat polygon add up to no
+// turn, and the fourth vertex's offset moves the two angles at it by at most
+// pi * 1e-6 D / (M / 2) < 0.007 in all, far inside kInFaceTurnTol: the angle sum rejects it.
+// Hence s(x) > M / 2 - 1e-6 D or s(x) > M - 2.5e-4 D - 1.2e-4 sqrt D - 1e-4, each above
+// 2.6e-4 D + 1.2e-4 sqrt D + 3.2e-5 (1.2e-4 sqrt D is at most 0.01 + 3.6e-7 D): no x is kept,
+// and none from the other side either. Rounding of the distances and of x, below 1e-6 at
+// coordinates within kCullCoordLimit, is covered many times over.
+//
+// The same holds along any direction u of length at most 1: every point kept lies within
+// M / 2 + 1e-6 D of one face (H above, or an edge or vertex within 2.5e-4 D + 1.2e-4 sqrt D +
+// 1e-4, less than that) and within 2.6e-4 D + 1.2e-4 sqrt D + 3.2e-5 of an edge of the other, so
+// its u . x lies within those of the two faces' ranges of u . v over their vertices; the two
+// together stay below M. So when those ranges lie more than M apart, the faces meet nowhere:
+// facesApartAlongLine tries u along the line where the two planes meet, which parts faces that
+// each cross the other's plane, but at different places along it.
+bool facesApart(const HDFace& f, const double* df, const HDFace& g, const double* dg, double span) {
+    const double m = hd::kFacesApartAbs + hd::kFacesApartRel * span;
+    if (!allBeyond(df, f.count, m) && !allBeyond(dg, g.count, m))
+        return false;
+    return isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g));
+}
+
+// The least and greatest of u . v over a face's vertices (NaN fails the caller's tests).
+void rangeAlong(const HDFace& e, _s_hd_point_ u, double& lo, double& hi) {
+    lo = hi = vecDot(u, e.v[0]);
+    for (int k = 1; k < e.count; ++k) {
+        const double o = vecDot(u, e.v[k]);
+        lo = o < lo ? o : lo;
+        hi = o > hi ? o : hi;
+    }
+}
+
+// True when the flat faces f and g, their coordinates within kCullCoordLimit, lie more than
+// facesApart's margin apart along the line where their planes meet (see facesApart): they meet
+// nowhere.
+bool facesApartAlongLine(const HDFace& f, const HDFace& g, double span) {
+    const _s_hd_point_ u = vecNormalize(vecCross(f.normal, g.normal));
+    double flo = 0.0;
+    double fhi = 0.0;
+    double glo = 0.0;
+    double ghi = 0.0;
+    rangeAlong(f, u, flo, fhi);
+    rangeAlong(g, u, glo, ghi);
+    const double m = hd::kFacesApartAbs + hd::kFacesApartRel * span;
+    if (!(glo - fhi > m || flo - ghi > m))
+        return false;  // NaN too
+    return isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g));
+}
+
+// What the faces f and g tell of their meeting before any edge is pierced: apart, they meet
+// nowhere (no plane, parallel, or facesApart); otherwise fOff and gOff say which lies wholly
+// off the other's plane (whollyOffPlane). With shortcuts false only the first two are asked.
+struct PairSides {
+    bool apart, fOff, gOff;
+};
+PairSides pairSides(const HDFace& f, const HDFace& g, bool shortcuts) {
     if (isZero(f.normal) || isZero(g.normal))
-        return false;
+        return {true, false, false};
     if (std::fabs(std::fabs(vecDot(f.normal, g.normal)) - 1.0) < hd::kParallelFacesTol)
-        return false;
+        return {true, false, false};
+    if (!shortcuts)
+        return {false, false, false};
+    const double span = commonSpan(f, g);
+    double df[4];
+    double dg[4];
+    const bool fBounded = planeDistances(f, g, df);
+    // f's distances alone settle most pairs that lie apart (facesApart would say so).
+    if (fBounded && boundedFace(g) &&
+        allBeyond(df, f.count, hd::kFacesApartAbs + hd::kFacesApartRel * span) &&
+        isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g)))
+        return {true, false, false};
+    const bool gBounded = planeDistances(g, f, dg);
+    if (fBounded && gBounded && (facesApart(f, df, g, dg, span) || facesApartAlongLine(f, g, span)))
+        return {true, false, false};
+    return {false, fBounded && whollyOffPlane(f, df, span),
+            gBounded && whollyOffPlane(g, dg, span)};
+}
+
+// faceInterLine for a pair that pairSides leaves open.
+bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
+              const PairSides& sides, _s_hd_point_& a, _s_hd_point_& b) {
+    const bool fOff = sides.fOff;
+    const bool gOff = sides.gOff;
     _s_hd_point_ pts[2];
     int kept = 0;
-    if (!collectPiercings(f, g, pts, kept, fp, gp) && !collectPiercings(g, f, pts, kept, gp, fp))
+    if (!collectPiercings(f, g, pts, kept, fp, gp, fOff) &&
+        !collectPiercings(g, f, pts, kept, gp, fp, gOff))
         return false;
     // Two faces that share an edge meet along it, and so do neighbouring faces of one smooth
     // surface: that is no intersection line. The edge is drawn already where it is an edge of
@@ -182,6 +295,12 @@ bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const F
     a = pts[0];
     b = pts[1];
     return true;
+}
+
+bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
+                   _s_hd_point_& a, _s_hd_point_& b) {
+    const PairSides sides = pairSides(f, g, fp != nullptr);
+    return !sides.apart && cutAlong(f, fp, g, gp, sides, a, b);
 }
 
 }  // namespace
@@ -231,16 +350,21 @@ void addCutLines(_s_hd_prof_* obj, ForEachRegistered&& forEachRegistered) {
             PreparedFace f;
             if (!readFace(fs->sect, f.face) || !extentsOverlap(f.face, all))
                 continue;
-            bool prepared = false;  // only once a face of obj comes near
+            bool prepared = false;  // only once a face of obj may meet it
             for (int g = 0; g < ownCount && ok; ++g) {
                 if (!extentsOverlap(f.face, own[g].face))
+                    continue;
+                // getFaceInterLine with the faces' prepared data, f prepared only once a pair
+                // is left open.
+                const PairSides sides = pairSides(f.face, own[g].face, true);
+                if (sides.apart)
                     continue;
                 if (!prepared)
                     prepareFaceTests(f.face, f.prep);
                 prepared = true;
                 _s_hd_point_ a;
                 _s_hd_point_ b;
-                if (getFaceInterLine(f.face, f.prep, own[g].face, own[g].prep, a, b))
+                if (cutAlong(f.face, &f.prep, own[g].face, &own[g].prep, sides, a, b))
                     ok = found.append(a, b);
             }
         }

@@ -2,6 +2,7 @@
 // face tests ask of a face alone, worked out once.
 #include <cmath>
 
+#include "hidden_line/engine/hd_engine_tolerances.h"
 #include "hidden_line/engine/hd_faces.h"
 
 namespace geolib {
@@ -37,6 +38,11 @@ void prepareFaceTests(const HDFace& f, FacePrep& prep) {
     for (int k = 0; k < f.count; ++k)
         prep.dir[k] = unitDir(f.v[nextVertex(k, f.count)], f.v[k]);
     prep.area = faceAreaNormal(f);
+}
+
+bool isFlatFace(const HDFace& f, double size) {
+    return f.count == 3 ||
+           std::fabs(vecDot(f.normal, vecSub(f.v[3], f.v[0]))) <= hd::kCullFlatRel * size;
 }
 
 bool withinXYExtents(_s_hd_point_ p, const HDFace& f, double tol) {

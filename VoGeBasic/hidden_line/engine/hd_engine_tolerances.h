@@ -101,6 +101,13 @@ constexpr double kParallelFacesTol = 0.000001;
 /// has no edge that pierces that face: twice kOffEdgeGap, and rounding at most 6e-11 of the size.
 constexpr double kOffPlaneAbs = 2.0 * kOffEdgeGap;
 constexpr double kOffPlaneRel = 1e-10;
+/// Two flat faces meet nowhere when one lies wholly farther than kFacesApartAbs plus
+/// kFacesApartRel times their size (the common box's X plus Y plus Z extent) on one side of the
+/// other's plane, or when their vertices lie that far apart along the line where their planes
+/// meet: the points either keeps lie within 3e-4 of that size, plus 1e-4 and a root term, of
+/// both faces (facesApart), and half the margin clears twice that.
+constexpr double kFacesApartAbs = 0.05;
+constexpr double kFacesApartRel = 0.001;
 /// A point worked out on an edge's line at least this far from both ends, and this part of the
 /// edge's length, lies on the edge by isPointOnSeg without measuring: its rounding (below 1e-6
 /// at coordinates within kCullCoordLimit) tilts the edge by under 4e-5 rad, far inside the

@@ -16,6 +16,14 @@ struct HDFace {
     _s_hd_point_ normal;  ///< triNormal(v[0], v[1], v[2])
 };
 
+/// The face's size: its X plus Y plus Z extent.
+inline double faceSize(const HDFace& f) {
+    return (f.xmax - f.xmin) + (f.ymax - f.ymin) + (f.zmax - f.zmin);
+}
+/// True for a triangle, and for a quadrilateral whose fourth vertex lies within kCullFlatRel
+/// times size (the face's faceSize) of the plane of its first three. False for NaN.
+bool isFlatFace(const HDFace& face, double size);
+
 /// True when p lies within the face's X and Y extents widened by tol on each side.
 bool withinXYExtents(_s_hd_point_ p, const HDFace& face, double tol);
 

@@ -155,7 +155,7 @@ struct FaceSpread {
 };
 FaceSpread spreadOf(const HDFace& f) {
     return {0.5 * (f.xmin + f.xmax), 0.5 * (f.ymin + f.ymax), 0.5 * (f.xmax - f.xmin),
-            0.5 * (f.ymax - f.ymin), (f.xmax - f.xmin) + (f.ymax - f.ymin) + (f.zmax - f.zmin)};
+            0.5 * (f.ymax - f.ymin), faceSize(f)};
 }
 
 // The smallest depth of the face's plane over the face's XY extents widened by kBehindExtentTol
@@ -207,8 +207,7 @@ void prepareFace(CachedFace& c) {
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
     c.zNear = frontDepth(f);
     c.size = spreadOf(f).size;
-    c.flat = f.count == 3 || std::fabs(vecDot(f.normal, vecSub(f.v[3], f.v[0]))) <=
-                                 hd::kCullFlatRel * c.size;  // false for NaN
+    c.flat = isFlatFace(f, c.size);
     const _s_hd_point_ n = f.normal;
     const bool sloped = std::fabs(n.z) >= hd::kEdgeOnNormalZ;  // false for NaN
     const double nan = std::numeric_limits<double>::quiet_NaN();

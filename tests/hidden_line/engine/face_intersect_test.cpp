@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <random>
 #include <vector>
 
 #include "hd_engine.h"
@@ -49,6 +51,64 @@ TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo
     EXPECT_EQ(segmentsOf(cross[0]->proline).size(), 3u);
     EXPECT_EQ(crossings, 2);
     vgscene::releaseAll(cross);
+}
+
+TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
+    // Flat faces of sizes 0.1 to 1000, the second turned a little or much about a line of the
+    // first and moved so that its vertices come within 1e-7 to 1 of the first's (or overlap it
+    // by that much) across the first's plane or along the line where the planes meet. The
+    // prepared test, with its shortcuts for faces lying apart, finds the same segment to the
+    // bit as the plain one, or none where it finds none.
+    std::mt19937 rng(7);
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    auto unit = [&] { return vecNormalize({u(rng), u(rng), u(rng)}); };
+    auto polygon = [&](P c, P e1, P e2, double r, bool tri) {
+        std::vector<P> pts;
+        for (int k = 0; k < (tri ? 3 : 4); ++k) {
+            const double a = (k + 0.4 * u(rng)) * (tri ? 2.0944 : 1.5708);
+            pts.push_back(linComb(1.0, linComb(1.0, c, r * std::cos(a), e1), r * std::sin(a), e2));
+        }
+        return pts;
+    };
+    // Moves pts along axis so that their least extent along it lies gap beyond the others'
+    // greatest.
+    auto setGap = [](std::vector<P>& pts, const std::vector<P>& others, P axis, double gap) {
+        double lo = INFINITY, hi = -INFINITY;
+        for (const P& p : pts)
+            lo = std::fmin(lo, vecDot(axis, p));
+        for (const P& p : others)
+            hi = std::fmax(hi, vecDot(axis, p));
+        for (P& p : pts)
+            p = linComb(1.0, p, gap - (lo - hi), axis);
+    };
+    int cut = 0;
+    for (int trial = 0; trial < 4000; ++trial) {
+        const double r = std::pow(10.0, 2.0 * u(rng) + 1.0);
+        const P n = unit();
+        const P e1 = vecNormalize(vecCross(n, unit()));
+        const P e2 = vecCross(n, e1);
+        const P o = {1000 * u(rng), 1000 * u(rng), 1000 * u(rng)};
+        const std::vector<P> gv = polygon(o, e1, e2, r, trial % 2 == 0);
+        const double turn = (trial % 3 == 0 ? 0.01 : 1.5) * u(rng);
+        const P t2 = linComb(std::cos(turn), e2, std::sin(turn), n);
+        const P c = linComb(1.0, o, r * u(rng), e1);
+        std::vector<P> fv = polygon(c, e1, t2, r * (1.0 + 0.9 * u(rng)), trial % 4 < 2);
+        const double gap = std::copysign(std::pow(10.0, 3.5 * u(rng) - 3.5), u(rng));
+        setGap(fv, gv, trial % 5 < 2 ? vecNormalize(vecCross(n, vecCross(e1, t2))) : n, gap);
+        const HDFace f = faceOf(fv), g = faceOf(gv);
+        FacePrep fp, gp;
+        prepareFaceTests(f, fp);
+        prepareFaceTests(g, gp);
+        P a{}, b{}, pa{}, pb{};
+        const bool plain = getFaceInterLine(f, g, a, b);
+        ASSERT_EQ(getFaceInterLine(f, fp, g, gp, pa, pb), plain) << trial;
+        if (plain) {
+            ++cut;
+            EXPECT_EQ(std::memcmp(&a, &pa, sizeof a), 0) << trial;
+            EXPECT_EQ(std::memcmp(&b, &pb, sizeof b), 0) << trial;
+        }
+    }
+    EXPECT_GT(cut, 300);
 }
 
 }  // namespace
