@@ -103,6 +103,9 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
         {"along the tube twice, full ring", 1, kTwoPi, {1, 5, 3}, {1, 0, 0}},
         {"a hair off the tube", 1, kPi, {1, 5, 3}, {1, 0, 1e-6}},
         {"a little off the tube", 1, kPi, {1, 5, 3}, {1, 0, 1e-3}},
+        // Fat, and nearly along the tube between two chosen rings close to an end.
+        {"fat, end-on before the end", 1, kPi / 2, {1.0002184, 2.132553, 1.908016}, {1, 0, 2e-4}},
+        {"fat, end-on after the start", 1, kPi, {0.9999686, 3.044754, 2.895175}, {1, 0, -3e-4}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, unit(v.a), 0};
