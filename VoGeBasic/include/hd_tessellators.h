@@ -198,18 +198,19 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// and the tube is seen end-on where it reaches the axis), wherever its silhouette turns round
 /// the tube by more than a quarter of a ring chord between two rings, and wherever the
 /// silhouette drawn between two rings would stray from the one half way between by more than
-/// the larger of the ring chords' and the outer equator's sagittas. Every ring holds one
-/// pattern of m = 8, 10 or 12 vertices at equal angles round the tube (the disc's rule on r),
-/// measured from the ring's radial direction: the end rings start at a silhouette point,
-/// centre + r * unit(Z x tangent), as a disc of their circle does (a ring seen end-on starts on
-/// the bend axis), and the pattern turns along the bend between them by at most half a chord
-/// in all, smoothly, standing still at both ends. Each other ring also holds its two silhouette
-/// points, and leaves out the pattern vertices closer than half a chord to them. Faces between two
-/// rings are stitched from one silhouette chain to the other and back: quadrilaterals where both
-/// rings step across the same pattern chord (two triangles along the shorter diagonal where not
-/// planar), triangles elsewhere. A sweep within 1e-9 of 2 pi is a full ring without ends; otherwise
-/// flat ends close the tube, each a strip across its end ring. A tube radius above the bend radius
-/// gives a closed face set that passes through itself near the axis. Faces: the start end, the tube
+/// the larger of the ring chords' and the outer equator's sagittas (the equator's over a step of
+/// at most an eighth of a turn, so that a coarse n still gets the rings a tube needs). Every ring
+/// holds one pattern of m = 8, 10 or 12 vertices at equal angles round the tube (the disc's rule on
+/// r), measured from the ring's radial direction: the end rings start at the silhouette point
+/// centre + r * unit(Z x tangent), as a disc of their circle does (a ring seen end-on starts on the
+/// bend axis), and the pattern turns along the bend between them by at most half a chord in all,
+/// smoothly, standing still at both ends. Each other ring also holds its two silhouette points, and
+/// leaves out the pattern vertices closer than half a chord to them. Faces between two rings are
+/// stitched from one silhouette chain to the other and back: quadrilaterals where both rings step
+/// across the same pattern chord (two triangles along the shorter diagonal where not planar),
+/// triangles elsewhere. A sweep within 1e-9 of 2 pi is a full ring without ends; otherwise flat
+/// ends close the tube, each a strip across its end ring. A tube radius above the bend radius gives
+/// a closed face set that passes through itself near the axis. Faces: the start end, the tube
 /// between consecutive rings (ring by ring, each band from the first silhouette chain round to the
 /// second, then on round to the first), the far end; tag 0. Lines: the start ring's m chords,
 /// then ring by ring the tube's two silhouettes (the chains of the rings' silhouette points,

@@ -39,6 +39,11 @@ constexpr _s_hd_point_ kViewAxis = {0.0, 0.0, 1.0};
 /// A silhouette chain may stray this much over the chord sagittas the chosen rings allow before a
 /// ring is put in: rounding alone never adds one.
 constexpr double kChainTolMargin = 1.01;
+/// The outline is allowed at most the outer equator's sagitta of this step (radians), an eighth of
+/// a turn, the coarsest the chord rule chooses: with the whole bend as the allowance, a full ring
+/// of one chosen step (or a half turn of one) would keep its two rings alone, and the band
+/// between them would lie flat or turn inside out.
+constexpr double kMaxChainStep = 0.25 * core::kPi;
 /// Far from the origin the chains' points carry rounding errors of their coordinates' size: a
 /// chain is never asked to keep closer than this fraction of them (an elbow at 1e308 would
 /// otherwise fill itself with rings to the limit).
@@ -242,11 +247,13 @@ public:
         maxTwist_ = hd::kMaxRingTwist * chord_;
         // The larger of the sagittas of a ring chord and of a step of the outer equator: what
         // the chosen rings already allow the outline, so that chains no worse than that need no
-        // ring between (a little over it for rounding).
+        // ring between (a little over it for rounding). A caller's step above kMaxChainStep
+        // counts as that step, so that the chains still put rings in.
         const double r = bend_.tubeRadius;
-        chainTol_ =
-            kChainTolMargin * std::fmax(r * (1.0 - std::cos(core::kPi / m)),
-                                        (bend_.bendRadius + r) * (1.0 - std::cos(0.5 * step)));
+        const double equatorStep = std::fmin(step, kMaxChainStep);
+        chainTol_ = kChainTolMargin *
+                    std::fmax(r * (1.0 - std::cos(core::kPi / m)),
+                              (bend_.bendRadius + r) * (1.0 - std::cos(0.5 * equatorStep)));
         const double reach =
             std::fmax(std::fmax(std::fabs(bend_.c.x), std::fabs(bend_.c.y)), std::fabs(bend_.c.z)) +
             bend_.bendRadius + r;

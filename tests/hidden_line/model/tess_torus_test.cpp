@@ -111,6 +111,13 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
         const Elbow e{v.r, v.angle, o, v.s, unit(v.a), 0};
         expectTrueSolid(e.make(), elbowSolid(e), v.id);
     }
+    // A full ring of one or two chosen steps, seen along the bend axis and across it.
+    for (int n : {1, 2}) {
+        for (P a : {P{0, 0, 1}, P{0, 1, 0}}) {
+            const Elbow e{1, kTwoPi, o, {4, 2, 3}, a, n};
+            expectTrueSolid(e.make(), elbowSolid(e), "full ring of " + std::to_string(n));
+        }
+    }
     for (P a : randomUnitVectors(12, 5)) {
         const Elbow e = randomElbow(a, seed, true);
         expectTrueSolid(e.make(), elbowSolid(e, false), "overlapping");
