@@ -222,11 +222,13 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// visible drawing keeps to the true outline within the sagitta. A ring whose tangent leans
 /// less than about 4.5e-5 from Z is taken as seen end-on and drawn whole; the true outline there
 /// leaves it by at most sqrt(2 r R) times the root of that lean (R the bend radius), a
-/// hundredth of sqrt(r R). One shortcoming is left: where the tube is seen nearly along its length
-/// at an end, so that the rim there is the outline only just (the tube beside it grazes the view),
-/// the silhouette points of the rings next to the end, which lie on the circle, stand out over
-/// the rim's chords by up to a sagitta, and the faces through them can hide a short stretch of
-/// the rim: in a few of such views, mostly of fat elbows, a gap of up to about five sagittas.
+/// hundredth of sqrt(r R). One shortcoming is left: where the tube is seen nearly along its
+/// length, at an end or about a ring seen end-on, the rings there nearly coincide in the drawing,
+/// and a ring beside the drawn one (the rim, or the ring drawn whole) holds its silhouette points
+/// on the circle between the drawn ring's vertices; the faces through them stand out over the
+/// drawn ring's chords by up to a sagitta, and where the true outline follows that ring (the tube
+/// beside it grazing the view, or past a cusp of the outline of a fat elbow) they hide a stretch
+/// of it: in a few of such views, mostly of fat elbows, a gap of up to about five sagittas.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
 /// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or
