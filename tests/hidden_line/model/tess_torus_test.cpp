@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "hd_tessellators.h"
 #include "hidden_line/model/hd_builders.h"
@@ -111,12 +112,10 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
         const Elbow e{v.r, v.angle, o, v.s, unit(v.a), 0};
         expectTrueSolid(e.make(), elbowSolid(e), v.id);
     }
-    // A full ring of one or two chosen steps, seen along the bend axis and across it.
-    for (int n : {1, 2}) {
-        for (P a : {P{0, 0, 1}, P{0, 1, 0}}) {
-            const Elbow e{1, kTwoPi, o, {4, 2, 3}, a, n};
-            expectTrueSolid(e.make(), elbowSolid(e), "full ring of " + std::to_string(n));
-        }
+    // A full ring of one chosen step seen along the bend axis, and of two seen across it.
+    for (const auto& [n, a] : {std::pair<int, P>{1, {0, 0, 1}}, std::pair<int, P>{2, {0, 1, 0}}}) {
+        const Elbow e{1, kTwoPi, o, {4, 2, 3}, a, n};
+        expectTrueSolid(e.make(), elbowSolid(e), "full ring of " + std::to_string(n));
     }
     for (P a : randomUnitVectors(12, 5)) {
         const Elbow e = randomElbow(a, seed, true);
