@@ -40,9 +40,9 @@ constexpr _s_hd_point_ kViewAxis = {0.0, 0.0, 1.0};
 /// ring is put in: rounding alone never adds one.
 constexpr double kChainTolMargin = 1.01;
 /// The outline is allowed at most the outer equator's sagitta of this step (radians), an eighth of
-/// a turn, the coarsest the chord rule chooses: with the whole bend as the allowance, a full ring
-/// of one chosen step (or a half turn of one) would keep its two rings alone, and the band
-/// between them would lie flat or turn inside out.
+/// a turn, the coarsest the chord rule chooses: with a caller's coarser step as the allowance, a
+/// full ring of one chosen step (or a half turn of one) would keep its two rings alone, and the
+/// band between them would lie flat or turn inside out.
 constexpr double kMaxChainStep = 0.25 * core::kPi;
 /// Far from the origin the chains' points carry rounding errors of their coordinates' size: a
 /// chain is never asked to keep closer than this fraction of them (an elbow at 1e308 would
@@ -61,9 +61,10 @@ constexpr double kSilhouetteSnapAngle = 1e-6;
 /// next ring, and the faces through it would hide that chain; further round it lies inside.
 constexpr double kSilhouetteClearChords = 0.5;
 /// A ring goes where the tangent comes nearest the view axis when its slant from the axis there
-/// is below this many chosen ring steps (radians). Two rings on either side of that angle, h1
-/// and h2 from it, miss the silhouette's half turn when the slant is below sqrt(h1 h2), at most
-/// half a step: twice that leaves a margin for the rings' rounding and the bend's sampling.
+/// (the sine of it, |axis . Z|) is below this many chosen ring steps (the step in radians). Two
+/// rings on either side of that angle, h1 and h2 from it, miss the silhouette's half turn when the
+/// slant is below sqrt(h1 h2), at most half a step: twice that leaves a margin for the rings'
+/// rounding and the bend's sampling.
 constexpr double kNearAxisSlantSteps = 1.0;
 constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 2;
 
