@@ -193,22 +193,25 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// seen from its tip. The bend radius is |s - c|; s - c must be normal to the axis within 1e-6
 /// of its length; the axis is normalised. The tube is cut into rings at n + 1 stations along the
 /// bend at equal angles (n = 0: getArcDivideNum on the outer radius |s - c| + r for the sweep, 8
-/// to 12 chords), with further rings where the tube is seen end-on, wherever its silhouette
-/// turns round the tube by more than a quarter of a ring chord between two rings, and wherever
-/// the silhouette drawn between two rings would stray from the one half way between by more
-/// than the larger of the ring chords' and the outer equator's sagittas. Every ring holds one
-/// pattern of m = 8, 10 or 12 vertices at equal angles round the tube (the disc's rule on r),
-/// measured from the ring's radial direction: the end rings start at a silhouette point,
-/// centre + r * unit(Z x tangent), as a disc of their circle does (a ring seen end-on starts on
-/// the bend axis), and the pattern turns evenly along the bend between them by at most half a
-/// chord in all. Each other ring also holds its two silhouette points, and leaves out the pattern
-/// vertices closer than half a chord to them. Faces between two rings are stitched from one
-/// silhouette chain to the other and back: quadrilaterals where both rings step across the same
-/// pattern chord (two triangles along the shorter diagonal where not planar), triangles
-/// elsewhere. A sweep within 1e-9 of 2 pi is a full ring without ends; otherwise flat ends close
-/// the tube, each a strip across its end ring. A tube radius above the bend radius gives a closed
-/// face set that passes through itself near the axis. Faces: the start end, the tube between
-/// consecutive rings (ring by ring, each band from the first silhouette chain round to the
+/// to 12 chords), with further rings where the tangent comes nearest the view axis (when it
+/// comes within a chosen ring step of it: the silhouette turns half round the tube about there,
+/// and the tube is seen end-on where it reaches the axis), wherever its silhouette turns round
+/// the tube by more than a quarter of a ring chord between two rings, and wherever the
+/// silhouette drawn between two rings would stray from the one half way between by more than
+/// the larger of the ring chords' and the outer equator's sagittas (the equator's over a step of
+/// at most an eighth of a turn, so that a coarse n still gets the rings a tube needs). Every ring
+/// holds one pattern of m = 8, 10 or 12 vertices at equal angles round the tube (the disc's rule on
+/// r), measured from the ring's radial direction: the end rings start at the silhouette point
+/// centre + r * unit(Z x tangent), as a disc of their circle does (a ring seen end-on starts on the
+/// bend axis), and the pattern turns along the bend between them by at most half a chord in all,
+/// smoothly, standing still at both ends. Each other ring also holds its two silhouette points, and
+/// leaves out the pattern vertices closer than half a chord to them. Faces between two rings are
+/// stitched from one silhouette chain to the other and back: quadrilaterals where both rings step
+/// across the same pattern chord (two triangles along the shorter diagonal where not planar),
+/// triangles elsewhere. A sweep within 1e-9 of 2 pi is a full ring without ends; otherwise flat
+/// ends close the tube, each a strip across its end ring. A tube radius above the bend radius gives
+/// a closed face set that passes through itself near the axis. Faces: the start end, the tube
+/// between consecutive rings (ring by ring, each band from the first silhouette chain round to the
 /// second, then on round to the first), the far end; tag 0. Lines: the start ring's m chords,
 /// then ring by ring the tube's two silhouettes (the chains of the rings' silhouette points,
 /// edges of the faces on the true outline) and the whole of any ring seen end-on (its chords
@@ -216,10 +219,16 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// The silhouettes are drawn rather than the faces' own outline, which on the side towards the
 /// bend centre can run inside the true one; since the rings' vertices do not turn with the
 /// silhouette and no face reaches across a chain, no face leans over the drawn outline, and the
-/// visible drawing keeps to the true outline within the sagitta. One shortcoming is left: in a
-/// few views of fat elbows (tube radius near the bend radius) seen nearly along the tube, the
-/// tube's own faces still hide a short stretch of the outline near an end, up to about two ring
-/// chords.
+/// visible drawing keeps to the true outline within the sagitta. A ring whose tangent leans
+/// less than about 4.5e-5 from Z is taken as seen end-on and drawn whole; the true outline there
+/// leaves it by at most sqrt(2 r R) times the root of that lean (R the bend radius), a
+/// hundredth of sqrt(r R). One shortcoming is left: where the tube is seen nearly along its
+/// length, at an end or about a ring seen end-on, the rings there nearly coincide in the drawing,
+/// and a ring beside the drawn one (the rim, or the ring drawn whole) holds its silhouette points
+/// on the circle between the drawn ring's vertices; the faces through them stand out over the
+/// drawn ring's chords by up to a sagitta, and where the true outline follows that ring (the tube
+/// beside it grazing the view, or past a cusp of the outline of a fat elbow) they hide a stretch
+/// of it: in a few of such views, mostly of fat elbows, a gap of up to about five sagittas.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
 /// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or

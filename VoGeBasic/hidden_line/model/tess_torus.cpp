@@ -6,18 +6,24 @@
 // measured in the ring's own frame (radial direction and bend axis), made as a disc makes its
 // ring (splitRing). The end rings are split at a silhouette point, as the disc of the same
 // circle is, so that an elbow's end ring and the rim of a pipe coincide chord for chord; between
-// them the pattern's start turns evenly along the bend, by the shortest way modulo a chord (at
-// most half a chord over the whole bend). The rings' vertices therefore do not turn with the
-// silhouette. The silhouette points of a ring are where its radial direction is normal to Z,
-// centre +- r * unit(Z x t), t the tangent; each intermediate ring takes both as extra vertices
-// (a pattern vertex within a hair of one stands for it, and pattern vertices within half a
-// chord of one are left out: seen along Z they would lie beyond the chain drawn from it). The
-// lines along the tube are the two chains of silhouette points, ring to ring: face edges on the
-// true outline, within a chord's sagitta of it. Between two rings the chains cut the band in
-// two halves, each stitched from chain to chain by angle round the tube, so the faces beside a
-// chain keep to their side of it whatever the silhouette does: where it turns round the tube no
-// face leans across the drawn outline and hides it. A ring seen end-on (the tube seen along its
-// length) is outline all round and is drawn whole.
+// them the pattern's start turns along the bend, by the shortest way modulo a chord (at most
+// half a chord over the whole bend), smoothly from standing still at both ends: the rings next
+// to an end keep its pattern, so that where the tube is seen nearly along its length there, their
+// chords lie beside the end ring's as the tube does beside its rim, and do not stand out over
+// the rim's chords. The rings' vertices therefore do not turn with the silhouette. The silhouette
+// points of a ring are where its radial direction is normal to Z, centre +- r * unit(Z x t), t the
+// tangent; each intermediate ring takes both as extra vertices (a pattern vertex within a hair of
+// one stands for it, and pattern vertices within half a chord of one are left out: seen along Z
+// they would lie beyond the chain drawn from it). The lines along the tube are the two chains of
+// silhouette points, ring to ring: face edges on the true outline, within a chord's sagitta of it.
+// Between two rings the chains cut the band in two halves, each stitched from chain to chain by
+// angle round the tube, so the faces beside a chain keep to their side of it whatever the
+// silhouette does: where it turns round the tube no face leans across the drawn outline and hides
+// it. A ring seen end-on (the tube seen along its length) is outline all round and is drawn whole.
+// Where the tube is seen nearly along its length, its silhouette turns half round the tube within a
+// short stretch of the bend about the ring whose tangent comes nearest the view axis, and only
+// rings on either side of that ring can follow the turn: that ring is always made when the turn
+// could fall between two chosen rings.
 #include <cmath>
 #include <initializer_list>
 
@@ -33,6 +39,11 @@ constexpr _s_hd_point_ kViewAxis = {0.0, 0.0, 1.0};
 /// A silhouette chain may stray this much over the chord sagittas the chosen rings allow before a
 /// ring is put in: rounding alone never adds one.
 constexpr double kChainTolMargin = 1.01;
+/// The outline is allowed at most the outer equator's sagitta of this step (radians), an eighth of
+/// a turn, the coarsest the chord rule chooses: with a caller's coarser step as the allowance, a
+/// full ring of one chosen step (or a half turn of one) would keep its two rings alone, and the
+/// band between them would lie flat or turn inside out.
+constexpr double kMaxChainStep = 0.25 * core::kPi;
 /// Far from the origin the chains' points carry rounding errors of their coordinates' size: a
 /// chain is never asked to keep closer than this fraction of them (an elbow at 1e308 would
 /// otherwise fill itself with rings to the limit).
@@ -49,6 +60,12 @@ constexpr double kSilhouetteSnapAngle = 1e-6;
 /// its ring: seen along Z a vertex that near the silhouette lies beyond the chain drawn to the
 /// next ring, and the faces through it would hide that chain; further round it lies inside.
 constexpr double kSilhouetteClearChords = 0.5;
+/// A ring goes where the tangent comes nearest the view axis when its slant from the axis there
+/// (the sine of it, |axis . Z|) is below this many chosen ring steps (the step in radians). Two
+/// rings on either side of that angle, h1 and h2 from it, miss the silhouette's half turn when the
+/// slant is below sqrt(h1 h2), at most half a step: twice that leaves a margin for the rings'
+/// rounding and the bend's sampling.
+constexpr double kNearAxisSlantSteps = 1.0;
 constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 2;
 
 // The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
@@ -221,8 +238,8 @@ public:
             return;
         const int m = prevRing_.count;
         chord_ = core::kFullTurn / m;
-        // The pattern turns evenly along the bend from the start's silhouette to the far end's
-        // (only its angle modulo a chord matters): at most half a chord over the whole bend.
+        // The pattern turns along the bend from the start's silhouette to the far end's (only
+        // its angle modulo a chord matters): at most half a chord over the whole bend.
         patternStart_ = first_.turn;
         if (!fullTurn_)
             patternTwist_ =
@@ -231,11 +248,13 @@ public:
         maxTwist_ = hd::kMaxRingTwist * chord_;
         // The larger of the sagittas of a ring chord and of a step of the outer equator: what
         // the chosen rings already allow the outline, so that chains no worse than that need no
-        // ring between (a little over it for rounding).
+        // ring between (a little over it for rounding). A caller's step above kMaxChainStep
+        // counts as that step, so that the chains still put rings in.
         const double r = bend_.tubeRadius;
-        chainTol_ =
-            kChainTolMargin * std::fmax(r * (1.0 - std::cos(core::kPi / m)),
-                                        (bend_.bendRadius + r) * (1.0 - std::cos(0.5 * step)));
+        const double equatorStep = std::fmin(step, kMaxChainStep);
+        chainTol_ = kChainTolMargin *
+                    std::fmax(r * (1.0 - std::cos(core::kPi / m)),
+                              (bend_.bendRadius + r) * (1.0 - std::cos(0.5 * equatorStep)));
         const double reach =
             std::fmax(std::fmax(std::fabs(bend_.c.x), std::fabs(bend_.c.y)), std::fabs(bend_.c.z)) +
             bend_.bendRadius + r;
@@ -392,7 +411,10 @@ private:
         } else {
             ViewSplitRing ring;
             const double r = bend_.tubeRadius;
-            const double start = patternStart_ + patternTwist_ * (st.phi / sweep_);
+            // The turn so far: u^2 (3 - 2u) of the whole at the fraction u of the bend, standing
+            // still at both ends.
+            const double u = st.phi / sweep_;
+            const double start = patternStart_ + patternTwist_ * (u * u * (3.0 - 2.0 * u));
             int offset = 0;
             if (last) {
                 // The far end ring starts at its silhouette point, as a disc of its circle
@@ -442,12 +464,19 @@ private:
     ProlineChain outline_;
 };
 
-// The angles in (0, sweep) at which the tube is seen end-on and which no chosen ring already
-// holds (at most two: the tangent runs along +Z at one and along -Z at the other), ascending.
-int endOnAngles(const Bend& b, double sweep, int n, double* out) {
+// The angles in (0, sweep) at which the tangent comes nearest the view axis, when it comes near
+// enough that rings a chosen step apart could miss the silhouette's turn there, and which no
+// chosen ring already holds (at most two: the tangent comes nearest +Z at one and -Z at the
+// other), ascending. The tangent there leans from Z by the slant s = |axis . Z|, and within
+// about s of that angle along the bend the silhouette turns half round the tube (the ring is
+// outline all round, and drawn whole, where s is nil). Seen from two rings on either side, a
+// turn by half a turn less the part outside them looks like a small turn back, so the rings
+// would join each silhouette to the wrong one; a ring at the nearest angle itself leaves each
+// side of it a turn below a quarter, which the rings put in between follow.
+int nearAxisAngles(const Bend& b, double sweep, int n, double* out) {
     const _s_hd_point_ p = linComb(1.0, kViewAxis, -vecDot(kViewAxis, b.a), b.a);
     const double len = std::sqrt(vecDot(p, p));
-    if (!(len > 0.0))
+    if (!(len > 0.0) || !(std::fabs(vecDot(kViewAxis, b.a)) < kNearAxisSlantSteps * sweep / n))
         return 0;
     // tangent(phi) = (-sin phi) u0 + (cos phi) v0 runs along p at phi0.
     const double phi0 = std::atan2(-vecDot(p, b.u0), vecDot(p, b.v0));
@@ -456,9 +485,6 @@ int endOnAngles(const Bend& b, double sweep, int n, double* out) {
         double phi = phi0 + side * core::kPi;
         phi = phi - core::kFullTurn * std::floor(phi / core::kFullTurn);
         if (!(phi > hd::kMinRingStep && phi < sweep - hd::kMinRingStep))
-            continue;
-        const double tz = -std::sin(phi) * b.u0.z + std::cos(phi) * b.v0.z;
-        if (std::fabs(std::fabs(tz) - 1.0) > hd::kFacingTol)
             continue;
         const double nearest = std::nearbyint(phi / sweep * n) * sweep / n;
         if (std::fabs(phi - nearest) > hd::kMinRingStep)
@@ -504,16 +530,16 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
     if (n == 0)
         n = getArcDivideNum(c, b.bendRadius + r, 0.0, sweep);
 
-    double endOn[2];
-    const int endOnCount = endOnAngles(b, sweep, n, endOn);
+    double nearAxis[2];
+    const int nearAxisCount = nearAxisAngles(b, sweep, n, nearAxis);
     HDProfDraft draft;
     ElbowBuilder builder(b, sweep, fullTurn, draft);
     builder.start(sweep / n);
-    int nextEndOn = 0;
+    int nextNearAxis = 0;
     for (int k = 1; k <= n && draft.ok(); ++k) {
         const double phi = k == n ? sweep : sweep * k / n;
-        while (nextEndOn < endOnCount && endOn[nextEndOn] < phi)
-            builder.advanceTo(endOn[nextEndOn++], false);
+        while (nextNearAxis < nearAxisCount && nearAxis[nextNearAxis] < phi)
+            builder.advanceTo(nearAxis[nextNearAxis++], false);
         builder.advanceTo(phi, k == n);
     }
     builder.finish();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "hd_tessellators.h"
 #include "hidden_line/model/hd_builders.h"
@@ -103,10 +104,18 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
         {"along the tube twice, full ring", 1, kTwoPi, {1, 5, 3}, {1, 0, 0}},
         {"a hair off the tube", 1, kPi, {1, 5, 3}, {1, 0, 1e-6}},
         {"a little off the tube", 1, kPi, {1, 5, 3}, {1, 0, 1e-3}},
+        // Fat, and nearly along the tube between two chosen rings close to an end.
+        {"fat, end-on before the end", 1, kPi / 2, {1.0002184, 2.132553, 1.908016}, {1, 0, 2e-4}},
+        {"fat, end-on after the start", 1, kPi, {0.9999686, 3.044754, 2.895175}, {1, 0, -3e-4}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, unit(v.a), 0};
         expectTrueSolid(e.make(), elbowSolid(e), v.id);
+    }
+    // A full ring of one chosen step seen along the bend axis, and of two seen across it.
+    for (const auto& [n, a] : {std::pair<int, P>{1, {0, 0, 1}}, std::pair<int, P>{2, {0, 1, 0}}}) {
+        const Elbow e{1, kTwoPi, o, {4, 2, 3}, a, n};
+        expectTrueSolid(e.make(), elbowSolid(e), "full ring of " + std::to_string(n));
     }
     for (P a : randomUnitVectors(12, 5)) {
         const Elbow e = randomElbow(a, seed, true);
