@@ -186,10 +186,10 @@ bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const Fac
     return false;
 }
 
-// True when the flat faces f and g (isFlatFace), their coordinates within kCullCoordLimit,
-// meet nowhere because one lies wholly farther than M = kFacesApartAbs + kFacesApartRel * D
-// (D: commonSpan) on one side of the other's plane (df, dg: f's distances from g's plane and
-// g's from f's). Say f lies beyond M from g's plane, s being the signed distance from it. The
+// The margin M = kFacesApartAbs + kFacesApartRel * D (D: span, commonSpan) beyond which two flat
+// faces f and g (isFlatFace), their coordinates within kCullCoordLimit, meet nowhere when one
+// lies wholly farther than M on one side of the other's plane (df, dg: f's distances from g's plane
+// and g's from f's). Say f lies beyond M from g's plane, s being the signed distance from it. The
 // edges of f keep no point (whollyOffPlane, whose margin is below M). A point x that an edge
 // a -> b of g keeps is on that edge by isPointOnSeg: within 3.2e-5 of an end, or within
 // 2.5e-4 |b - a| plus 1.2e-4 sqrt|b - a| of the segment (kCullMarginAbs tells why); the edge
@@ -212,12 +212,14 @@ bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const Fac
 // 1e-4, less than that) and within 2.6e-4 D + 1.2e-4 sqrt D + 3.2e-5 of an edge of the other, so
 // its u . x lies within those of the two faces' ranges of u . v over their vertices; the two
 // together stay below M. So when those ranges lie more than M apart, the faces meet nowhere:
-// facesApartAlongLine tries u along the line where the two planes meet, which parts faces that
+// apartAlongLine tries u along the line where the two planes meet, which parts faces that
 // each cross the other's plane, but at different places along it.
-bool facesApart(const HDFace& f, const double* df, const HDFace& g, const double* dg, double span) {
-    const double m = hd::kFacesApartAbs + hd::kFacesApartRel * span;
-    if (!allBeyond(df, f.count, m) && !allBeyond(dg, g.count, m))
-        return false;
+double apartMargin(double span) {
+    return hd::kFacesApartAbs + hd::kFacesApartRel * span;
+}
+
+// Both faces flat (isFlatFace), as the bound above asks.
+bool bothFlat(const HDFace& f, const HDFace& g) {
     return isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g));
 }
 
@@ -231,10 +233,9 @@ void rangeAlong(const HDFace& e, _s_hd_point_ u, double& lo, double& hi) {
     }
 }
 
-// True when the flat faces f and g, their coordinates within kCullCoordLimit, lie more than
-// facesApart's margin apart along the line where their planes meet (see facesApart): they meet
-// nowhere.
-bool facesApartAlongLine(const HDFace& f, const HDFace& g, double span) {
+// True when the faces f and g lie more than m apart along the line where their planes meet (for
+// flat faces with coordinates within kCullCoordLimit, m the apartMargin: they meet nowhere).
+bool apartAlongLine(const HDFace& f, const HDFace& g, double m) {
     const _s_hd_point_ u = vecNormalize(vecCross(f.normal, g.normal));
     double flo = 0.0;
     double fhi = 0.0;
@@ -242,15 +243,13 @@ bool facesApartAlongLine(const HDFace& f, const HDFace& g, double span) {
     double ghi = 0.0;
     rangeAlong(f, u, flo, fhi);
     rangeAlong(g, u, glo, ghi);
-    const double m = hd::kFacesApartAbs + hd::kFacesApartRel * span;
-    if (!(glo - fhi > m || flo - ghi > m))
-        return false;  // NaN too
-    return isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g));
+    return glo - fhi > m || flo - ghi > m;  // NaN fails
 }
 
 // What the faces f and g tell of their meeting before any edge is pierced: apart, they meet
-// nowhere (no plane, parallel, or facesApart); otherwise fOff and gOff say which lies wholly
-// off the other's plane (whollyOffPlane). With shortcuts false only the first two are asked.
+// nowhere (no plane, parallel, or beyond the apartMargin); otherwise fOff and gOff say which
+// lies wholly off the other's plane (whollyOffPlane). With shortcuts false only the first two are
+// asked.
 struct PairSides {
     bool apart, fOff, gOff;
 };
@@ -262,16 +261,16 @@ PairSides pairSides(const HDFace& f, const HDFace& g, bool shortcuts) {
     if (!shortcuts)
         return {false, false, false};
     const double span = commonSpan(f, g);
+    const double m = apartMargin(span);
     double df[4];
     double dg[4];
     const bool fBounded = planeDistances(f, g, df);
-    // f's distances alone settle most pairs that lie apart (facesApart would say so).
-    if (fBounded && boundedFace(g) &&
-        allBeyond(df, f.count, hd::kFacesApartAbs + hd::kFacesApartRel * span) &&
-        isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g)))
+    // f's distances alone settle most pairs that lie apart; g's are worked out only when not.
+    if (fBounded && boundedFace(g) && allBeyond(df, f.count, m) && bothFlat(f, g))
         return {true, false, false};
     const bool gBounded = planeDistances(g, f, dg);
-    if (fBounded && gBounded && (facesApart(f, df, g, dg, span) || facesApartAlongLine(f, g, span)))
+    if (fBounded && gBounded && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)) &&
+        bothFlat(f, g))
         return {true, false, false};
     return {false, fBounded && whollyOffPlane(f, df, span),
             gBounded && whollyOffPlane(g, dg, span)};

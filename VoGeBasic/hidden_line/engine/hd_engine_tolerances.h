@@ -105,7 +105,7 @@ constexpr double kOffPlaneRel = 1e-10;
 /// kFacesApartRel times their size (the common box's X plus Y plus Z extent) on one side of the
 /// other's plane, or when their vertices lie that far apart along the line where their planes
 /// meet: the points either keeps lie within 3e-4 of that size, plus 1e-4 and a root term, of
-/// both faces (facesApart), and half the margin clears twice that.
+/// both faces (apartMargin), and half the margin clears twice that.
 constexpr double kFacesApartAbs = 0.05;
 constexpr double kFacesApartRel = 0.001;
 /// A point worked out on an edge's line at least this far from both ends, and this part of the
