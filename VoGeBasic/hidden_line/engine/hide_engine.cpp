@@ -418,6 +418,7 @@ public:
     /// against a line reads little memory.
     const LineRange& extentsOf(const CachedFace* f) const { return boxes_[f - faces_]; }
     const CachedFace* begin(int i) const { return faces_ + first_[i]; }
+    size_t faceCount() const { return first_[last_]; }
     size_t indexOf(const CachedFace* f) const { return static_cast<size_t>(f - faces_); }
     const CachedFace* end(int i) const { return faces_ + first_[i + 1]; }
 
@@ -426,6 +427,135 @@ private:
     LineRange* boxes_ = nullptr;
     size_t* first_ = nullptr;
     size_t last_ = 0;
+};
+
+// The pool of prepared faces keeps at least this many faces, however small the scene ...
+constexpr size_t kPreparedPoolMin = 1024;
+// ... and at most one face in this many of the scene's: each prepared face takes more room than
+// the face's own records, and the pool must stay well below the model's size.
+constexpr size_t kPreparedPoolShare = 8;
+
+// The faces that the lines of one object can be tested against, gathered once for all its lines:
+// of each candidate object, in the candidate table's order and each object's face order, the
+// faces whose XY extents meet the lines' common range (the least and greatest X and Y of their
+// ends). A face whose extents miss that range misses every line's range, where the scan asks
+// first, so the faces left out are exactly ones the scan would pass over, and the ones kept come
+// in the same order. A line end with a NaN coordinate gives its line a range that meets no face,
+// so the common range leaves NaN out (minOf and maxOf). Each face's prepared edge data is worked
+// out the first time one of the lines is tested against it and kept for the object's other lines
+// (a pool of bounded size; past it the data is worked out for each test, the same to the bit).
+class NearFaces {
+public:
+    struct Entry {
+        LineRange extents;  ///< the face's XY extents, read first by every line
+        const CachedFace* face;
+        int prepared;  ///< the face's slot in the pool; -1 while not prepared
+    };
+
+    NearFaces() = default;
+    ~NearFaces() {
+        std::free(entries_);
+        std::free(groups_);
+        std::free(pool_);
+    }
+    NearFaces(const NearFaces&) = delete;
+    NearFaces& operator=(const NearFaces&) = delete;
+
+    /// Room for a table of up to n candidates, and a pool bound for a scene of faceCount faces.
+    bool init(int n, size_t faceCount) {
+        groups_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
+        poolLimit_ = faceCount / kPreparedPoolShare;
+        poolLimit_ = poolLimit_ < kPreparedPoolMin ? kPreparedPoolMin : poolLimit_;
+        return groups_ != nullptr;
+    }
+
+    /// Gathers the faces of the candidates (the table's first count entries) that meet the
+    /// common range of object's lines, and empties the pool. False if the room cannot grow.
+    bool gather(const FaceCache& cache, const HideCandidate* table, int count,
+                const _s_hd_proline_* lines) {
+        const double inf = std::numeric_limits<double>::infinity();
+        LineRange all = {inf, -inf, inf, -inf};
+        for (const _s_hd_proline_* l = lines; l != nullptr; l = l->next) {
+            const LineRange r = lineRangeOf(l->start, l->end);
+            all = {minOf(all.xmin, r.xmin), maxOf(all.xmax, r.xmax), minOf(all.ymin, r.ymin),
+                   maxOf(all.ymax, r.ymax)};
+        }
+        size_t most = 0;
+        for (int c = 0; c < count; ++c)
+            most += static_cast<size_t>(cache.end(table[c].index) - cache.begin(table[c].index));
+        if (most > capacity_ && !grow(most))
+            return false;
+        size_t at = 0;
+        for (int c = 0; c < count; ++c) {
+            groups_[c] = at;
+            const int j = table[c].index;
+            for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
+                const LineRange& e = cache.extentsOf(f);
+                if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
+                    e.ymin <= all.ymax)
+                    entries_[at++] = {e, f, -1};
+            }
+        }
+        groups_[count] = at;
+        poolUsed_ = 0;
+        return true;
+    }
+
+    Entry* begin(int c) { return entries_ + groups_[c]; }
+    Entry* end(int c) { return entries_ + groups_[c + 1]; }
+
+    /// The entry's face prepared for the face tests: from the pool, or (the pool full or
+    /// unable to grow) in spare.
+    const FacePrep& prepared(Entry& e, FacePrep& spare) {
+        if (e.prepared >= 0)
+            return pool_[e.prepared];
+        FacePrep* prep = &spare;
+        if (poolUsed_ < poolCapacity_ || growPool()) {
+            prep = &pool_[poolUsed_];
+            e.prepared = static_cast<int>(poolUsed_++);
+        }
+        prepareEdgeTests(e.face->face, *prep, e.face->flatLength);
+        prep->area = e.face->area;
+        return *prep;
+    }
+
+    /// The room the lists and the pool take at their largest.
+    size_t bytes() const { return capacity_ * sizeof(Entry) + poolCapacity_ * sizeof(FacePrep); }
+
+private:
+    bool grow(size_t most) {
+        if (most > SIZE_MAX / sizeof(Entry))
+            return false;
+        auto* entries = static_cast<Entry*>(std::malloc(most * sizeof(Entry)));
+        if (entries == nullptr)
+            return false;
+        std::free(entries_);
+        entries_ = entries;
+        capacity_ = most;
+        return true;
+    }
+    bool growPool() {
+        if (poolCapacity_ >= poolLimit_ || poolCapacity_ > INT32_MAX / 2)
+            return false;
+        const size_t capacity = poolCapacity_ == 0 ? 64 : 2 * poolCapacity_;
+        auto* pool = static_cast<FacePrep*>(std::malloc(capacity * sizeof(FacePrep)));
+        if (pool == nullptr)
+            return false;
+        if (poolUsed_ > 0)
+            std::memcpy(pool, pool_, poolUsed_ * sizeof(FacePrep));
+        std::free(pool_);
+        pool_ = pool;
+        poolCapacity_ = capacity;
+        return true;
+    }
+
+    Entry* entries_ = nullptr;
+    size_t capacity_ = 0;
+    size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
+    FacePrep* pool_ = nullptr;
+    size_t poolUsed_ = 0;
+    size_t poolCapacity_ = 0;
+    size_t poolLimit_ = 0;
 };
 
 bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
@@ -453,7 +583,8 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
     if (objs == nullptr || n <= 0)
         return nullptr;
     FaceCache cache;
-    if (!cache.build(objs, n))
+    NearFaces nearFaces;
+    if (!cache.build(objs, n) || !nearFaces.init(n, cache.faceCount()))
         return nullptr;
     // Candidates from the grid over the objects' boxes, given the same box test in the same
     // ascending order as the full scan: the grid yields every object whose box can touch. If the
@@ -465,23 +596,29 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
     BehindMemo memo;
     // The hidden pieces of one line at a time, in room reused from line to line.
     MergeScratch hidden;
+    bool gathered = true;
     _s_hd_proline_* result = runHidePass(
         objs, n,
         [&](int i, HideCandidate* table) {
             memo.forget();
-            if (!indexed)
-                return touchingObjects(objs, n, i, table);
-            const int found = index.near(objs[i]->box, n, near);
             int count = 0;
-            for (int k = 0; k < found; ++k) {
-                const int j = near[k];
-                if (xyBoxesTouch(objs[j]->box, objs[i]->box))
-                    table[count++] = {objs[j]->prosect, j};
+            if (!indexed) {
+                count = touchingObjects(objs, n, i, table);
+            } else {
+                const int found = index.near(objs[i]->box, n, near);
+                for (int k = 0; k < found; ++k) {
+                    const int j = near[k];
+                    if (xyBoxesTouch(objs[j]->box, objs[i]->box))
+                        table[count++] = {objs[j]->prosect, j};
+                }
             }
+            gathered = nearFaces.gather(cache, table, count, objs[i]->proline);
             return count;
         },
         [&](_s_hd_proline_* line, const HideCandidate* table, int candidates,
             _s_hd_proline_*& visible) {
+            if (!gathered)
+                return false;
             const LineRange range = lineRangeOf(line->start, line->end);
             if (stats != nullptr)
                 ++stats->lines;
@@ -491,38 +628,45 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             const HideLine prepared = hideLineOf(p, q);
             const LinePrune prune = prepareLine(prepared);
             hidden.clear();
-            for (int c = 0; c < candidates && !hiddenWhole(hidden, p, q); ++c) {
+            // Only the first piece can make the line hidden whole (hiddenWhole), and it is
+            // never changed while faces are tested: the line stops once it is appended whole.
+            bool whole = false;
+            for (int c = 0; c < candidates && !whole; ++c) {
                 const int j = table[c].index;
                 if (stats != nullptr)
                     ++stats->candidatesScanned;
                 if (!boxOverlapsLineRange(objs[j]->box, range))
                     continue;
-                for (const CachedFace* f = cache.begin(j);
-                     f != cache.end(j) && !hiddenWhole(hidden, p, q); ++f) {
+                for (NearFaces::Entry* e = nearFaces.begin(c); e != nearFaces.end(c); ++e) {
                     // First what appendHiddenPiece asks first: a face whose XY extents miss
                     // the line's range gives no piece.
                     if (stats != nullptr)
                         ++stats->facesScanned;
-                    const LineRange& e = cache.extentsOf(f);
                     const LineRange& r = prepared.range;
-                    if (!(e.xmax >= r.xmin && e.ymax >= r.ymin && e.xmin <= r.xmax &&
-                          e.ymin <= r.ymax))
+                    if (!(e->extents.xmax >= r.xmin && e->extents.ymax >= r.ymin &&
+                          e->extents.xmin <= r.xmax && e->extents.ymin <= r.ymax))
                         continue;
+                    const CachedFace* f = e->face;
                     if (faceBehindLine(*f, prune) || faceTooFarFromLine(*f, prune) ||
                         lineInFrontOfFace(*f, prune) || faceOutlineApartFromLine(*f, prune))
                         continue;
                     if (stats != nullptr)
                         ++stats->faceTests;
-                    FacePrep prep;
-                    prepareEdgeTests(f->face, prep, f->flatLength);
-                    prep.area = f->area;
+                    FacePrep spare;
+                    const FacePrep& prep = nearFaces.prepared(*e, spare);
                     const size_t before = hidden.size();
                     if (!appendHiddenPiece(prepared, f->face, hidden,
                                            {&memo, cache.indexOf(f), &prep}) ||
                         memo.failed())
                         return false;
-                    if (stats != nullptr && hidden.size() > before)
-                        ++stats->hidingTests;
+                    if (hidden.size() > before) {
+                        if (stats != nullptr)
+                            ++stats->hidingTests;
+                        if (before == 0 && hiddenWhole(hidden, p, q)) {
+                            whole = true;
+                            break;
+                        }
+                    }
                 }
             }
             orientNearFirst(line->start, line->end);
@@ -531,6 +675,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
     std::free(near);
     if (stats != nullptr) {
         stats->workingBytes = cache.bytes() + index.bytes() + memo.bytes() + hidden.bytes() +
+                              nearFaces.bytes() +
                               static_cast<size_t>(n) * (sizeof(int) + sizeof(HideCandidate));
     }
     return result;
