@@ -25,7 +25,10 @@ inline double faceSize(const HDFace& f) {
 bool isFlatFace(const HDFace& face, double size);
 
 /// True when p lies within the face's X and Y extents widened by tol on each side.
-bool withinXYExtents(_s_hd_point_ p, const HDFace& face, double tol);
+inline bool withinXYExtents(_s_hd_point_ p, const HDFace& face, double tol) {
+    return p.x >= face.xmin - tol && p.x <= face.xmax + tol && p.y >= face.ymin - tol &&
+           p.y <= face.ymax + tol;
+}
 
 /// Reads a vertex chain into face. A chain of more than four vertices is read as its first
 /// four. Returns false (a face that hides and meets nothing) for fewer than three vertices.
