@@ -124,7 +124,9 @@ public:
     struct Piece {
         _s_hd_point_ start, end;
         SegmentReach reach;  ///< segmentReach(start, end), kept up to date while merging
-        bool settled;        ///< its row of a sweep ran without a merge since it last changed
+        /// Merges counted from the start of merging: 1 + the count when its row of a sweep last
+        /// ran without a merge (0: never), and the count just after it last changed (0: never).
+        size_t rowDone, changed;
     };
     MergeScratch() = default;
     ~MergeScratch();

@@ -87,7 +87,7 @@ bool MergeScratch::reserve(size_t n) {
 bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
     if (count_ == capacity_ && !reserve(count_ + 1))
         return false;
-    pieces_[count_++] = {from, to, {}, false};
+    pieces_[count_++] = {from, to, {}, 0, 0};
     return true;
 }
 
@@ -102,39 +102,44 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
 
 // mergePieces on the scratch's pieces with the same merges in the same order, but without trying
 // the pairs that provably stay apart. absorbPiece depends only on the two pieces and changes
-// nothing when it fails, so a pair that failed keeps failing until one of its pieces changes. A
-// piece is marked settled once its row of a sweep (it against every later piece) has run without
-// a merge: every pair of two settled pieces has then failed since either last changed (the pairs
-// with earlier pieces ran earlier in the same sweep). A merge unsettles the absorbing piece and
-// drops the other, so the remaining settled pairs keep failing; those pairs are skipped, and so
-// are pairs lying far apart (piecesFarApart), which would fail.
+// nothing when it fails, so a pair that failed keeps failing until one of its pieces changes.
+// Pieces are only dropped, never added or reordered, so the pieces after A now were after it
+// whenever its row ran. Once A's row of a sweep (A against every later piece) has run without a
+// merge, after the merge counted T, every pair of A and a later piece has failed (or was
+// skipped here, failing): A.rowDone is T + 1. A merge, counted T, drops B and changes A, whose
+// changed becomes T. So while A has not changed since its row last ran (A.changed < A.rowDone),
+// a pair of A and a later B that has not changed since then either (B.changed < A.rowDone) keeps
+// failing and is skipped; so are pairs lying far apart (piecesFarApart), which would fail.
 void mergePiecesSkippingSettled(MergeScratch& scratch) {
     MergeScratch::Piece* pieces = scratch.pieces();
     size_t n = scratch.size();
     for (size_t k = 0; k < n; ++k) {
         pieces[k].reach = segmentReach(pieces[k].start, pieces[k].end);
-        pieces[k].settled = false;
+        pieces[k].rowDone = 0;
+        pieces[k].changed = 0;
     }
+    size_t merges = 0;
     bool changed = true;
     while (changed) {
         changed = false;
         for (size_t i = 0; i < n && !changed; ++i) {
             MergeScratch::Piece& a = pieces[i];
+            const bool settled = a.changed < a.rowDone;
             for (size_t j = i + 1; j < n; ++j) {
                 const MergeScratch::Piece& b = pieces[j];
-                if ((a.settled && b.settled) || piecesFarApart(a, b) ||
+                if ((settled && b.changed < a.rowDone) || piecesFarApart(a, b) ||
                     !absorbPiece(a.start, a.end, b.start, b.end))
                     continue;
                 for (size_t k = j; k + 1 < n; ++k)
                     pieces[k] = pieces[k + 1];
                 --n;
                 a.reach = segmentReach(a.start, a.end);
-                a.settled = false;
+                a.changed = ++merges;
                 changed = true;
                 break;
             }
             if (!changed)
-                a.settled = true;
+                a.rowDone = merges + 1;
         }
     }
     scratch.truncate(n);
