@@ -141,11 +141,14 @@ public:
     void truncate(size_t n) { count_ = n < count_ ? n : count_; }
     size_t size() const { return count_; }
     Piece* pieces() { return pieces_; }
+    /// Room for an index of each piece, for merging without moving the pieces.
+    size_t* order() { return order_; }
     /// The room the pieces take.
     size_t bytes() const;
 
 private:
     Piece* pieces_ = nullptr;
+    size_t* order_ = nullptr;
     size_t capacity_ = 0;
     size_t count_ = 0;
 };

@@ -61,10 +61,11 @@ void mergePieces(_s_hd_proline_* head) {
 
 MergeScratch::~MergeScratch() {
     std::free(pieces_);
+    std::free(order_);
 }
 
 size_t MergeScratch::bytes() const {
-    return capacity_ * sizeof(Piece);
+    return capacity_ * (sizeof(Piece) + sizeof(size_t));
 }
 
 bool MergeScratch::reserve(size_t n) {
@@ -74,12 +75,18 @@ bool MergeScratch::reserve(size_t n) {
         return false;
     const size_t capacity = n < 2 * capacity_ ? 2 * capacity_ : n;
     auto* pieces = static_cast<Piece*>(std::malloc(capacity * sizeof(Piece)));
-    if (pieces == nullptr)
+    auto* order = static_cast<size_t*>(std::malloc(capacity * sizeof(size_t)));
+    if (pieces == nullptr || order == nullptr) {
+        std::free(pieces);
+        std::free(order);
         return false;
+    }
     for (size_t k = 0; k < count_; ++k)
         pieces[k] = pieces_[k];
     std::free(pieces_);
+    std::free(order_);
     pieces_ = pieces;
+    order_ = order;
     capacity_ = capacity;
     return true;
 }
@@ -110,28 +117,33 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
 // changed becomes T. So while A has not changed since its row last ran (A.changed < A.rowDone),
 // a pair of A and a later B that has not changed since then either (B.changed < A.rowDone) keeps
 // failing and is skipped; so are pairs lying far apart (piecesFarApart), which would fail.
+//
+// The merge works through an index of the pieces, dropping a piece from the index only, and
+// leaves the pieces that remain at the front in their order.
 void mergePiecesSkippingSettled(MergeScratch& scratch) {
     MergeScratch::Piece* pieces = scratch.pieces();
+    size_t* order = scratch.order();
     size_t n = scratch.size();
     for (size_t k = 0; k < n; ++k) {
         pieces[k].reach = segmentReach(pieces[k].start, pieces[k].end);
         pieces[k].rowDone = 0;
         pieces[k].changed = 0;
+        order[k] = k;
     }
     size_t merges = 0;
     bool changed = true;
     while (changed) {
         changed = false;
         for (size_t i = 0; i < n && !changed; ++i) {
-            MergeScratch::Piece& a = pieces[i];
+            MergeScratch::Piece& a = pieces[order[i]];
             const bool settled = a.changed < a.rowDone;
             for (size_t j = i + 1; j < n; ++j) {
-                const MergeScratch::Piece& b = pieces[j];
+                const MergeScratch::Piece& b = pieces[order[j]];
                 if ((settled && b.changed < a.rowDone) || piecesFarApart(a, b) ||
                     !absorbPiece(a.start, a.end, b.start, b.end))
                     continue;
                 for (size_t k = j; k + 1 < n; ++k)
-                    pieces[k] = pieces[k + 1];
+                    order[k] = order[k + 1];
                 --n;
                 a.reach = segmentReach(a.start, a.end);
                 a.changed = ++merges;
@@ -141,6 +153,11 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
             if (!changed)
                 a.rowDone = merges + 1;
         }
+    }
+    // The index stays ascending, so no piece is written over before it is moved.
+    for (size_t k = 0; k < n; ++k) {
+        if (order[k] != k)
+            pieces[k] = pieces[order[k]];
     }
     scratch.truncate(n);
 }
