@@ -129,8 +129,8 @@ bool isBoundedPoint(_s_hd_point_ p) {
 
 // A face read once, with its area normal and what the pruning tests need; prunable is false
 // when a vertex is not bounded (NaN included). The rest of the face's prepared data (its edges'
-// reach, length and run) is worked out again for each line that comes near: kept for every face
-// of a plant, it would take more room than the plant itself.
+// reach, length and run) is worked out once for each object whose lines come near (NearFaces):
+// kept for every face of a plant, it would take more room than the plant itself.
 struct CachedFace {
     HDFace face;
     _s_hd_point_ area;     ///< faceAreaNormal(face)
@@ -138,11 +138,12 @@ struct CachedFace {
     double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
     bool prunable;
     bool flat;  ///< a triangle, or a quadrilateral in the plane of its first three vertices
-    /// Per edge, the side of the edge's drawing-plane normal (-(b.y - a.y), b.x - a.x) that the
-    /// whole face lies on: 1 or -1; 0 when the edge has no run, or the face lies on both sides
-    /// or on its line (faceOutlineApartFromLine cannot use it). Read only for a prunable face,
-    /// whose bounded coordinates give no NaN.
+    /// Per edge, the side of the edge's drawing-plane normal that the whole face lies on, and
+    /// the margin for the inside test, as outlineOf gives them (an edge of side 0
+    /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
+    /// bounded coordinates give no NaN.
     signed char edgeSide[4];
+    double outlineMargin;
     double size;  ///< spreadOf(face).size
     /// The plane's depth over the drawing plane: v[0].z + gx (x - v[0].x) + gy (y - v[0].y), and
     /// 1 plus its slope; NaN where the face is seen edge-on or has no plane.
@@ -177,26 +178,6 @@ double frontDepth(const HDFace& f) {
     return plane < f.zmin ? plane : f.zmin;  // NaN stays NaN
 }
 
-// The side of edge k's drawing-plane normal that the whole face lies on (see
-// CachedFace::edgeSide), len being the edge's run length.
-signed char edgeSideOf(const HDFace& f, int k, double len) {
-    if (!(len > 0.0))
-        return 0;
-    const _s_hd_point_ a = f.v[k];
-    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
-    const double ex = -(b.y - a.y);
-    const double ey = b.x - a.x;
-    double side = 0.0;
-    for (int j = 0; j < f.count; ++j) {
-        const double o = (f.v[j].x - a.x) * ex + (f.v[j].y - a.y) * ey;
-        if (o * side < 0.0)
-            return 0;
-        if (side == 0.0 && o != 0.0)
-            side = o;
-    }
-    return side > 0.0 ? 1 : side < 0.0 ? -1 : 0;
-}
-
 void prepareFace(CachedFace& c) {
     const HDFace& f = c.face;
     c.area = faceAreaNormal(f);
@@ -214,8 +195,7 @@ void prepareFace(CachedFace& c) {
     c.gx = sloped ? -n.x / n.z : nan;
     c.gy = sloped ? -n.y / n.z : nan;
     c.slopeFactor = sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
-    for (int k = 0; k < f.count; ++k)
-        c.edgeSide[k] = edgeSideOf(f, k, c.flatLength[k]);
+    c.outlineMargin = outlineOf(f, c.size, c.flatLength, c.edgeSide);
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -429,6 +409,16 @@ private:
     size_t last_ = 0;
 };
 
+// What the face tests ask of a cached face: its edges' data, its area normal and its outline
+// data, the same as prepareFaceTests and outlineOf give.
+void prepareCachedFace(const CachedFace& c, FacePrep& prep) {
+    prepareEdgeTests(c.face, prep, c.flatLength);
+    prep.area = c.area;
+    prep.outlineMargin = c.outlineMargin;
+    for (int k = 0; k < c.face.count; ++k)
+        prep.side[k] = c.edgeSide[k];
+}
+
 // The pool of prepared faces keeps at least this many faces, however small the scene ...
 constexpr size_t kPreparedPoolMin = 1024;
 // ... and at most one face in this many of the scene's: each prepared face takes more room than
@@ -514,8 +504,7 @@ public:
             prep = &pool_[poolUsed_];
             e.prepared = static_cast<int>(poolUsed_++);
         }
-        prepareEdgeTests(e.face->face, *prep, e.face->flatLength);
-        prep->area = e.face->area;
+        prepareCachedFace(*e.face, *prep);
         return *prep;
     }
 
