@@ -77,9 +77,8 @@ inline bool crossesPlane(_s_hd_point_ dir, _s_hd_point_ n) {
 /// NaN coordinates when the line is parallel to that plane or the three points span none.
 _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
                                _s_hd_point_ b);
-/// The same with the plane given by its normal n and one of its points v0.
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b);
-/// The same, setting t to the point's parameter along a -> b (NaN when there is no point).
+/// The same with the plane given by its normal n and one of its points v0, setting t to the
+/// point's parameter along a -> b (NaN when there is no point).
 inline _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
                                    double& t) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -90,6 +89,12 @@ inline _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_
         return {nan, nan, nan};
     t = vecDot(n, vecSub(v0, a)) / den;
     return linComb(1.0, a, t, d);
+}
+/// The same without the parameter.
+inline _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a,
+                                   _s_hd_point_ b) {
+    double t = 0.0;
+    return linePlaneInter(n, v0, a, b, t);
 }
 
 /// Where the drawing-plane projections of the line a-b and of the edge c-d cross.

@@ -13,9 +13,11 @@ namespace {
 // Folds B into A when the two overlap or touch: B starting on A extends A to B's end, B ending
 // on A extends A back to B's start; B inside A adds nothing, A inside B becomes B. Returns true
 // when B is to be dropped.
-bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, _s_hd_point_ bStart, _s_hd_point_ bEnd) {
-    const bool startOn = isPointOnSeg(bStart, aStart, aEnd) != 0;
-    const bool endOn = isPointOnSeg(bEnd, aStart, aEnd) != 0;
+// aReach and bReach are the pieces' segmentReach, as isPointOnSeg works them out.
+bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, const SegmentReach& aReach,
+                 _s_hd_point_ bStart, _s_hd_point_ bEnd, const SegmentReach& bReach) {
+    const bool startOn = onSegWithin(bStart, aStart, aEnd, aReach);
+    const bool endOn = onSegWithin(bEnd, aStart, aEnd, aReach);
     if (startOn && !endOn) {
         aEnd = bEnd;
         return true;
@@ -26,7 +28,7 @@ bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, _s_hd_point_ bStart, 
     }
     if (startOn && endOn)
         return true;
-    if (isPointOnSeg(aStart, bStart, bEnd) != 0 && isPointOnSeg(aEnd, bStart, bEnd) != 0) {
+    if (onSegWithin(aStart, bStart, bEnd, bReach) && onSegWithin(aEnd, bStart, bEnd, bReach)) {
         aStart = bStart;
         aEnd = bEnd;
         return true;
@@ -34,7 +36,8 @@ bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, _s_hd_point_ bStart, 
     return false;
 }
 bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
-    return absorbPiece(a->start, a->end, b->start, b->end);
+    return absorbPiece(a->start, a->end, segmentReach(a->start, a->end), b->start, b->end,
+                       segmentReach(b->start, b->end));
 }
 
 // Merges overlapping and touching pieces: pairs are tried in list order (A before B) and the
@@ -140,7 +143,7 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
             for (size_t j = i + 1; j < n; ++j) {
                 const MergeScratch::Piece& b = pieces[order[j]];
                 if ((settled && b.changed < a.rowDone) || piecesFarApart(a, b) ||
-                    !absorbPiece(a.start, a.end, b.start, b.end))
+                    !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
                     continue;
                 for (size_t k = j; k + 1 < n; ++k)
                     order[k] = order[k + 1];

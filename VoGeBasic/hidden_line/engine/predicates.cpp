@@ -82,11 +82,6 @@ int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
     return crossesPlane(unitDir(b, a), n) ? 1 : 0;
 }
 
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b) {
-    double t = 0.0;
-    return linePlaneInter(n, v0, a, b, t);
-}
-
 _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
                                _s_hd_point_ b) {
     return linePlaneInter(triNormal(v0, v1, v2), v0, a, b);
