@@ -127,6 +127,11 @@ bool isBoundedPoint(_s_hd_point_ p) {
            std::fabs(p.z) <= hd::kCullCoordLimit;
 }
 
+// The face's XY box as centre and half sizes.
+struct FaceSpread {
+    double cx, cy, hx, hy;
+};
+
 // A face read once, with its area normal and what the pruning tests need; prunable is false
 // when a vertex is not bounded (NaN included). The rest of the face's prepared data (its edges'
 // reach, length and run) is worked out once for each object whose lines come near (NearFaces):
@@ -144,20 +149,12 @@ struct CachedFace {
     /// bounded coordinates give no NaN.
     signed char edgeSide[4];
     double outlineMargin;
-    double size;  ///< spreadOf(face).size
+    double size;        ///< faceSize(face)
+    FaceSpread spread;  ///< the face's XY box as centre and half sizes
     /// The plane's depth over the drawing plane: v[0].z + gx (x - v[0].x) + gy (y - v[0].y), and
     /// 1 plus its slope; NaN where the face is seen edge-on or has no plane.
     double gx, gy, slopeFactor;
 };
-
-// The face's XY box as centre and half sizes, and its size.
-struct FaceSpread {
-    double cx, cy, hx, hy, size;
-};
-FaceSpread spreadOf(const HDFace& f) {
-    return {0.5 * (f.xmin + f.xmax), 0.5 * (f.ymin + f.ymax), 0.5 * (f.xmax - f.xmin),
-            0.5 * (f.ymax - f.ymin), faceSize(f)};
-}
 
 // The smallest depth of the face's plane over the face's XY extents widened by kBehindExtentTol
 // (the least of its four corners), or of a vertex off that plane: every point through which the
@@ -187,7 +184,9 @@ void prepareFace(CachedFace& c) {
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
     c.zNear = frontDepth(f);
-    c.size = spreadOf(f).size;
+    c.size = faceSize(f);
+    c.spread = {0.5 * (f.xmin + f.xmax), 0.5 * (f.ymin + f.ymax), 0.5 * (f.xmax - f.xmin),
+                0.5 * (f.ymax - f.ymin)};
     c.flat = isFlatFace(f, c.size);
     const _s_hd_point_ n = f.normal;
     const bool sloped = std::fabs(n.z) >= hd::kEdgeOnNormalZ;  // false for NaN
@@ -250,8 +249,8 @@ bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable)
         return false;
     const HDFace& f = c.face;
-    const FaceSpread s = spreadOf(f);
-    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + s.size);
+    const FaceSpread& s = c.spread;
+    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
     if (f.xmin - m > l.xmax || f.xmax + m < l.xmin || f.ymin - m > l.ymax || f.ymax + m < l.ymin)
         return true;
     const double offset = (s.cx - l.px) * l.nx + (s.cy - l.py) * l.ny;
@@ -351,7 +350,6 @@ public:
     FaceCache() = default;
     ~FaceCache() {
         std::free(faces_);
-        std::free(boxes_);
         std::free(first_);
     }
     FaceCache(const FaceCache&) = delete;
@@ -368,8 +366,7 @@ public:
         first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
         faces_ =
             static_cast<CachedFace*>(std::malloc((total > 0 ? total : 1) * sizeof(CachedFace)));
-        boxes_ = static_cast<LineRange*>(std::malloc((total > 0 ? total : 1) * sizeof(LineRange)));
-        if (first_ == nullptr || faces_ == nullptr || boxes_ == nullptr)
+        if (first_ == nullptr || faces_ == nullptr)
             return false;
         size_t at = 0;
         for (int i = 0; i < n; ++i) {
@@ -379,8 +376,6 @@ public:
             for (const _s_hd_prosect_* f = objs[i]->prosect; f != nullptr; f = f->next) {
                 if (readFace(f->sect, faces_[at].face)) {
                     prepareFace(faces_[at]);
-                    const HDFace& face = faces_[at].face;
-                    boxes_[at] = {face.xmin, face.xmax, face.ymin, face.ymax};
                     ++at;
                 }
             }
@@ -391,12 +386,8 @@ public:
     }
 
     size_t bytes() const {
-        return (first_[last_] + 1) * (sizeof(CachedFace) + sizeof(LineRange)) +
-               (last_ + 1) * sizeof(size_t);
+        return (first_[last_] + 1) * sizeof(CachedFace) + (last_ + 1) * sizeof(size_t);
     }
-    /// The face's XY extents, kept apart from the rest so that the first test of every face
-    /// against a line reads little memory.
-    const LineRange& extentsOf(const CachedFace* f) const { return boxes_[f - faces_]; }
     const CachedFace* begin(int i) const { return faces_ + first_[i]; }
     size_t faceCount() const { return first_[last_]; }
     size_t indexOf(const CachedFace* f) const { return static_cast<size_t>(f - faces_); }
@@ -404,7 +395,6 @@ public:
 
 private:
     CachedFace* faces_ = nullptr;
-    LineRange* boxes_ = nullptr;
     size_t* first_ = nullptr;
     size_t last_ = 0;
 };
@@ -480,7 +470,7 @@ public:
             groups_[c] = at;
             const int j = table[c].index;
             for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
-                const LineRange& e = cache.extentsOf(f);
+                const LineRange e = {f->face.xmin, f->face.xmax, f->face.ymin, f->face.ymax};
                 if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
                     e.ymin <= all.ymax)
                     entries_[at++] = {e, f, -1};
