@@ -25,7 +25,10 @@ inline double faceSize(const HDFace& f) {
 bool isFlatFace(const HDFace& face, double size);
 
 /// True when p lies within the face's X and Y extents widened by tol on each side.
-bool withinXYExtents(_s_hd_point_ p, const HDFace& face, double tol);
+inline bool withinXYExtents(_s_hd_point_ p, const HDFace& face, double tol) {
+    return p.x >= face.xmin - tol && p.x <= face.xmax + tol && p.y >= face.ymin - tol &&
+           p.y <= face.ymax + tol;
+}
 
 /// Reads a vertex chain into face. A chain of more than four vertices is read as its first
 /// four. Returns false (a face that hides and meets nothing) for fewer than three vertices.
@@ -39,7 +42,19 @@ struct FacePrep {
     FlatRun run[4];         ///< each edge's run in the drawing plane
     _s_hd_point_ dir[4];    ///< each edge's unit direction, unitDir(v[k + 1], v[k])
     _s_hd_point_ area;      ///< the unit area normal that isPointInFace signs its angles by
+    /// The outline data (outlineOf): the margin beyond which isPointInFace knows a point's side
+    /// of the outline without its angles, 0 for none (prepareEdgeTests leaves it so), and each
+    /// edge's side.
+    double outlineMargin;
+    signed char side[4];
 };
+/// Per edge k (run length lengths[k], flatRunOf), the side of the edge's drawing-plane normal
+/// (-(b.y - a.y), b.x - a.x) that the whole face lies on: 1 or -1; 0 when the edge has no run,
+/// or the face lies on both sides or on its line. Returns, for a flat face (isFlatFace, size its
+/// faceSize) with every side known and every coordinate within kCullCoordLimit, the margin
+/// kCullMarginAbs plus kCullMarginRel times size, beyond which a point of the face's plane is
+/// inside or outside the face by its sides alone; 0 for any other face.
+double outlineOf(const HDFace& face, double size, const double* lengths, signed char* sides);
 void prepareFaceTests(const HDFace& face, FacePrep& prep);
 /// The edges' part of prepareFaceTests alone (reach, len2, run), the same to the bit; dir and
 /// area are left unset. flatLengths, when given, holds each edge's run length (flatRunOf).

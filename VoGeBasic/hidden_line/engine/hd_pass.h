@@ -124,7 +124,9 @@ public:
     struct Piece {
         _s_hd_point_ start, end;
         SegmentReach reach;  ///< segmentReach(start, end), kept up to date while merging
-        bool settled;        ///< its row of a sweep ran without a merge since it last changed
+        /// Merges counted from the start of merging: 1 + the count when its row of a sweep last
+        /// ran without a merge (0: never), and the count just after it last changed (0: never).
+        size_t rowDone, changed;
     };
     MergeScratch() = default;
     ~MergeScratch();
@@ -139,11 +141,14 @@ public:
     void truncate(size_t n) { count_ = n < count_ ? n : count_; }
     size_t size() const { return count_; }
     Piece* pieces() { return pieces_; }
+    /// Room for an index of each piece, for merging without moving the pieces.
+    size_t* order() { return order_; }
     /// The room the pieces take.
     size_t bytes() const;
 
 private:
     Piece* pieces_ = nullptr;
+    size_t* order_ = nullptr;
     size_t capacity_ = 0;
     size_t count_ = 0;
 };

@@ -7,6 +7,7 @@
 #define VOGEBASIC_HD_PREDICATES_H
 
 #include <cmath>
+#include <limits>
 
 #include "core/angles.h"
 #include "hd_records.h"
@@ -54,7 +55,18 @@ int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
 int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v);
 /// arccos c for c in [-1, 1] by a polynomial, within 3e-8 of the true angle (rounding included):
 /// for deciding the face tests away from their tolerances' edges.
-double acosBound(double c);
+inline double acosBound(double c) {
+    // arccos x = sqrt(1 - x) (a0 + a1 x + ... + a7 x^7) on [0, 1], within 2e-8 (the classic
+    // eight-term fit); arccos(-x) = pi - arccos x.
+    constexpr double kA[8] = {1.5707963050, -0.2145988016, 0.0889789874, -0.0501743046,
+                              0.0308918810, -0.0170881256, 0.0066700901, -0.0012624911};
+    const double x = std::fabs(c);
+    double poly = kA[7];
+    for (int k = 6; k >= 0; --k)
+        poly = poly * x + kA[k];
+    const double r = std::sqrt(1.0 - x) * poly;
+    return c < 0.0 ? core::kPi - r : r;
+}
 /// 1 when the direction from a to b is not parallel to the plane of unit normal n.
 int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n);
 /// True when the unit direction dir is not parallel to the plane of unit normal n.
@@ -65,11 +77,25 @@ inline bool crossesPlane(_s_hd_point_ dir, _s_hd_point_ n) {
 /// NaN coordinates when the line is parallel to that plane or the three points span none.
 _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
                                _s_hd_point_ b);
-/// The same with the plane given by its normal n and one of its points v0.
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b);
-/// The same, setting t to the point's parameter along a -> b (NaN when there is no point).
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
-                            double& t);
+/// The same with the plane given by its normal n and one of its points v0, setting t to the
+/// point's parameter along a -> b (NaN when there is no point).
+inline _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
+                                   double& t) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const _s_hd_point_ d = vecSub(b, a);
+    const double den = vecDot(n, d);
+    t = nan;
+    if (den == 0.0)
+        return {nan, nan, nan};
+    t = vecDot(n, vecSub(v0, a)) / den;
+    return linComb(1.0, a, t, d);
+}
+/// The same without the parameter.
+inline _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a,
+                                   _s_hd_point_ b) {
+    double t = 0.0;
+    return linePlaneInter(n, v0, a, b, t);
+}
 
 /// Where the drawing-plane projections of the line a-b and of the edge c-d cross.
 struct ProjCrossing {
@@ -91,11 +117,32 @@ inline FlatRun flatRunOf(_s_hd_point_ a, _s_hd_point_ b) {
     return {dx, dy, std::sqrt(dx * dx + dy * dy)};
 }
 /// crossProjections with the runs of a -> b and c -> d already worked out.
-ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
-                              const FlatRun& line, const FlatRun& edge);
+inline ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
+                                     const FlatRun& line, const FlatRun& edge) {
+    ProjCrossing x = {true, a, c, 0.0, 0.0};
+    const double den = det2(line.dx, line.dy, edge.dx, edge.dy);
+    if (!(line.len > 0.0) || !(edge.len > 0.0) ||
+        std::fabs(den) < hd::kProjParallelTol * line.len * edge.len)
+        return x;
+    const double wx = c.x - a.x;
+    const double wy = c.y - a.y;
+    x.parallel = false;
+    x.lineAt = det2(wx, wy, edge.dx, edge.dy) / den;
+    x.edgeAt = det2(wx, wy, line.dx, line.dy) / den;
+    x.onLine = linComb(1.0, a, x.lineAt, vecSub(b, a));
+    x.onEdge = linComb(1.0, c, x.edgeAt, vecSub(d, c));
+    return x;
+}
+
+namespace detail {
+/// isPointOnSeg for a point known to lie within the segment's reach.
+int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
+}  // namespace detail
 
 /// isPointOnSeg(p, a, b) with the segment's reach worked out already.
-bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach);
+inline bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach) {
+    return !reach.excludes(p) && detail::isPointOnSegInReach(p, a, b) != 0;
+}
 
 /// True when both ends have every coordinate within kCullCoordLimit (NaN fails).
 inline bool boundedEnds(_s_hd_point_ a, _s_hd_point_ b) {

@@ -127,10 +127,15 @@ bool isBoundedPoint(_s_hd_point_ p) {
            std::fabs(p.z) <= hd::kCullCoordLimit;
 }
 
+// The face's XY box as centre and half sizes.
+struct FaceSpread {
+    double cx, cy, hx, hy;
+};
+
 // A face read once, with its area normal and what the pruning tests need; prunable is false
 // when a vertex is not bounded (NaN included). The rest of the face's prepared data (its edges'
-// reach, length and run) is worked out again for each line that comes near: kept for every face
-// of a plant, it would take more room than the plant itself.
+// reach, length and run) is worked out once for each object whose lines come near (NearFaces):
+// kept for every face of a plant, it would take more room than the plant itself.
 struct CachedFace {
     HDFace face;
     _s_hd_point_ area;     ///< faceAreaNormal(face)
@@ -138,25 +143,18 @@ struct CachedFace {
     double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
     bool prunable;
     bool flat;  ///< a triangle, or a quadrilateral in the plane of its first three vertices
-    /// Per edge, the side of the edge's drawing-plane normal (-(b.y - a.y), b.x - a.x) that the
-    /// whole face lies on: 1 or -1; 0 when the edge has no run, or the face lies on both sides
-    /// or on its line (faceOutlineApartFromLine cannot use it). Read only for a prunable face,
-    /// whose bounded coordinates give no NaN.
+    /// Per edge, the side of the edge's drawing-plane normal that the whole face lies on, and
+    /// the margin for the inside test, as outlineOf gives them (an edge of side 0
+    /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
+    /// bounded coordinates give no NaN.
     signed char edgeSide[4];
-    double size;  ///< spreadOf(face).size
+    double outlineMargin;
+    double size;        ///< faceSize(face)
+    FaceSpread spread;  ///< the face's XY box as centre and half sizes
     /// The plane's depth over the drawing plane: v[0].z + gx (x - v[0].x) + gy (y - v[0].y), and
     /// 1 plus its slope; NaN where the face is seen edge-on or has no plane.
     double gx, gy, slopeFactor;
 };
-
-// The face's XY box as centre and half sizes, and its size.
-struct FaceSpread {
-    double cx, cy, hx, hy, size;
-};
-FaceSpread spreadOf(const HDFace& f) {
-    return {0.5 * (f.xmin + f.xmax), 0.5 * (f.ymin + f.ymax), 0.5 * (f.xmax - f.xmin),
-            0.5 * (f.ymax - f.ymin), faceSize(f)};
-}
 
 // The smallest depth of the face's plane over the face's XY extents widened by kBehindExtentTol
 // (the least of its four corners), or of a vertex off that plane: every point through which the
@@ -177,26 +175,6 @@ double frontDepth(const HDFace& f) {
     return plane < f.zmin ? plane : f.zmin;  // NaN stays NaN
 }
 
-// The side of edge k's drawing-plane normal that the whole face lies on (see
-// CachedFace::edgeSide), len being the edge's run length.
-signed char edgeSideOf(const HDFace& f, int k, double len) {
-    if (!(len > 0.0))
-        return 0;
-    const _s_hd_point_ a = f.v[k];
-    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
-    const double ex = -(b.y - a.y);
-    const double ey = b.x - a.x;
-    double side = 0.0;
-    for (int j = 0; j < f.count; ++j) {
-        const double o = (f.v[j].x - a.x) * ex + (f.v[j].y - a.y) * ey;
-        if (o * side < 0.0)
-            return 0;
-        if (side == 0.0 && o != 0.0)
-            side = o;
-    }
-    return side > 0.0 ? 1 : side < 0.0 ? -1 : 0;
-}
-
 void prepareFace(CachedFace& c) {
     const HDFace& f = c.face;
     c.area = faceAreaNormal(f);
@@ -206,7 +184,9 @@ void prepareFace(CachedFace& c) {
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
     c.zNear = frontDepth(f);
-    c.size = spreadOf(f).size;
+    c.size = faceSize(f);
+    c.spread = {0.5 * (f.xmin + f.xmax), 0.5 * (f.ymin + f.ymax), 0.5 * (f.xmax - f.xmin),
+                0.5 * (f.ymax - f.ymin)};
     c.flat = isFlatFace(f, c.size);
     const _s_hd_point_ n = f.normal;
     const bool sloped = std::fabs(n.z) >= hd::kEdgeOnNormalZ;  // false for NaN
@@ -214,8 +194,7 @@ void prepareFace(CachedFace& c) {
     c.gx = sloped ? -n.x / n.z : nan;
     c.gy = sloped ? -n.y / n.z : nan;
     c.slopeFactor = sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
-    for (int k = 0; k < f.count; ++k)
-        c.edgeSide[k] = edgeSideOf(f, k, c.flatLength[k]);
+    c.outlineMargin = outlineOf(f, c.size, c.flatLength, c.edgeSide);
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -270,8 +249,8 @@ bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable)
         return false;
     const HDFace& f = c.face;
-    const FaceSpread s = spreadOf(f);
-    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + s.size);
+    const FaceSpread& s = c.spread;
+    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
     if (f.xmin - m > l.xmax || f.xmax + m < l.xmin || f.ymin - m > l.ymax || f.ymax + m < l.ymin)
         return true;
     const double offset = (s.cx - l.px) * l.nx + (s.cy - l.py) * l.ny;
@@ -371,7 +350,6 @@ public:
     FaceCache() = default;
     ~FaceCache() {
         std::free(faces_);
-        std::free(boxes_);
         std::free(first_);
     }
     FaceCache(const FaceCache&) = delete;
@@ -388,8 +366,7 @@ public:
         first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
         faces_ =
             static_cast<CachedFace*>(std::malloc((total > 0 ? total : 1) * sizeof(CachedFace)));
-        boxes_ = static_cast<LineRange*>(std::malloc((total > 0 ? total : 1) * sizeof(LineRange)));
-        if (first_ == nullptr || faces_ == nullptr || boxes_ == nullptr)
+        if (first_ == nullptr || faces_ == nullptr)
             return false;
         size_t at = 0;
         for (int i = 0; i < n; ++i) {
@@ -399,8 +376,6 @@ public:
             for (const _s_hd_prosect_* f = objs[i]->prosect; f != nullptr; f = f->next) {
                 if (readFace(f->sect, faces_[at].face)) {
                     prepareFace(faces_[at]);
-                    const HDFace& face = faces_[at].face;
-                    boxes_[at] = {face.xmin, face.xmax, face.ymin, face.ymax};
                     ++at;
                 }
             }
@@ -411,21 +386,155 @@ public:
     }
 
     size_t bytes() const {
-        return (first_[last_] + 1) * (sizeof(CachedFace) + sizeof(LineRange)) +
-               (last_ + 1) * sizeof(size_t);
+        return (first_[last_] + 1) * sizeof(CachedFace) + (last_ + 1) * sizeof(size_t);
     }
-    /// The face's XY extents, kept apart from the rest so that the first test of every face
-    /// against a line reads little memory.
-    const LineRange& extentsOf(const CachedFace* f) const { return boxes_[f - faces_]; }
     const CachedFace* begin(int i) const { return faces_ + first_[i]; }
+    size_t faceCount() const { return first_[last_]; }
     size_t indexOf(const CachedFace* f) const { return static_cast<size_t>(f - faces_); }
     const CachedFace* end(int i) const { return faces_ + first_[i + 1]; }
 
 private:
     CachedFace* faces_ = nullptr;
-    LineRange* boxes_ = nullptr;
     size_t* first_ = nullptr;
     size_t last_ = 0;
+};
+
+// What the face tests ask of a cached face: its edges' data, its area normal and its outline
+// data, the same as prepareFaceTests and outlineOf give.
+void prepareCachedFace(const CachedFace& c, FacePrep& prep) {
+    prepareEdgeTests(c.face, prep, c.flatLength);
+    prep.area = c.area;
+    prep.outlineMargin = c.outlineMargin;
+    for (int k = 0; k < c.face.count; ++k)
+        prep.side[k] = c.edgeSide[k];
+}
+
+// The pool of prepared faces keeps at least this many faces, however small the scene ...
+constexpr size_t kPreparedPoolMin = 1024;
+// ... and at most one face in this many of the scene's: each prepared face takes more room than
+// the face's own records, and the pool must stay well below the model's size.
+constexpr size_t kPreparedPoolShare = 8;
+
+// The faces that the lines of one object can be tested against, gathered once for all its lines:
+// of each candidate object, in the candidate table's order and each object's face order, the
+// faces whose XY extents meet the lines' common range (the least and greatest X and Y of their
+// ends). A face whose extents miss that range misses every line's range, where the scan asks
+// first, so the faces left out are exactly ones the scan would pass over, and the ones kept come
+// in the same order. A line end with a NaN coordinate gives its line a range that meets no face,
+// so the common range leaves NaN out (minOf and maxOf). Each face's prepared edge data is worked
+// out the first time one of the lines is tested against it and kept for the object's other lines
+// (a pool of bounded size; past it the data is worked out for each test, the same to the bit).
+class NearFaces {
+public:
+    struct Entry {
+        LineRange extents;  ///< the face's XY extents, read first by every line
+        const CachedFace* face;
+        int prepared;  ///< the face's slot in the pool; -1 while not prepared
+    };
+
+    NearFaces() = default;
+    ~NearFaces() {
+        std::free(entries_);
+        std::free(groups_);
+        std::free(pool_);
+    }
+    NearFaces(const NearFaces&) = delete;
+    NearFaces& operator=(const NearFaces&) = delete;
+
+    /// Room for a table of up to n candidates, and a pool bound for a scene of faceCount faces.
+    bool init(int n, size_t faceCount) {
+        groups_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
+        poolLimit_ = faceCount / kPreparedPoolShare;
+        poolLimit_ = poolLimit_ < kPreparedPoolMin ? kPreparedPoolMin : poolLimit_;
+        return groups_ != nullptr;
+    }
+
+    /// Gathers the faces of the candidates (the table's first count entries) that meet the
+    /// common range of object's lines, and empties the pool. False if the room cannot grow.
+    bool gather(const FaceCache& cache, const HideCandidate* table, int count,
+                const _s_hd_proline_* lines) {
+        const double inf = std::numeric_limits<double>::infinity();
+        LineRange all = {inf, -inf, inf, -inf};
+        for (const _s_hd_proline_* l = lines; l != nullptr; l = l->next) {
+            const LineRange r = lineRangeOf(l->start, l->end);
+            all = {minOf(all.xmin, r.xmin), maxOf(all.xmax, r.xmax), minOf(all.ymin, r.ymin),
+                   maxOf(all.ymax, r.ymax)};
+        }
+        size_t most = 0;
+        for (int c = 0; c < count; ++c)
+            most += static_cast<size_t>(cache.end(table[c].index) - cache.begin(table[c].index));
+        if (most > capacity_ && !grow(most))
+            return false;
+        size_t at = 0;
+        for (int c = 0; c < count; ++c) {
+            groups_[c] = at;
+            const int j = table[c].index;
+            for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
+                const LineRange e = {f->face.xmin, f->face.xmax, f->face.ymin, f->face.ymax};
+                if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
+                    e.ymin <= all.ymax)
+                    entries_[at++] = {e, f, -1};
+            }
+        }
+        groups_[count] = at;
+        poolUsed_ = 0;
+        return true;
+    }
+
+    Entry* begin(int c) { return entries_ + groups_[c]; }
+    Entry* end(int c) { return entries_ + groups_[c + 1]; }
+
+    /// The entry's face prepared for the face tests: from the pool, or (the pool full or
+    /// unable to grow) in spare.
+    const FacePrep& prepared(Entry& e, FacePrep& spare) {
+        if (e.prepared >= 0)
+            return pool_[e.prepared];
+        FacePrep* prep = &spare;
+        if (poolUsed_ < poolCapacity_ || growPool()) {
+            prep = &pool_[poolUsed_];
+            e.prepared = static_cast<int>(poolUsed_++);
+        }
+        prepareCachedFace(*e.face, *prep);
+        return *prep;
+    }
+
+    /// The room the lists and the pool take at their largest.
+    size_t bytes() const { return capacity_ * sizeof(Entry) + poolCapacity_ * sizeof(FacePrep); }
+
+private:
+    bool grow(size_t most) {
+        if (most > SIZE_MAX / sizeof(Entry))
+            return false;
+        auto* entries = static_cast<Entry*>(std::malloc(most * sizeof(Entry)));
+        if (entries == nullptr)
+            return false;
+        std::free(entries_);
+        entries_ = entries;
+        capacity_ = most;
+        return true;
+    }
+    bool growPool() {
+        if (poolCapacity_ >= poolLimit_ || poolCapacity_ > INT32_MAX / 2)
+            return false;
+        const size_t capacity = poolCapacity_ == 0 ? 64 : 2 * poolCapacity_;
+        auto* pool = static_cast<FacePrep*>(std::malloc(capacity * sizeof(FacePrep)));
+        if (pool == nullptr)
+            return false;
+        if (poolUsed_ > 0)
+            std::memcpy(pool, pool_, poolUsed_ * sizeof(FacePrep));
+        std::free(pool_);
+        pool_ = pool;
+        poolCapacity_ = capacity;
+        return true;
+    }
+
+    Entry* entries_ = nullptr;
+    size_t capacity_ = 0;
+    size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
+    FacePrep* pool_ = nullptr;
+    size_t poolUsed_ = 0;
+    size_t poolCapacity_ = 0;
+    size_t poolLimit_ = 0;
 };
 
 bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
@@ -453,7 +562,8 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
     if (objs == nullptr || n <= 0)
         return nullptr;
     FaceCache cache;
-    if (!cache.build(objs, n))
+    NearFaces nearFaces;
+    if (!cache.build(objs, n) || !nearFaces.init(n, cache.faceCount()))
         return nullptr;
     // Candidates from the grid over the objects' boxes, given the same box test in the same
     // ascending order as the full scan: the grid yields every object whose box can touch. If the
@@ -465,23 +575,29 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
     BehindMemo memo;
     // The hidden pieces of one line at a time, in room reused from line to line.
     MergeScratch hidden;
+    bool gathered = true;
     _s_hd_proline_* result = runHidePass(
         objs, n,
         [&](int i, HideCandidate* table) {
             memo.forget();
-            if (!indexed)
-                return touchingObjects(objs, n, i, table);
-            const int found = index.near(objs[i]->box, n, near);
             int count = 0;
-            for (int k = 0; k < found; ++k) {
-                const int j = near[k];
-                if (xyBoxesTouch(objs[j]->box, objs[i]->box))
-                    table[count++] = {objs[j]->prosect, j};
+            if (!indexed) {
+                count = touchingObjects(objs, n, i, table);
+            } else {
+                const int found = index.near(objs[i]->box, n, near);
+                for (int k = 0; k < found; ++k) {
+                    const int j = near[k];
+                    if (xyBoxesTouch(objs[j]->box, objs[i]->box))
+                        table[count++] = {objs[j]->prosect, j};
+                }
             }
+            gathered = nearFaces.gather(cache, table, count, objs[i]->proline);
             return count;
         },
         [&](_s_hd_proline_* line, const HideCandidate* table, int candidates,
             _s_hd_proline_*& visible) {
+            if (!gathered)
+                return false;
             const LineRange range = lineRangeOf(line->start, line->end);
             if (stats != nullptr)
                 ++stats->lines;
@@ -491,38 +607,45 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             const HideLine prepared = hideLineOf(p, q);
             const LinePrune prune = prepareLine(prepared);
             hidden.clear();
-            for (int c = 0; c < candidates && !hiddenWhole(hidden, p, q); ++c) {
+            // Only the first piece can make the line hidden whole (hiddenWhole), and it is
+            // never changed while faces are tested: the line stops once it is appended whole.
+            bool whole = false;
+            for (int c = 0; c < candidates && !whole; ++c) {
                 const int j = table[c].index;
                 if (stats != nullptr)
                     ++stats->candidatesScanned;
                 if (!boxOverlapsLineRange(objs[j]->box, range))
                     continue;
-                for (const CachedFace* f = cache.begin(j);
-                     f != cache.end(j) && !hiddenWhole(hidden, p, q); ++f) {
+                for (NearFaces::Entry* e = nearFaces.begin(c); e != nearFaces.end(c); ++e) {
                     // First what appendHiddenPiece asks first: a face whose XY extents miss
                     // the line's range gives no piece.
                     if (stats != nullptr)
                         ++stats->facesScanned;
-                    const LineRange& e = cache.extentsOf(f);
                     const LineRange& r = prepared.range;
-                    if (!(e.xmax >= r.xmin && e.ymax >= r.ymin && e.xmin <= r.xmax &&
-                          e.ymin <= r.ymax))
+                    if (!(e->extents.xmax >= r.xmin && e->extents.ymax >= r.ymin &&
+                          e->extents.xmin <= r.xmax && e->extents.ymin <= r.ymax))
                         continue;
+                    const CachedFace* f = e->face;
                     if (faceBehindLine(*f, prune) || faceTooFarFromLine(*f, prune) ||
                         lineInFrontOfFace(*f, prune) || faceOutlineApartFromLine(*f, prune))
                         continue;
                     if (stats != nullptr)
                         ++stats->faceTests;
-                    FacePrep prep;
-                    prepareEdgeTests(f->face, prep, f->flatLength);
-                    prep.area = f->area;
+                    FacePrep spare;
+                    const FacePrep& prep = nearFaces.prepared(*e, spare);
                     const size_t before = hidden.size();
                     if (!appendHiddenPiece(prepared, f->face, hidden,
                                            {&memo, cache.indexOf(f), &prep}) ||
                         memo.failed())
                         return false;
-                    if (stats != nullptr && hidden.size() > before)
-                        ++stats->hidingTests;
+                    if (hidden.size() > before) {
+                        if (stats != nullptr)
+                            ++stats->hidingTests;
+                        if (before == 0 && hiddenWhole(hidden, p, q)) {
+                            whole = true;
+                            break;
+                        }
+                    }
                 }
             }
             orientNearFirst(line->start, line->end);
@@ -531,6 +654,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
     std::free(near);
     if (stats != nullptr) {
         stats->workingBytes = cache.bytes() + index.bytes() + memo.bytes() + hidden.bytes() +
+                              nearFaces.bytes() +
                               static_cast<size_t>(n) * (sizeof(int) + sizeof(HideCandidate));
     }
     return result;

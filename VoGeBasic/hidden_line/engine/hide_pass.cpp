@@ -13,9 +13,11 @@ namespace {
 // Folds B into A when the two overlap or touch: B starting on A extends A to B's end, B ending
 // on A extends A back to B's start; B inside A adds nothing, A inside B becomes B. Returns true
 // when B is to be dropped.
-bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, _s_hd_point_ bStart, _s_hd_point_ bEnd) {
-    const bool startOn = isPointOnSeg(bStart, aStart, aEnd) != 0;
-    const bool endOn = isPointOnSeg(bEnd, aStart, aEnd) != 0;
+// aReach and bReach are the pieces' segmentReach, as isPointOnSeg works them out.
+bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, const SegmentReach& aReach,
+                 _s_hd_point_ bStart, _s_hd_point_ bEnd, const SegmentReach& bReach) {
+    const bool startOn = onSegWithin(bStart, aStart, aEnd, aReach);
+    const bool endOn = onSegWithin(bEnd, aStart, aEnd, aReach);
     if (startOn && !endOn) {
         aEnd = bEnd;
         return true;
@@ -26,7 +28,7 @@ bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, _s_hd_point_ bStart, 
     }
     if (startOn && endOn)
         return true;
-    if (isPointOnSeg(aStart, bStart, bEnd) != 0 && isPointOnSeg(aEnd, bStart, bEnd) != 0) {
+    if (onSegWithin(aStart, bStart, bEnd, bReach) && onSegWithin(aEnd, bStart, bEnd, bReach)) {
         aStart = bStart;
         aEnd = bEnd;
         return true;
@@ -34,7 +36,8 @@ bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, _s_hd_point_ bStart, 
     return false;
 }
 bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
-    return absorbPiece(a->start, a->end, b->start, b->end);
+    return absorbPiece(a->start, a->end, segmentReach(a->start, a->end), b->start, b->end,
+                       segmentReach(b->start, b->end));
 }
 
 // Merges overlapping and touching pieces: pairs are tried in list order (A before B) and the
@@ -61,10 +64,11 @@ void mergePieces(_s_hd_proline_* head) {
 
 MergeScratch::~MergeScratch() {
     std::free(pieces_);
+    std::free(order_);
 }
 
 size_t MergeScratch::bytes() const {
-    return capacity_ * sizeof(Piece);
+    return capacity_ * (sizeof(Piece) + sizeof(size_t));
 }
 
 bool MergeScratch::reserve(size_t n) {
@@ -74,12 +78,18 @@ bool MergeScratch::reserve(size_t n) {
         return false;
     const size_t capacity = n < 2 * capacity_ ? 2 * capacity_ : n;
     auto* pieces = static_cast<Piece*>(std::malloc(capacity * sizeof(Piece)));
-    if (pieces == nullptr)
+    auto* order = static_cast<size_t*>(std::malloc(capacity * sizeof(size_t)));
+    if (pieces == nullptr || order == nullptr) {
+        std::free(pieces);
+        std::free(order);
         return false;
+    }
     for (size_t k = 0; k < count_; ++k)
         pieces[k] = pieces_[k];
     std::free(pieces_);
+    std::free(order_);
     pieces_ = pieces;
+    order_ = order;
     capacity_ = capacity;
     return true;
 }
@@ -87,7 +97,7 @@ bool MergeScratch::reserve(size_t n) {
 bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
     if (count_ == capacity_ && !reserve(count_ + 1))
         return false;
-    pieces_[count_++] = {from, to, {}, false};
+    pieces_[count_++] = {from, to, {}, 0, 0};
     return true;
 }
 
@@ -102,40 +112,55 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
 
 // mergePieces on the scratch's pieces with the same merges in the same order, but without trying
 // the pairs that provably stay apart. absorbPiece depends only on the two pieces and changes
-// nothing when it fails, so a pair that failed keeps failing until one of its pieces changes. A
-// piece is marked settled once its row of a sweep (it against every later piece) has run without
-// a merge: every pair of two settled pieces has then failed since either last changed (the pairs
-// with earlier pieces ran earlier in the same sweep). A merge unsettles the absorbing piece and
-// drops the other, so the remaining settled pairs keep failing; those pairs are skipped, and so
-// are pairs lying far apart (piecesFarApart), which would fail.
+// nothing when it fails, so a pair that failed keeps failing until one of its pieces changes.
+// Pieces are only dropped, never added or reordered, so the pieces after A now were after it
+// whenever its row ran. Once A's row of a sweep (A against every later piece) has run without a
+// merge, after the merge counted T, every pair of A and a later piece has failed (or was
+// skipped here, failing): A.rowDone is T + 1. A merge, counted T, drops B and changes A, whose
+// changed becomes T. So while A has not changed since its row last ran (A.changed < A.rowDone),
+// a pair of A and a later B that has not changed since then either (B.changed < A.rowDone) keeps
+// failing and is skipped; so are pairs lying far apart (piecesFarApart), which would fail.
+//
+// The merge works through an index of the pieces, dropping a piece from the index only, and
+// leaves the pieces that remain at the front in their order.
 void mergePiecesSkippingSettled(MergeScratch& scratch) {
     MergeScratch::Piece* pieces = scratch.pieces();
+    size_t* order = scratch.order();
     size_t n = scratch.size();
     for (size_t k = 0; k < n; ++k) {
         pieces[k].reach = segmentReach(pieces[k].start, pieces[k].end);
-        pieces[k].settled = false;
+        pieces[k].rowDone = 0;
+        pieces[k].changed = 0;
+        order[k] = k;
     }
+    size_t merges = 0;
     bool changed = true;
     while (changed) {
         changed = false;
         for (size_t i = 0; i < n && !changed; ++i) {
-            MergeScratch::Piece& a = pieces[i];
+            MergeScratch::Piece& a = pieces[order[i]];
+            const bool settled = a.changed < a.rowDone;
             for (size_t j = i + 1; j < n; ++j) {
-                const MergeScratch::Piece& b = pieces[j];
-                if ((a.settled && b.settled) || piecesFarApart(a, b) ||
-                    !absorbPiece(a.start, a.end, b.start, b.end))
+                const MergeScratch::Piece& b = pieces[order[j]];
+                if ((settled && b.changed < a.rowDone) || piecesFarApart(a, b) ||
+                    !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
                     continue;
                 for (size_t k = j; k + 1 < n; ++k)
-                    pieces[k] = pieces[k + 1];
+                    order[k] = order[k + 1];
                 --n;
                 a.reach = segmentReach(a.start, a.end);
-                a.settled = false;
+                a.changed = ++merges;
                 changed = true;
                 break;
             }
             if (!changed)
-                a.settled = true;
+                a.rowDone = merges + 1;
         }
+    }
+    // The index stays ascending, so no piece is written over before it is moved.
+    for (size_t k = 0; k < n; ++k) {
+        if (order[k] != k)
+            pieces[k] = pieces[order[k]];
     }
     scratch.truncate(n);
 }

@@ -1,7 +1,6 @@
 // Numeric tests of the hidden-line engine: a point on a segment, a point in a polygon, where a
 // line meets a plane, where two projections cross.
 #include <cmath>
-#include <limits>
 
 #include "core/angles.h"
 #include "hidden_line/engine/hd_engine_tolerances.h"
@@ -12,8 +11,6 @@ namespace geolib {
 namespace {
 
 using core::clampUnit;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // The angle test of isPointOnSeg on the cosine c of the angle the segment subtends.
 bool onSegAngleTest(double c) {
@@ -36,8 +33,10 @@ double onSegEdgeCosine() {
     }
 }
 
+}  // namespace
+
 // isPointOnSeg past its first step: p is known to lie within the segment's reach.
-int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
+int detail::isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
     if (isSamePointFine(p, a) || isSamePointFine(p, b))
         return 1;
     if (pointDist2(p, a) <= hd::kOnSegEndDist2 || pointDist2(p, b) <= hd::kOnSegEndDist2)
@@ -57,21 +56,6 @@ int isPointOnSegInReach(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
     return onSegAngleTest(c) ? 1 : 0;
 }
 
-}  // namespace
-
-double acosBound(double c) {
-    // arccos x = sqrt(1 - x) (a0 + a1 x + ... + a7 x^7) on [0, 1], within 2e-8 (the classic
-    // eight-term fit); arccos(-x) = pi - arccos x.
-    constexpr double kA[8] = {1.5707963050, -0.2145988016, 0.0889789874, -0.0501743046,
-                              0.0308918810, -0.0170881256, 0.0066700901, -0.0012624911};
-    const double x = std::fabs(c);
-    double poly = kA[7];
-    for (int k = 6; k >= 0; --k)
-        poly = poly * x + kA[k];
-    const double r = std::sqrt(1.0 - x) * poly;
-    return c < 0.0 ? core::kPi - r : r;
-}
-
 // The unit area normal of the polygon (Newell's sum, about the first vertex); zero for a
 // polygon of no area.
 _s_hd_point_ polygonAreaNormal(int count, const _s_hd_point_* v) {
@@ -79,10 +63,6 @@ _s_hd_point_ polygonAreaNormal(int count, const _s_hd_point_* v) {
     for (int k = 1; k + 1 < count; ++k)
         area = vecAdd(area, vecCross(vecSub(v[k], v[0]), vecSub(v[k + 1], v[0])));
     return vecNormalize(area);
-}
-
-bool onSegWithin(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, const SegmentReach& reach) {
-    return !reach.excludes(p) && isPointOnSegInReach(p, a, b) != 0;
 }
 
 int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
@@ -102,22 +82,6 @@ int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
     return crossesPlane(unitDir(b, a), n) ? 1 : 0;
 }
 
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b) {
-    double t = 0.0;
-    return linePlaneInter(n, v0, a, b, t);
-}
-
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
-                            double& t) {
-    const _s_hd_point_ d = vecSub(b, a);
-    const double den = vecDot(n, d);
-    t = kNaN;
-    if (den == 0.0)
-        return {kNaN, kNaN, kNaN};
-    t = vecDot(n, vecSub(v0, a)) / den;
-    return linComb(1.0, a, t, d);
-}
-
 _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
                                _s_hd_point_ b) {
     return linePlaneInter(triNormal(v0, v1, v2), v0, a, b);
@@ -125,23 +89,6 @@ _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2
 
 ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d) {
     return crossProjections(a, b, c, d, flatRunOf(a, b), flatRunOf(c, d));
-}
-
-ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
-                              const FlatRun& line, const FlatRun& edge) {
-    ProjCrossing x = {true, a, c, 0.0, 0.0};
-    const double den = det2(line.dx, line.dy, edge.dx, edge.dy);
-    if (!(line.len > 0.0) || !(edge.len > 0.0) ||
-        std::fabs(den) < hd::kProjParallelTol * line.len * edge.len)
-        return x;
-    const double wx = c.x - a.x;
-    const double wy = c.y - a.y;
-    x.parallel = false;
-    x.lineAt = det2(wx, wy, edge.dx, edge.dy) / den;
-    x.edgeAt = det2(wx, wy, line.dx, line.dy) / den;
-    x.onLine = linComb(1.0, a, x.lineAt, vecSub(b, a));
-    x.onEdge = linComb(1.0, c, x.edgeAt, vecSub(d, c));
-    return x;
 }
 
 }  // namespace geolib

@@ -273,7 +273,8 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
 
 // The inside test decides from the rough angle sum away from its tolerance's edges: its answers
 // are those of measuring every angle, on points in, on, near and off faces of every kind (off
-// their plane too, where the sum sweeps through the tolerance's edge).
+// their plane too, where the sum sweeps through the tolerance's edge). So are those of the
+// prepared face's outline data, which settle points of the plane away from the outline.
 TEST(IsPointInFace, AnswersAsMeasuringEveryAngle) {
     auto measured = [](P p, int count, const P* v) {
         P area = {0, 0, 0};
@@ -296,6 +297,7 @@ TEST(IsPointInFace, AnswersAsMeasuringEveryAngle) {
     };
     vgtest::Lcg r(17);
     int inside = 0;
+    int outlined = 0;
     for (int n = 0; n < 4000; ++n) {
         const P c = {r(-1, 1), r(-1, 1), r(-1, 1)};
         const double s = r(0.01, 3);
@@ -306,18 +308,28 @@ TEST(IsPointInFace, AnswersAsMeasuringEveryAngle) {
         const P v[4] = {c, a, b, d}, centre = linComb(1.0 / 3, vecAdd(c, a), 1.0 / 3, b);
         const int count = r() < 0.5 ? 3 : 4;
         const P normal = vecNormalize(vecCross(vecSub(a, c), vecSub(b, c)));
+        const HDFace face = enginetest::faceOf(std::vector<P>(v, v + count));
+        FacePrep prep;
+        prepareFaceTests(face, prep);
+        const double lengths[4] = {prep.run[0].len, prep.run[1].len, prep.run[2].len,
+                                   prep.run[3].len};
+        prep.outlineMargin = outlineOf(face, faceSize(face), lengths, prep.side);
+        outlined += prep.outlineMargin > 0.0;
         for (int k = 0; k < 20; ++k) {
             const P u = v[k % count], w = v[(k + 1) % count];
             P p = linComb(1.0, u, r(-0.3, 1.3), vecSub(w, u));
             p = linComb(1.0, p, r(-0.3, 1.0), vecSub(centre, p));
-            p = linComb(1.0, p, r() < 0.5 ? 0.0 : r(-1, 1) * s * r() * r(), normal);
+            const bool inPlane = r() < 0.5;
+            p = linComb(1.0, p, inPlane ? 0.0 : r(-1, 1) * s * r() * r(), normal);
             const int expected = measured(p, count, v);
             inside += expected;
             ASSERT_EQ(isPointInFace(p, count, v), expected) << n << " " << k;
+            ASSERT_TRUE(!inPlane || isPointInFace(p, face, prep) == expected) << n << " " << k;
         }
     }
     EXPECT_GT(inside, 8000);
     EXPECT_LT(inside, 72000);
+    EXPECT_GT(outlined, 1000);
 }
 
 }  // namespace
