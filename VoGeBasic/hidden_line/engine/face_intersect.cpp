@@ -61,10 +61,20 @@ bool boundedFace(const HDFace& e) {
            e.zmin >= -lim;
 }
 
+// What pairSides asks of each face alone, worked out once per face rather than once per pair.
+struct FaceFacts {
+    bool noPlane;  ///< zero normal: the face meets nothing
+    bool bounded;  ///< boundedFace
+    bool flat;     ///< isFlatFace, as apartMargin's bound asks
+};
+FaceFacts faceFacts(const HDFace& e) {
+    return {isZero(e.normal), boundedFace(e), isFlatFace(e, faceSize(e))};
+}
+
 // The signed distances d[k] of e's vertices from the face `plane`'s plane. False, leaving d
-// unset, when e is not a boundedFace.
-bool planeDistances(const HDFace& e, const HDFace& plane, double* d) {
-    if (!boundedFace(e))
+// unset, when e is not a boundedFace (bounded: whether it is).
+bool planeDistances(const HDFace& e, bool bounded, const HDFace& plane, double* d) {
+    if (!bounded)
         return false;
     for (int k = 0; k < e.count; ++k)
         d[k] = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
@@ -145,10 +155,11 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
     return false;
 }
 
-// A face read for intersection, with its prepared data.
+// A face read for intersection, with its prepared data and its faceFacts.
 struct PreparedFace {
     HDFace face;
     FacePrep prep;
+    FaceFacts facts;
 };
 
 // The faces of obj, read and prepared once for all the registered objects. Null if the object
@@ -167,6 +178,7 @@ PreparedFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
         if (readFace(f->sect, faces[count].face)) {
             prepareFaceTests(faces[count].face, faces[count].prep);
+            faces[count].facts = faceFacts(faces[count].face);
             ++count;
         }
     }
@@ -218,11 +230,6 @@ double apartMargin(double span) {
     return hd::kFacesApartAbs + hd::kFacesApartRel * span;
 }
 
-// Both faces flat (isFlatFace), as the bound above asks.
-bool bothFlat(const HDFace& f, const HDFace& g) {
-    return isFlatFace(f, faceSize(f)) && isFlatFace(g, faceSize(g));
-}
-
 // The least and greatest of u . v over a face's vertices (NaN fails the caller's tests).
 void rangeAlong(const HDFace& e, _s_hd_point_ u, double& lo, double& hi) {
     lo = hi = vecDot(u, e.v[0]);
@@ -253,8 +260,9 @@ bool apartAlongLine(const HDFace& f, const HDFace& g, double m) {
 struct PairSides {
     bool apart, fOff, gOff;
 };
-PairSides pairSides(const HDFace& f, const HDFace& g, bool shortcuts) {
-    if (isZero(f.normal) || isZero(g.normal))
+PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const FaceFacts& gf,
+                    bool shortcuts) {
+    if (ff.noPlane || gf.noPlane)
         return {true, false, false};
     if (std::fabs(std::fabs(vecDot(f.normal, g.normal)) - 1.0) < hd::kParallelFacesTol)
         return {true, false, false};
@@ -262,15 +270,15 @@ PairSides pairSides(const HDFace& f, const HDFace& g, bool shortcuts) {
         return {false, false, false};
     const double span = commonSpan(f, g);
     const double m = apartMargin(span);
+    const bool bothFlat = ff.flat && gf.flat;
     double df[4];
     double dg[4];
-    const bool fBounded = planeDistances(f, g, df);
+    const bool fBounded = planeDistances(f, ff.bounded, g, df);
     // f's distances alone settle most pairs that lie apart; g's are worked out only when not.
-    if (fBounded && boundedFace(g) && allBeyond(df, f.count, m) && bothFlat(f, g))
+    if (fBounded && gf.bounded && bothFlat && allBeyond(df, f.count, m))
         return {true, false, false};
-    const bool gBounded = planeDistances(g, f, dg);
-    if (fBounded && gBounded && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)) &&
-        bothFlat(f, g))
+    const bool gBounded = planeDistances(g, gf.bounded, f, dg);
+    if (fBounded && gBounded && bothFlat && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)))
         return {true, false, false};
     return {false, fBounded && whollyOffPlane(f, df, span),
             gBounded && whollyOffPlane(g, dg, span)};
@@ -298,7 +306,7 @@ bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePr
 
 bool faceInterLine(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
                    _s_hd_point_& a, _s_hd_point_& b) {
-    const PairSides sides = pairSides(f, g, fp != nullptr);
+    const PairSides sides = pairSides(f, faceFacts(f), g, faceFacts(g), fp != nullptr);
     return !sides.apart && cutAlong(f, fp, g, gp, sides, a, b);
 }
 
@@ -349,13 +357,14 @@ void addCutLines(_s_hd_prof_* obj, ForEachRegistered&& forEachRegistered) {
             PreparedFace f;
             if (!readFace(fs->sect, f.face) || !extentsOverlap(f.face, all))
                 continue;
+            f.facts = faceFacts(f.face);
             bool prepared = false;  // only once a face of obj may meet it
             for (int g = 0; g < ownCount && ok; ++g) {
                 if (!extentsOverlap(f.face, own[g].face))
                     continue;
                 // getFaceInterLine with the faces' prepared data, f prepared only once a pair
                 // is left open.
-                const PairSides sides = pairSides(f.face, own[g].face, true);
+                const PairSides sides = pairSides(f.face, f.facts, own[g].face, own[g].facts, true);
                 if (sides.apart)
                     continue;
                 if (!prepared)
