@@ -136,8 +136,12 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
         const _s_hd_point_ x = linePlaneInter(plane.normal, plane.v[0], a, b, t);
         if (ep != nullptr && farOffEdge(t, ep->len2[k], a, b))
             continue;  // onSegWithin would say no
-        // The three tests depend on nothing but their arguments, so their order changes no
-        // answer: the cheap one, which most points fail, comes first.
+        // The four tests depend on nothing but their arguments, so their order changes no
+        // answer: the cheap ones come first. A point at the one kept already (where the two
+        // edges at a shared vertex pierce the other face) is passed over before it is looked
+        // for in the face.
+        if (kept == 1 && isSamePointFine(x, pts[0]))
+            continue;
         if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
             continue;
         if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k])
@@ -145,8 +149,6 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
             continue;
         if ((pp != nullptr ? isPointInFace(x, plane, *pp)
                            : isPointInFace(x, plane.count, plane.v)) == 0)
-            continue;
-        if (kept == 1 && isSamePointFine(x, pts[0]))
             continue;
         pts[kept++] = x;
         if (kept == 2)
