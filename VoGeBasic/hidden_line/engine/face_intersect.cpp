@@ -3,6 +3,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 #include "hd_engine.h"
 #include "hidden_line/engine/box_index.h"
@@ -116,6 +117,45 @@ bool whollyOffPlane(const HDFace& e, const double* d, double span) {
     return allBeyond(d, e.count, hd::kOffPlaneAbs + hd::kOffPlaneRel * span);
 }
 
+// True when edge k of e pierces the face `plane`, at x, and x is not at *same (when given: the
+// point kept already). With ep and pp (the faces' prepared data, both or neither) the faces'
+// own parts of the tests are taken from them.
+bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, const FacePrep* pp,
+               const _s_hd_point_* same, _s_hd_point_& x) {
+    const _s_hd_point_ a = e.v[k];
+    const _s_hd_point_ b = e.v[nextVertex(k, e.count)];
+    // An edge parallel to the plane meets it nowhere, or everywhere along a shared edge: the
+    // edges across it give that segment's ends.
+    if (ep != nullptr ? !crossesPlane(ep->dir[k], plane.normal)
+                      : isLineCrossPlane(a, b, plane.normal) == 0)
+        return false;
+    double t = 0.0;
+    x = linePlaneInter(plane.normal, plane.v[0], a, b, t);
+    if (ep != nullptr && farOffEdge(t, ep->len2[k], a, b))
+        return false;  // onSegWithin would say no
+    // The four tests depend on nothing but their arguments, so their order changes no answer:
+    // the cheap ones come first. A point at the one kept already (where the two edges at a
+    // shared vertex pierce the other face) is passed over before it is looked for in the face.
+    if (same != nullptr && isSamePointFine(x, *same))
+        return false;
+    if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
+        return false;
+    if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k])
+                      : isPointOnSeg(x, a, b) == 0)
+        return false;
+    return (pp != nullptr ? isPointInFace(x, plane, *pp)
+                          : isPointInFace(x, plane.count, plane.v)) != 0;
+}
+
+// Adds x to pts (kept so far: kept) unless it is at the one kept already; true once two
+// distinct points are kept.
+bool keepPoint(_s_hd_point_ x, _s_hd_point_* pts, int& kept) {
+    if (kept == 1 && isSamePointFine(x, pts[0]))
+        return false;
+    pts[kept++] = x;
+    return kept == 2;
+}
+
 // Adds to pts (kept so far: kept) the points where the edges of e pierce the face `plane`.
 // Returns true once two distinct points are kept. With ep and pp (the faces' prepared data,
 // both or neither) the faces' own parts of the tests are taken from them. offPlane says that e
@@ -125,36 +165,23 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
     if (offPlane)
         return false;
     for (int k = 0; k < e.count; ++k) {
-        const _s_hd_point_ a = e.v[k];
-        const _s_hd_point_ b = e.v[nextVertex(k, e.count)];
-        // An edge parallel to the plane meets it nowhere, or everywhere along a shared edge: the
-        // edges across it give that segment's ends.
-        if (ep != nullptr ? !crossesPlane(ep->dir[k], plane.normal)
-                          : isLineCrossPlane(a, b, plane.normal) == 0)
-            continue;
-        double t = 0.0;
-        const _s_hd_point_ x = linePlaneInter(plane.normal, plane.v[0], a, b, t);
-        if (ep != nullptr && farOffEdge(t, ep->len2[k], a, b))
-            continue;  // onSegWithin would say no
-        // The four tests depend on nothing but their arguments, so their order changes no
-        // answer: the cheap ones come first. A point at the one kept already (where the two
-        // edges at a shared vertex pierce the other face) is passed over before it is looked
-        // for in the face.
-        if (kept == 1 && isSamePointFine(x, pts[0]))
-            continue;
-        if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
-            continue;
-        if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k])
-                          : isPointOnSeg(x, a, b) == 0)
-            continue;
-        if ((pp != nullptr ? isPointInFace(x, plane, *pp)
-                           : isPointInFace(x, plane.count, plane.v)) == 0)
-            continue;
-        pts[kept++] = x;
-        if (kept == 2)
+        _s_hd_point_ x;
+        if (piercesAt(e, k, plane, ep, pp, kept == 1 ? &pts[0] : nullptr, x) &&
+            keepPoint(x, pts, kept))
             return true;
     }
     return false;
+}
+
+// Every point where an edge of e pierces the face `plane`, in edge order, as collectPiercings
+// finds them but without passing over repeats or stopping at two; returns how many (out: room
+// for four).
+int allPiercings(const HDFace& e, const HDFace& plane, const FacePrep& ep, const FacePrep& pp,
+                 bool offPlane, _s_hd_point_* out) {
+    int n = 0;
+    for (int k = 0; k < e.count && !offPlane; ++k)
+        n += piercesAt(e, k, plane, &ep, &pp, nullptr, out[n]) ? 1 : 0;
+    return n;
 }
 
 // A face read for intersection, with its prepared data and its faceFacts.
@@ -286,6 +313,15 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
             gBounded && whollyOffPlane(g, dg, span)};
 }
 
+// cutAlong's last step, for the two distinct points pts kept from the faces f and g. Two faces
+// that share an edge meet along it, and so do neighbouring faces of one smooth surface: that is
+// no intersection line. The edge is drawn already where it is an edge of the solid, and a seam
+// of a curved surface must not be drawn at all.
+bool alongEdge(const _s_hd_point_* pts, const HDFace& f, const FacePrep* fp, const HDFace& g,
+               const FacePrep* gp) {
+    return runsAlongEdge(pts[0], pts[1], f, fp) && runsAlongEdge(pts[0], pts[1], g, gp);
+}
+
 // faceInterLine for a pair that pairSides leaves open.
 bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
               const PairSides& sides, _s_hd_point_& a, _s_hd_point_& b) {
@@ -296,10 +332,7 @@ bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePr
     if (!collectPiercings(f, g, pts, kept, fp, gp, fOff) &&
         !collectPiercings(g, f, pts, kept, gp, fp, gOff))
         return false;
-    // Two faces that share an edge meet along it, and so do neighbouring faces of one smooth
-    // surface: that is no intersection line. The edge is drawn already where it is an edge of
-    // the solid, and a seam of a curved surface must not be drawn at all.
-    if (runsAlongEdge(pts[0], pts[1], f, fp) && runsAlongEdge(pts[0], pts[1], g, gp))
+    if (alongEdge(pts, f, fp, g, gp))
         return false;
     a = pts[0];
     b = pts[1];
@@ -330,6 +363,138 @@ struct ObjectFaces {
     PreparedFace* faces;
     int count;
 };
+
+// The first two distinct points of the piercings s (ns of them) and then t (nt), kept in turn
+// as collectPiercings keeps them; true when there are two.
+bool firstTwo(const _s_hd_point_* s, int ns, const _s_hd_point_* t, int nt, _s_hd_point_* pts) {
+    int kept = 0;
+    for (int k = 0; k < ns; ++k) {
+        if (keepPoint(s[k], pts, kept))
+            return true;
+    }
+    for (int k = 0; k < nt; ++k) {
+        if (keepPoint(t[k], pts, kept))
+            return true;
+    }
+    return false;
+}
+
+// True when p and q hold the same two points, to the bit, in either order.
+bool samePair(const _s_hd_point_* p, const _s_hd_point_* q) {
+    auto same = [](_s_hd_point_ u, _s_hd_point_ v) { return std::memcmp(&u, &v, sizeof u) == 0; };
+    return (same(p[0], q[0]) && same(p[1], q[1])) || (same(p[0], q[1]) && same(p[1], q[0]));
+}
+
+// The result for the pair (f, g) of one object's own faces, g before f, kept from when the pair
+// (g, f) was met; the next one kept for f is at index next (-1: none).
+struct OwnCut {
+    int g;
+    int next;
+    bool line;
+    _s_hd_point_ a, b;
+};
+
+// The pairs of one object's own faces (own; all: the common box of their extents), met as
+// addCutLines meets the faces of any object: by the face f met, each face of its own that
+// overlaps f's extents in turn, lines appended to found. Each pair is met as (f, g) and as
+// (g, f), and pairSides gives the same for both: the same products and sums in either order
+// (the normals' dot product; the common box; each face's distances from the other's plane;
+// along the line where the planes meet the direction turns round exactly, so the faces' ranges
+// along it change sign and swap, to the bit). So both are worked out when the first is met:
+// the piercings of either face's edges, which depend on nothing but the edge and the other
+// face, are found once, and kept in either order as cutAlong keeps them. A face that does not
+// overlap all is not met, and its pairs are worked out when they come. False if an allocation
+// fails.
+bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
+    const int n = own.count;
+    if (n == 0)
+        return true;
+    int* head = static_cast<int*>(std::malloc(2 * static_cast<size_t>(n) * sizeof(int)));
+    if (head == nullptr)
+        return false;
+    int* tail = head + n;
+    for (int k = 0; k < 2 * n; ++k)
+        head[k] = -1;
+    OwnCut* cuts = nullptr;
+    int used = 0;
+    int room = 0;
+    bool ok = true;
+    for (int fi = 0; fi < n && ok; ++fi) {
+        const PreparedFace& f = own.faces[fi];
+        if (!extentsOverlap(f.face, all))
+            continue;
+        for (int gi = 0; gi < n && ok; ++gi) {
+            const PreparedFace& g = own.faces[gi];
+            if (!extentsOverlap(f.face, g.face))
+                continue;
+            if (gi < fi && extentsOverlap(g.face, all)) {
+                // Met as (g, f) already: its result was kept, or the pair lies apart. Results
+                // are kept and taken for f in the order of g.
+                const int at = head[fi];
+                if (at < 0 || cuts[at].g != gi)
+                    continue;
+                head[fi] = cuts[at].next;
+                if (cuts[at].line)
+                    ok = found.append(cuts[at].a, cuts[at].b);
+                continue;
+            }
+            const PairSides sides = pairSides(f.face, f.facts, g.face, g.facts, true);
+            if (sides.apart)
+                continue;
+            _s_hd_point_ a;
+            _s_hd_point_ b;
+            if (gi <= fi) {
+                if (cutAlong(f.face, &f.prep, g.face, &g.prep, sides, a, b))
+                    ok = found.append(a, b);
+                continue;
+            }
+            _s_hd_point_ fromF[4];
+            _s_hd_point_ fromG[4];
+            const int nf = allPiercings(f.face, g.face, f.prep, g.prep, sides.fOff, fromF);
+            const int ng = allPiercings(g.face, f.face, g.prep, f.prep, sides.gOff, fromG);
+            _s_hd_point_ p[2];
+            _s_hd_point_ q[2];
+            const bool twoP = firstTwo(fromF, nf, fromG, ng, p);
+            const bool alongP = twoP && alongEdge(p, f.face, &f.prep, g.face, &g.prep);
+            const bool line = twoP && !alongP;
+            // runsAlongEdge takes its two points either way round: the same two points run
+            // along an edge of both faces in either order or in neither.
+            const bool twoQ = firstTwo(fromG, ng, fromF, nf, q);
+            const bool alongQ =
+                twoQ &&
+                (twoP && samePair(p, q) ? alongP : alongEdge(q, g.face, &g.prep, f.face, &f.prep));
+            const bool back = twoQ && !alongQ;
+            if (line)
+                ok = found.append(p[0], p[1]);
+            if (!ok || !extentsOverlap(g.face, all))
+                continue;
+            if (used == room) {
+                const int more = room == 0 ? 64 : room < INT_MAX / 2 ? 2 * room : 0;
+                auto* grown = more == 0 ? nullptr
+                                        : static_cast<OwnCut*>(std::malloc(
+                                              static_cast<size_t>(more) * sizeof(OwnCut)));
+                if (grown == nullptr) {
+                    ok = false;
+                    break;
+                }
+                if (used > 0)
+                    std::memcpy(grown, cuts, static_cast<size_t>(used) * sizeof(OwnCut));
+                std::free(cuts);
+                cuts = grown;
+                room = more;
+            }
+            cuts[used] = {fi, -1, back, q[0], q[1]};
+            if (tail[gi] >= 0)
+                cuts[tail[gi]].next = used;
+            else
+                head[gi] = used;
+            tail[gi] = used++;
+        }
+    }
+    std::free(cuts);
+    std::free(head);
+    return ok;
+}
 
 // Appends to obj's line list the segments along which its faces (own, read by readFaces) cut the
 // faces of the objects that forEachRegistered hands to its visitor, in the order it hands them,
@@ -377,8 +542,10 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
     forEachRegistered([&](const _s_hd_prof_* other, ObjectFaces read) {
         if (other == nullptr || !boxesTouch(other->box, obj->box))
             return true;
-        if (other == obj)
-            read = own;
+        if (other == obj) {
+            ok = meetOwnFaces(own, all, found);
+            return ok;
+        }
         for (int k = 0; k < read.count && ok; ++k) {
             if (extentsOverlap(read.faces[k].face, all))
                 meet(read.faces[k], true);
