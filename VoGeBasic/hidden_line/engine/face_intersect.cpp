@@ -93,11 +93,24 @@ bool allBeyond(const double* d, int count, double m) {
     return above || below;
 }
 
-// The X plus Y plus Z extent of the common box of two faces.
-double commonSpan(const HDFace& e, const HDFace& plane) {
-    return (maxOf(e.xmax, plane.xmax) - minOf(e.xmin, plane.xmin)) +
-           (maxOf(e.ymax, plane.ymax) - minOf(e.ymin, plane.ymin)) +
-           (maxOf(e.zmax, plane.zmax) - minOf(e.zmin, plane.zmin));
+// The X plus Y plus Z extent of the common box of two faces, the larger and smaller of two
+// extents taken by hi and lo.
+template <class Hi, class Lo>
+double spanOf(const HDFace& e, const HDFace& plane, Hi hi, Lo lo) {
+    return (hi(e.xmax, plane.xmax) - lo(e.xmin, plane.xmin)) +
+           (hi(e.ymax, plane.ymax) - lo(e.ymin, plane.ymin)) +
+           (hi(e.zmax, plane.zmax) - lo(e.zmin, plane.zmin));
+}
+
+// The X plus Y plus Z extent of the common box of two faces. bounded: both are boundedFace, so
+// no extent is NaN, and maxOf and minOf give what a plain comparison gives; that one compiles
+// to no branch (which extent is the larger is a toss-up from one pair to the next).
+double commonSpan(const HDFace& e, const HDFace& plane, bool bounded) {
+    if (bounded)
+        return spanOf(
+            e, plane, [](double a, double b) { return a > b ? a : b; },
+            [](double a, double b) { return a < b ? a : b; });
+    return spanOf(e, plane, maxOf, minOf);
 }
 
 // True when every vertex of e lies on one side of the face `plane`'s plane, farther from it than
@@ -297,7 +310,7 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
         return {true, false, false};
     if (!shortcuts)
         return {false, false, false};
-    const double span = commonSpan(f, g);
+    const double span = commonSpan(f, g, ff.bounded && gf.bounded);
     const double m = apartMargin(span);
     const bool bothFlat = ff.flat && gf.flat;
     double df[4];
