@@ -34,11 +34,12 @@ struct Extents {
 };
 
 // True when the extents of two faces (or boxes) overlap on all three axes (a mere touch does not
-// count).
+// count). All six comparisons are made, without a branch between them: which one fails, if any,
+// is a toss-up from one pair to the next.
 template <class F, class G>
 bool extentsOverlap(const F& f, const G& g) {
-    return f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
-           f.zmax > g.zmin && f.zmin < g.zmax;
+    return (f.xmax > g.xmin) & (f.xmin < g.xmax) & (f.ymax > g.ymin) & (f.ymin < g.ymax) &
+           (f.zmax > g.zmin) & (f.zmin < g.zmax);
 }
 
 // True when the point a + t (b - a) of an edge a -> b of squared length len2 lies on the edge's
