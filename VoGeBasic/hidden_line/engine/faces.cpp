@@ -45,10 +45,6 @@ bool isFlatFace(const HDFace& f, double size) {
            std::fabs(vecDot(f.normal, vecSub(f.v[3], f.v[0]))) <= hd::kCullFlatRel * size;
 }
 
-bool withinXYExtents(_s_hd_point_ p, const HDFace& f, double tol) {
-    return p.x >= f.xmin - tol && p.x <= f.xmax + tol && p.y >= f.ymin - tol && p.y <= f.ymax + tol;
-}
-
 bool readFace(const _s_hd_sect_* chain, HDFace& face) {
     int count = 0;
     for (const _s_hd_sect_* s = chain; s != nullptr && count < 4; s = s->next)

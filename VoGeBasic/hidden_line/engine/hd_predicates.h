@@ -7,6 +7,7 @@
 #define VOGEBASIC_HD_PREDICATES_H
 
 #include <cmath>
+#include <limits>
 
 #include "core/angles.h"
 #include "hd_records.h"
@@ -68,8 +69,18 @@ _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2
 /// The same with the plane given by its normal n and one of its points v0.
 _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b);
 /// The same, setting t to the point's parameter along a -> b (NaN when there is no point).
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
-                            double& t);
+/// Inline: face intersection works it out for nearly every edge it looks at.
+inline _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
+                                   double& t) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const _s_hd_point_ d = vecSub(b, a);
+    const double den = vecDot(n, d);
+    t = nan;
+    if (den == 0.0)
+        return {nan, nan, nan};
+    t = vecDot(n, vecSub(v0, a)) / den;
+    return linComb(1.0, a, t, d);
+}
 
 /// Where the drawing-plane projections of the line a-b and of the edge c-d cross.
 struct ProjCrossing {

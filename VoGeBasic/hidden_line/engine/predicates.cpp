@@ -1,7 +1,6 @@
 // Numeric tests of the hidden-line engine: a point on a segment, a point in a polygon, where a
 // line meets a plane, where two projections cross.
 #include <cmath>
-#include <limits>
 
 #include "core/angles.h"
 #include "hidden_line/engine/hd_engine_tolerances.h"
@@ -12,8 +11,6 @@ namespace geolib {
 namespace {
 
 using core::clampUnit;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // The angle test of isPointOnSeg on the cosine c of the angle the segment subtends.
 bool onSegAngleTest(double c) {
@@ -105,17 +102,6 @@ int isLineCrossPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
 _s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b) {
     double t = 0.0;
     return linePlaneInter(n, v0, a, b, t);
-}
-
-_s_hd_point_ linePlaneInter(_s_hd_point_ n, _s_hd_point_ v0, _s_hd_point_ a, _s_hd_point_ b,
-                            double& t) {
-    const _s_hd_point_ d = vecSub(b, a);
-    const double den = vecDot(n, d);
-    t = kNaN;
-    if (den == 0.0)
-        return {kNaN, kNaN, kNaN};
-    t = vecDot(n, vecSub(v0, a)) / den;
-    return linComb(1.0, a, t, d);
 }
 
 _s_hd_point_ getLinePlaneInter(_s_hd_point_ v0, _s_hd_point_ v1, _s_hd_point_ v2, _s_hd_point_ a,
