@@ -423,12 +423,17 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
     const int n = own.count;
     if (n == 0)
         return true;
-    int* head = static_cast<int*>(std::malloc(2 * static_cast<size_t>(n) * sizeof(int)));
+    int* head = static_cast<int*>(std::malloc(3 * static_cast<size_t>(n) * sizeof(int)));
     if (head == nullptr)
         return false;
     int* tail = head + n;
-    for (int k = 0; k < 2 * n; ++k)
-        head[k] = -1;
+    int* outside = tail + n;  // the faces not met, in order
+    int outsideCount = 0;
+    for (int k = 0; k < n; ++k) {
+        head[k] = tail[k] = -1;
+        outside[outsideCount] = k;
+        outsideCount += extentsOverlap(own.faces[k].face, all) ? 0 : 1;
+    }
     OwnCut* cuts = nullptr;
     int used = 0;
     int room = 0;
@@ -437,27 +442,40 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
         const PreparedFace& f = own.faces[fi];
         if (!extentsOverlap(f.face, all))
             continue;
-        for (int gi = 0; gi < n && ok; ++gi) {
+        // The faces g before f, in order: the results of those met were kept when (g, f) was
+        // met (none kept: the pair lies apart); the others are worked out now.
+        for (int at = head[fi], out = 0; ok;) {
+            const int kept = at >= 0 ? cuts[at].g : n;
+            const int notMet = out < outsideCount && outside[out] < fi ? outside[out] : n;
+            if (kept == n && notMet == n)
+                break;
+            if (kept < notMet) {
+                if (cuts[at].line)
+                    ok = found.append(cuts[at].a, cuts[at].b);
+                at = cuts[at].next;
+                continue;
+            }
+            ++out;
+            const PreparedFace& g = own.faces[notMet];
+            if (!extentsOverlap(f.face, g.face))
+                continue;
+            const PairSides sides = pairSides(f.face, f.facts, g.face, g.facts, true);
+            _s_hd_point_ a;
+            _s_hd_point_ b;
+            if (!sides.apart && cutAlong(f.face, &f.prep, g.face, &g.prep, sides, a, b))
+                ok = found.append(a, b);
+        }
+        // f itself and the faces after it.
+        for (int gi = fi; gi < n && ok; ++gi) {
             const PreparedFace& g = own.faces[gi];
             if (!extentsOverlap(f.face, g.face))
                 continue;
-            if (gi < fi && extentsOverlap(g.face, all)) {
-                // Met as (g, f) already: its result was kept, or the pair lies apart. Results
-                // are kept and taken for f in the order of g.
-                const int at = head[fi];
-                if (at < 0 || cuts[at].g != gi)
-                    continue;
-                head[fi] = cuts[at].next;
-                if (cuts[at].line)
-                    ok = found.append(cuts[at].a, cuts[at].b);
-                continue;
-            }
             const PairSides sides = pairSides(f.face, f.facts, g.face, g.facts, true);
             if (sides.apart)
                 continue;
             _s_hd_point_ a;
             _s_hd_point_ b;
-            if (gi <= fi) {
+            if (gi == fi) {
                 if (cutAlong(f.face, &f.prep, g.face, &g.prep, sides, a, b))
                     ok = found.append(a, b);
                 continue;
