@@ -196,8 +196,12 @@ int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point
         if (onEdge(k))
             return 1;
     }
+    // Each vertex's squared distance, and below its distance, is worked out once for both
+    // edges at it.
+    double dist2[4];
     for (int k = 0; k < count; ++k) {
-        if (pointDist2(p, v[k]) <= hd::kInFaceVertexDist2)
+        dist2[k] = pointDist2(p, v[k]);
+        if (dist2[k] <= hd::kInFaceVertexDist2)
             return 1;
     }
     // The area normal gives every edge's angle its sign: it works for any simple polygon,
@@ -206,16 +210,20 @@ int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point
         return 0;
     // The angle sum first with acosBound in place of acos: away from the tolerance's edges it
     // gives the answer, and only near them are the angles measured with acos.
+    double dist[4];
+    for (int k = 0; k < count; ++k)
+        dist[k] = std::sqrt(dist2[k]);
     double cosines[4];
     bool negative[4];
     double rough = 0.0;
     for (int k = 0; k < count; ++k) {
+        const int next = nextVertex(k, count);
         const _s_hd_point_ a = v[k];
-        const _s_hd_point_ b = v[nextVertex(k, count)];
-        const double da2 = pointDist2(p, a);
-        const double db2 = pointDist2(p, b);
+        const _s_hd_point_ b = v[next];
+        const double da2 = dist2[k];
+        const double db2 = dist2[next];
         const double ab2 = len2(k);
-        cosines[k] = core::clampUnit((da2 + db2 - ab2) / (2.0 * std::sqrt(da2) * std::sqrt(db2)));
+        cosines[k] = core::clampUnit((da2 + db2 - ab2) / (2.0 * dist[k] * dist[next]));
         negative[k] = vecDot(vecCross(vecSub(a, p), vecSub(b, p)), area) < 0.0;
         const double angle = acosBound(cosines[k]);
         rough += negative[k] ? -angle : angle;

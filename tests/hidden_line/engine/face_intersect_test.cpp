@@ -111,4 +111,57 @@ TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
     EXPECT_GT(cut, 300);
 }
 
+TEST(KestFaceIntersect, OwnFacesCutAsEachPairDoes) {
+    // One object: a prism of quads sharing edges and random faces through it and each other,
+    // none flat along an axis. Its faces meet each other pair by pair, in face order, as
+    // getFaceInterLine finds them.
+    std::mt19937 rng(11);
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    std::vector<std::vector<P>> faces;
+    for (int k = 0; k < 12; ++k) {
+        const double a = 0.5236 * k + 0.1, b = a + 0.5236;
+        faces.push_back({{3 * std::cos(a), 3 * std::sin(a), -4.3},
+                         {3 * std::cos(b), 3 * std::sin(b), -4.1},
+                         {3 * std::cos(b), 3 * std::sin(b), 4.2},
+                         {3 * std::cos(a), 3 * std::sin(a), 4.4}});
+    }
+    for (int k = 0; k < 30; ++k) {
+        const P c = {3 * u(rng), 3 * u(rng), 3 * u(rng)}, e = {u(rng), u(rng), u(rng)};
+        const P n = vecNormalize(vecCross(e, {u(rng), u(rng), u(rng)}));
+        const P e1 = vecNormalize(e), e2 = vecCross(n, e1);
+        std::vector<P> pts;
+        for (int j = 0; j < 3 + k % 2; ++j) {
+            const double a = (j + 0.3 * u(rng)) * (k % 2 ? 1.5708 : 2.0944), r = 2.0 + u(rng);
+            pts.push_back(linComb(1.0, linComb(1.0, c, r * std::cos(a), e1), r * std::sin(a), e2));
+        }
+        faces.push_back(pts);
+    }
+    const Seg first = {{0, 0, 0}, {1, 0, 0}};
+    std::vector<_s_hd_prof_*> obj = {makeObject(faces, {first})};
+    registerAll(obj);
+    std::vector<Seg> expected = {first};
+    for (const auto& fv : faces) {
+        const HDFace f = faceOf(fv);
+        FacePrep fp;
+        prepareFaceTests(f, fp);
+        for (const auto& gv : faces) {
+            const HDFace g = faceOf(gv);
+            FacePrep gp;
+            prepareFaceTests(g, gp);
+            P a{}, b{};
+            if (f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
+                f.zmax > g.zmin && f.zmin < g.zmax && getFaceInterLine(f, fp, g, gp, a, b))
+                expected.emplace_back(a, b);
+        }
+    }
+    const std::vector<Seg> got = segmentsOf(obj[0]->proline);
+    ASSERT_EQ(got.size(), expected.size());
+    EXPECT_GT(got.size(), 40u);
+    for (std::size_t k = 0; k < got.size(); ++k) {
+        EXPECT_EQ(std::memcmp(&got[k].first, &expected[k].first, sizeof(P)), 0) << k;
+        EXPECT_EQ(std::memcmp(&got[k].second, &expected[k].second, sizeof(P)), 0) << k;
+    }
+    vgscene::releaseAll(obj);
+}
+
 }  // namespace
