@@ -314,8 +314,8 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
     const double span = commonSpan(f, g, ff.bounded && gf.bounded);
     const double m = apartMargin(span);
     const bool bothFlat = ff.flat && gf.flat;
-    double df[4];
-    double dg[4];
+    double df[kMaxFaceVertices];
+    double dg[kMaxFaceVertices];
     const bool fBounded = planeDistances(f, ff.bounded, g, df);
     // f's distances alone settle most pairs that lie apart; g's are worked out only when not.
     if (fBounded && gf.bounded && bothFlat && allBeyond(df, f.count, m))
@@ -480,8 +480,8 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
                     ok = found.append(a, b);
                 continue;
             }
-            _s_hd_point_ fromF[4];
-            _s_hd_point_ fromG[4];
+            _s_hd_point_ fromF[kMaxFaceVertices];
+            _s_hd_point_ fromG[kMaxFaceVertices];
             const int nf = allPiercings(f.face, g.face, f.prep, g.prep, sides.fOff, fromF);
             const int ng = allPiercings(g.face, f.face, g.prep, f.prep, sides.gOff, fromG);
             _s_hd_point_ p[2];

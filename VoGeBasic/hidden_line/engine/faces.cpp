@@ -123,7 +123,7 @@ bool isFlatFace(const HDFace& f, double size) {
 
 bool readFace(const _s_hd_sect_* chain, HDFace& face) {
     int count = 0;
-    for (const _s_hd_sect_* s = chain; s != nullptr && count < 4; s = s->next)
+    for (const _s_hd_sect_* s = chain; s != nullptr && count < kMaxFaceVertices; s = s->next)
         face.v[count++] = s->pt;
     face.count = count;
     if (count < 3)

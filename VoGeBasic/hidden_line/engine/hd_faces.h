@@ -10,7 +10,7 @@ namespace geolib {
 /// A face as the engine reads it: its vertices in order (at most four), their extents and the
 /// unit normal of the first three.
 struct HDFace {
-    _s_hd_point_ v[4];
+    _s_hd_point_ v[kMaxFaceVertices];
     int count;
     double xmax, xmin, ymax, ymin, zmax, zmin;
     _s_hd_point_ normal;  ///< triNormal(v[0], v[1], v[2])
@@ -37,16 +37,16 @@ bool readFace(const _s_hd_sect_* chain, HDFace& face);
 /// What the face tests ask of one face alone, worked out once (edge k runs from v[k] to
 /// v[(k + 1) mod count]).
 struct FacePrep {
-    SegmentReach reach[4];  ///< segmentReach of each edge
-    double len2[4];         ///< each edge's squared length (pointDist2)
-    FlatRun run[4];         ///< each edge's run in the drawing plane
-    _s_hd_point_ dir[4];    ///< each edge's unit direction, unitDir(v[k + 1], v[k])
-    _s_hd_point_ area;      ///< the unit area normal that isPointInFace signs its angles by
+    SegmentReach reach[kMaxFaceVertices];  ///< segmentReach of each edge
+    double len2[kMaxFaceVertices];         ///< each edge's squared length (pointDist2)
+    FlatRun run[kMaxFaceVertices];         ///< each edge's run in the drawing plane
+    _s_hd_point_ dir[kMaxFaceVertices];    ///< each edge's unit direction, unitDir(v[k + 1], v[k])
+    _s_hd_point_ area;  ///< the unit area normal that isPointInFace signs its angles by
     /// The outline data (outlineOf): the margin beyond which isPointInFace knows a point's side
     /// of the outline without its angles, 0 for none (prepareEdgeTests leaves it so), and each
     /// edge's side.
     double outlineMargin;
-    signed char side[4];
+    signed char side[kMaxFaceVertices];
 };
 /// Per edge k (run length lengths[k], flatRunOf), the side of the edge's drawing-plane normal
 /// (-(b.y - a.y), b.x - a.x) that the whole face lies on: 1 or -1; 0 when the edge has no run,

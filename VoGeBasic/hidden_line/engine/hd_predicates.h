@@ -16,6 +16,10 @@
 
 namespace geolib {
 
+/// The most vertices a face holds (a chain of more is read as its first four): the face tests
+/// keep a value per vertex in tables of this size.
+constexpr int kMaxFaceVertices = 4;
+
 /// std::fmax and std::fmin, inline: a NaN argument gives the other one. Of two equal values
 /// either may come back; the callers only compare the result, so a zero's sign never matters.
 inline double maxOf(double a, double b) {
@@ -51,7 +55,8 @@ int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b);
 /// boundary: on an edge, near a vertex, or where the signed angles its edges subtend at p add
 /// up to a full turn. Each angle is signed by the side of p its edge runs past, seen along the
 /// polygon's area normal, so the angles of an outside point cancel. 0 for fewer than three
-/// vertices and for a polygon of no area (p on its outline still counts as inside).
+/// vertices, for more than kMaxFaceVertices and for a polygon of no area (p on its outline still
+/// counts as inside).
 int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v);
 /// arccos c for c in [-1, 1] by a polynomial, within 3e-8 of the true angle (rounding included):
 /// for deciding the face tests away from their tolerances' edges.
@@ -187,8 +192,8 @@ _s_hd_point_ polygonAreaNormal(int count, const _s_hd_point_* v);
 
 namespace detail {
 
-/// isPointInFace for a polygon of at least three vertices, with its unit area normal, edge k's
-/// on-edge test onEdge(k) and squared length len2(k) supplied.
+/// isPointInFace for a polygon of three to kMaxFaceVertices vertices, with its unit area normal,
+/// edge k's on-edge test onEdge(k) and squared length len2(k) supplied.
 template <class OnEdge, class EdgeLen2>
 int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point_ area,
                    OnEdge&& onEdge, EdgeLen2&& len2) {
@@ -198,7 +203,7 @@ int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point
     }
     // Each vertex's squared distance, and below its distance, is worked out once for both
     // edges at it.
-    double dist2[4];
+    double dist2[kMaxFaceVertices];
     for (int k = 0; k < count; ++k) {
         dist2[k] = pointDist2(p, v[k]);
         if (dist2[k] <= hd::kInFaceVertexDist2)
@@ -210,11 +215,11 @@ int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point
         return 0;
     // The angle sum first with acosBound in place of acos: away from the tolerance's edges it
     // gives the answer, and only near them are the angles measured with acos.
-    double dist[4];
+    double dist[kMaxFaceVertices];
     for (int k = 0; k < count; ++k)
         dist[k] = std::sqrt(dist2[k]);
-    double cosines[4];
-    bool negative[4];
+    double cosines[kMaxFaceVertices];
+    bool negative[kMaxFaceVertices];
     double rough = 0.0;
     for (int k = 0; k < count; ++k) {
         const int next = nextVertex(k, count);

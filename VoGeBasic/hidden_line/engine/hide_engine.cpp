@@ -138,8 +138,9 @@ struct FaceSpread {
 // kept for every face of a plant, it would take more room than the plant itself.
 struct CachedFace {
     HDFace face;
-    _s_hd_point_ area;     ///< faceAreaNormal(face)
-    double flatLength[4];  ///< each edge's run length in the drawing plane (flatRunOf)
+    _s_hd_point_ area;  ///< faceAreaNormal(face)
+    double
+        flatLength[kMaxFaceVertices];  ///< each edge's run length in the drawing plane (flatRunOf)
     double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
     bool prunable;
     bool flat;  ///< a triangle, or a quadrilateral in the plane of its first three vertices
@@ -147,7 +148,7 @@ struct CachedFace {
     /// the margin for the inside test, as outlineOf gives them (an edge of side 0
     /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
     /// bounded coordinates give no NaN.
-    signed char edgeSide[4];
+    signed char edgeSide[kMaxFaceVertices];
     double outlineMargin;
     double size;        ///< faceSize(face)
     FaceSpread spread;  ///< the face's XY box as centre and half sizes

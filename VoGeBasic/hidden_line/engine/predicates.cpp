@@ -70,7 +70,7 @@ int isPointOnSeg(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
 }
 
 int isPointInFace(_s_hd_point_ p, int count, const _s_hd_point_* v) {
-    if (count < 3)
+    if (count < 3 || count > kMaxFaceVertices)
         return 0;
     return detail::pointInPolygon(
         p, count, v, polygonAreaNormal(count, v),
