@@ -34,6 +34,39 @@ ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceT
                             aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, b));
 }
 
+// isLineCrossPlane(a, b, n) != 0, n a unit normal, deciding from the unnormalised direction
+// v = b - a wherever that is sure and normalising only near the tolerance. With the squared
+// length q2 (snapped as vecLength snaps it) between kSureCrossLen2Min and kSureCrossLen2Max, the
+// snapping moves the length by parts in 1e11 and the dot product v.n, here and after dividing by
+// the length there, is rounded by at most about 1e-15 of the length; so where |v.n| is farther
+// than kSureCrossBand of the length from kPlaneParallelTol times it (squares compared, rounded by
+// parts in 1e15), both give the same side. Outside that range, and for NaN, the exact test runs.
+bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
+    // Far above the 1e-15 the two dot products can differ by, per unit of length.
+    constexpr double kSureCrossBand = 1e-12;
+    // A length of at least 1e-3 keeps the snapping's part tiny and the vector far above
+    // kUnitMinLength; 1e200 keeps the squares finite.
+    constexpr double kSureCrossLen2Min = 1e-6;
+    constexpr double kSureCrossLen2Max = 1e200;
+    constexpr double kCrossAbove =
+        (hd::kPlaneParallelTol + kSureCrossBand) * (hd::kPlaneParallelTol + kSureCrossBand);
+    constexpr double kParallelBelow =
+        (hd::kPlaneParallelTol - kSureCrossBand) * (hd::kPlaneParallelTol - kSureCrossBand);
+    const _s_hd_point_ v = vecSub(b, a);
+    const double x = detail::snapComponent(v.x);
+    const double y = detail::snapComponent(v.y);
+    const double z = detail::snapComponent(v.z);
+    const double q2 = x * x + y * y + z * z;
+    if (q2 >= kSureCrossLen2Min && q2 <= kSureCrossLen2Max) {
+        const double d = vecDot(v, n);
+        if (d * d > kCrossAbove * q2)
+            return true;
+        if (d * d < kParallelBelow * q2)
+            return false;
+    }
+    return isLineCrossPlane(a, b, n) != 0;
+}
+
 // True when the point straight behind or in front of e on the face's plane lies in the face
 // and e is behind that point or level with it.
 bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
@@ -145,7 +178,7 @@ bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _
     if (parallel) {
         bool inPlane = true;
         for (int k = 0; k < 3 && inPlane; ++k)
-            inPlane = isLineCrossPlane(f.v[k], q, n) == 0 && isLineCrossPlane(f.v[k], p, n) == 0;
+            inPlane = !lineCrossesPlane(f.v[k], q, n) && !lineCrossesPlane(f.v[k], p, n);
         if (inPlane)
             return false;
     }
