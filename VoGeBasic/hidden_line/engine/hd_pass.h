@@ -127,6 +127,7 @@ public:
         /// Merges counted from the start of merging: 1 + the count when its row of a sweep last
         /// ran without a merge (0: never), and the count just after it last changed (0: never).
         size_t rowDone, changed;
+        bool dropped;  ///< merged into another piece and left out of the index
     };
     MergeScratch() = default;
     ~MergeScratch();
@@ -143,12 +144,15 @@ public:
     Piece* pieces() { return pieces_; }
     /// Room for an index of each piece, for merging without moving the pieces.
     size_t* order() { return order_; }
+    /// Room for a piece's index per merge: the piece each merge changed.
+    size_t* changes() { return changes_; }
     /// The room the pieces take.
     size_t bytes() const;
 
 private:
     Piece* pieces_ = nullptr;
     size_t* order_ = nullptr;
+    size_t* changes_ = nullptr;
     size_t capacity_ = 0;
     size_t count_ = 0;
 };

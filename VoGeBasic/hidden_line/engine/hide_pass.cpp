@@ -65,10 +65,11 @@ void mergePieces(_s_hd_proline_* head) {
 MergeScratch::~MergeScratch() {
     std::free(pieces_);
     std::free(order_);
+    std::free(changes_);
 }
 
 size_t MergeScratch::bytes() const {
-    return capacity_ * (sizeof(Piece) + sizeof(size_t));
+    return capacity_ * (sizeof(Piece) + 2 * sizeof(size_t));
 }
 
 bool MergeScratch::reserve(size_t n) {
@@ -79,17 +80,21 @@ bool MergeScratch::reserve(size_t n) {
     const size_t capacity = n < 2 * capacity_ ? 2 * capacity_ : n;
     auto* pieces = static_cast<Piece*>(std::malloc(capacity * sizeof(Piece)));
     auto* order = static_cast<size_t*>(std::malloc(capacity * sizeof(size_t)));
-    if (pieces == nullptr || order == nullptr) {
+    auto* changes = static_cast<size_t*>(std::malloc(capacity * sizeof(size_t)));
+    if (pieces == nullptr || order == nullptr || changes == nullptr) {
         std::free(pieces);
         std::free(order);
+        std::free(changes);
         return false;
     }
     for (size_t k = 0; k < count_; ++k)
         pieces[k] = pieces_[k];
     std::free(pieces_);
     std::free(order_);
+    std::free(changes_);
     pieces_ = pieces;
     order_ = order;
+    changes_ = changes;
     capacity_ = capacity;
     return true;
 }
@@ -97,7 +102,7 @@ bool MergeScratch::reserve(size_t n) {
 bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
     if (count_ == capacity_ && !reserve(count_ + 1))
         return false;
-    pieces_[count_++] = {from, to, {}, 0, 0};
+    pieces_[count_++] = {from, to, {}, 0, 0, false};
     return true;
 }
 
@@ -121,16 +126,28 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
 // a pair of A and a later B that has not changed since then either (B.changed < A.rowDone) keeps
 // failing and is skipped; so are pairs lying far apart (piecesFarApart), which would fail.
 //
+// For such a settled A the pieces left to try are those changed since its row last ran: each was
+// changed by one of the merges counted from A.rowDone on, and the merge log names the piece each
+// merge changed (the one it changed last is counted at its changed). When those merges are few
+// (kFewChanges), A is tried against just those of them still in the index and after A, in index
+// order: every piece passed over would be skipped by the full row, so the first merge found is
+// the full row's.
+//
 // The merge works through an index of the pieces, dropping a piece from the index only, and
 // leaves the pieces that remain at the front in their order.
 void mergePiecesSkippingSettled(MergeScratch& scratch) {
+    // A settled row since which at most this many merges were counted tries only the pieces they
+    // changed; after more, its full row runs (with the same skips), which gives the same merge.
+    constexpr size_t kFewChanges = 8;
     MergeScratch::Piece* pieces = scratch.pieces();
     size_t* order = scratch.order();
+    size_t* changes = scratch.changes();
     size_t n = scratch.size();
     for (size_t k = 0; k < n; ++k) {
         pieces[k].reach = segmentReach(pieces[k].start, pieces[k].end);
         pieces[k].rowDone = 0;
         pieces[k].changed = 0;
+        pieces[k].dropped = false;
         order[k] = k;
     }
     size_t merges = 0;
@@ -138,23 +155,54 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
     while (changed) {
         changed = false;
         for (size_t i = 0; i < n && !changed; ++i) {
-            MergeScratch::Piece& a = pieces[order[i]];
+            const size_t ai = order[i];
+            MergeScratch::Piece& a = pieces[ai];
             const bool settled = a.changed < a.rowDone;
-            for (size_t j = i + 1; j < n; ++j) {
-                const MergeScratch::Piece& b = pieces[order[j]];
-                if ((settled && b.changed < a.rowDone) || piecesFarApart(a, b) ||
-                    !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
-                    continue;
-                for (size_t k = j; k + 1 < n; ++k)
-                    order[k] = order[k + 1];
-                --n;
-                a.reach = segmentReach(a.start, a.end);
-                a.changed = ++merges;
-                changed = true;
-                break;
+            size_t absorbed = n;  // the index position of the piece A absorbs; n: none
+            if (settled && merges + 1 - a.rowDone <= kFewChanges) {
+                size_t tried[kFewChanges];
+                size_t count = 0;
+                for (size_t t = a.rowDone; t <= merges; ++t) {
+                    const size_t c = changes[t - 1];
+                    if (c <= ai || pieces[c].dropped || pieces[c].changed != t)
+                        continue;
+                    size_t at = count++;
+                    for (; at > 0 && tried[at - 1] > c; --at)
+                        tried[at] = tried[at - 1];
+                    tried[at] = c;
+                }
+                for (size_t k = 0; k < count; ++k) {
+                    const MergeScratch::Piece& b = pieces[tried[k]];
+                    if (piecesFarApart(a, b) ||
+                        !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
+                        continue;
+                    absorbed = i + 1;
+                    while (order[absorbed] != tried[k])
+                        ++absorbed;
+                    break;
+                }
+            } else {
+                for (size_t j = i + 1; j < n; ++j) {
+                    const MergeScratch::Piece& b = pieces[order[j]];
+                    if ((settled && b.changed < a.rowDone) || piecesFarApart(a, b) ||
+                        !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
+                        continue;
+                    absorbed = j;
+                    break;
+                }
             }
-            if (!changed)
+            if (absorbed == n) {
                 a.rowDone = merges + 1;
+                continue;
+            }
+            pieces[order[absorbed]].dropped = true;
+            for (size_t k = absorbed; k + 1 < n; ++k)
+                order[k] = order[k + 1];
+            --n;
+            a.reach = segmentReach(a.start, a.end);
+            a.changed = ++merges;
+            changes[merges - 1] = ai;
+            changed = true;
         }
     }
     // The index stays ascending, so no piece is written over before it is moved.
