@@ -79,10 +79,12 @@ double outlineOf(const HDFace& f, double size, const double* lengths, signed cha
     return usable ? hd::kCullMarginAbs + hd::kCullMarginRel * size : 0.0;
 }
 
+int pointInFaceByOutline(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) {
+    return f.count < 3 ? 0 : outlineSideOf(p, f, prep);
+}
+
 int isPointInFace(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) {
-    if (f.count < 3)
-        return 0;
-    const int known = outlineSideOf(p, f, prep);
+    const int known = pointInFaceByOutline(p, f, prep);
     if (known >= 0)
         return known;
     return detail::pointInPolygon(

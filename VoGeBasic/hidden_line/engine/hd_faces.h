@@ -61,6 +61,9 @@ void prepareFaceTests(const HDFace& face, FacePrep& prep);
 void prepareEdgeTests(const HDFace& face, FacePrep& prep, const double* flatLengths = nullptr);
 /// The face's unit area normal, as prepareFaceTests sets prep.area.
 _s_hd_point_ faceAreaNormal(const HDFace& face);
+/// isPointInFace(p, face, prep) where the face's outline data settles it without the angles: 1
+/// or 0, or -1 where it does not.
+int pointInFaceByOutline(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
 /// isPointInFace(p, face.count, face.v) with the face's data prepared.
 int isPointInFace(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
 

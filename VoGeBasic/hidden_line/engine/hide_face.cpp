@@ -78,6 +78,13 @@ bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
         return false;
     if (aids.memo == nullptr)
         return inFace(i, f, aids);
+    // Where the outline settles it (most points), asking the memo would cost more than the
+    // answer; it is the one inFace gives.
+    if (aids.prep != nullptr) {
+        const int byOutline = pointInFaceByOutline(i, f, *aids.prep);
+        if (byOutline >= 0)
+            return byOutline != 0;
+    }
     const int known = aids.memo->find(aids.face, e);
     if (known >= 0)
         return known != 0;
