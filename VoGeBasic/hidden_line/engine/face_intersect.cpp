@@ -131,6 +131,19 @@ bool whollyOffPlane(const HDFace& e, const double* d, double span) {
     return allBeyond(d, e.count, hd::kOffPlaneAbs + hd::kOffPlaneRel * span);
 }
 
+// isPointInFace(x, face.count, face.v) for the point x where the edge a -> b meets the face's
+// plane, x lying on that edge, with the face's prepared data (withOutline). Its outline data
+// answers for x as it does in the hide pass for a point where a line meets the plane, off it by
+// rounding alone, below 1e-5 at coordinates within kCullCoordLimit: here x = a + t (b - a), t =
+// n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the rounding of both dot
+// products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the plane by under
+// 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and the outline
+// test of x. Past that bound the angles are measured, as the unprepared test measures them.
+int insideFace(_s_hd_point_ x, _s_hd_point_ a, _s_hd_point_ b, const HDFace& face,
+               const FacePrep& prep) {
+    return boundedEnds(a, b) ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
+}
+
 // True when edge k of e pierces the face `plane`, at x, and x is not at *same (when given: the
 // point kept already). With ep and pp (the faces' prepared data, both or neither) the faces'
 // own parts of the tests are taken from them.
@@ -157,7 +170,7 @@ bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, 
     if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k])
                       : isPointOnSeg(x, a, b) == 0)
         return false;
-    return (pp != nullptr ? isPointInFace(x, plane, *pp)
+    return (pp != nullptr ? insideFace(x, a, b, plane, *pp)
                           : isPointInFace(x, plane.count, plane.v)) != 0;
 }
 
@@ -198,6 +211,16 @@ int allPiercings(const HDFace& e, const HDFace& plane, const FacePrep& ep, const
     return n;
 }
 
+// prepareFaceTests, and the outline data that lets isPointInFace settle most points without
+// measuring angles (outlineOf), as the hide pass prepares it.
+void withOutline(const HDFace& face, FacePrep& prep) {
+    prepareFaceTests(face, prep);
+    double lengths[kMaxFaceVertices];
+    for (int k = 0; k < face.count; ++k)
+        lengths[k] = prep.run[k].len;
+    prep.outlineMargin = outlineOf(face, faceSize(face), lengths, prep.side);
+}
+
 // A face read for intersection, with its prepared data and its faceFacts.
 struct PreparedFace {
     HDFace face;
@@ -220,7 +243,7 @@ PreparedFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
     }
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
         if (readFace(f->sect, faces[count].face)) {
-            prepareFaceTests(faces[count].face, faces[count].prep);
+            withOutline(faces[count].face, faces[count].prep);
             faces[count].facts = faceFacts(faces[count].face);
             ++count;
         }
@@ -563,7 +586,7 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
             if (sides.apart)
                 continue;
             if (!prepared)
-                prepareFaceTests(f.face, f.prep);
+                withOutline(f.face, f.prep);
             prepared = true;
             _s_hd_point_ a;
             _s_hd_point_ b;
