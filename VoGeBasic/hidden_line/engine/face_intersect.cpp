@@ -65,12 +65,39 @@ bool boundedFace(const HDFace& e) {
 
 // What pairSides asks of each face alone, worked out once per face rather than once per pair.
 struct FaceFacts {
-    bool noPlane;  ///< zero normal: the face meets nothing
-    bool bounded;  ///< boundedFace
-    bool flat;     ///< isFlatFace, as apartMargin's bound asks
+    bool noPlane;         ///< zero normal: the face meets nothing
+    bool bounded;         ///< boundedFace
+    bool flat;            ///< isFlatFace, as apartMargin's bound asks
+    _s_hd_point_ centre;  ///< the middle of the face's extents
+    double reach;         ///< half the extents' diagonal: no vertex lies farther from centre
 };
 FaceFacts faceFacts(const HDFace& e) {
-    return {isZero(e.normal), boundedFace(e), isFlatFace(e, faceSize(e))};
+    const double size = faceSize(e);
+    const _s_hd_point_ centre = {0.5 * (e.xmax + e.xmin), 0.5 * (e.ymax + e.ymin),
+                                 0.5 * (e.zmax + e.zmin)};
+    const double dx = e.xmax - e.xmin;
+    const double dy = e.ymax - e.ymin;
+    const double dz = e.zmax - e.zmin;
+    return {isZero(e.normal), boundedFace(e), isFlatFace(e, size), centre,
+            0.5 * std::sqrt(dx * dx + dy * dy + dz * dz)};
+}
+
+// Covers the rounding in wellBeyond: a few 1e-6 at coordinates within kCullCoordLimit.
+constexpr double kWellBeyondSlack = 1e-4;
+
+// True when every vertex of the face e (its facts ef; both faces boundedFace) lies on one side of
+// the face `plane`'s plane, farther from it than m, and planeDistances and allBeyond would say so:
+// when e's centre lies farther than its reach plus m plus kWellBeyondSlack from the plane. One
+// distance in place of e.count. The extents are the least and greatest vertex coordinates, so
+// each vertex v lies within the extents' half diagonal of the true centre, and the unit normal n
+// (its length within 1e-15 of 1) moves n . (v - v0) from n . (centre - v0) by at most that much.
+// Rounding, at coordinates within kCullCoordLimit, puts the centre, the reach, the distance worked
+// out here and each one planeDistances works out within 2e-6 of the true values: every distance
+// allBeyond compares lies beyond m by over 9e-5. NaN fails.
+bool wellBeyond(const FaceFacts& ef, const HDFace& plane, double m) {
+    const double d = vecDot(plane.normal, vecSub(ef.centre, plane.v[0]));
+    const double far = ef.reach + m + kWellBeyondSlack;
+    return d > far || d < -far;
 }
 
 // The signed distances d[k] of e's vertices from the face `plane`'s plane. False, leaving d
@@ -337,11 +364,17 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
     const double span = commonSpan(f, g, ff.bounded && gf.bounded);
     const double m = apartMargin(span);
     const bool bothFlat = ff.flat && gf.flat;
+    // f's distances alone settle most pairs that lie apart, and its centre's distance most of
+    // those; g's are worked out only when not.
+    const bool cullable = ff.bounded && gf.bounded && bothFlat;
+    if (cullable && wellBeyond(ff, g, m))
+        return {true, false, false};
     double df[kMaxFaceVertices];
     double dg[kMaxFaceVertices];
     const bool fBounded = planeDistances(f, ff.bounded, g, df);
-    // f's distances alone settle most pairs that lie apart; g's are worked out only when not.
     if (fBounded && gf.bounded && bothFlat && allBeyond(df, f.count, m))
+        return {true, false, false};
+    if (cullable && wellBeyond(gf, f, m))
         return {true, false, false};
     const bool gBounded = planeDistances(g, gf.bounded, f, dg);
     if (fBounded && gBounded && bothFlat && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)))
