@@ -65,12 +65,39 @@ bool boundedFace(const HDFace& e) {
 
 // What pairSides asks of each face alone, worked out once per face rather than once per pair.
 struct FaceFacts {
-    bool noPlane;  ///< zero normal: the face meets nothing
-    bool bounded;  ///< boundedFace
-    bool flat;     ///< isFlatFace, as apartMargin's bound asks
+    bool noPlane;         ///< zero normal: the face meets nothing
+    bool bounded;         ///< boundedFace
+    bool flat;            ///< isFlatFace, as apartMargin's bound asks
+    _s_hd_point_ centre;  ///< the middle of the face's extents
+    double reach;         ///< half the extents' diagonal: no vertex lies farther from centre
 };
 FaceFacts faceFacts(const HDFace& e) {
-    return {isZero(e.normal), boundedFace(e), isFlatFace(e, faceSize(e))};
+    const double size = faceSize(e);
+    const _s_hd_point_ centre = {0.5 * (e.xmax + e.xmin), 0.5 * (e.ymax + e.ymin),
+                                 0.5 * (e.zmax + e.zmin)};
+    const double dx = e.xmax - e.xmin;
+    const double dy = e.ymax - e.ymin;
+    const double dz = e.zmax - e.zmin;
+    return {isZero(e.normal), boundedFace(e), isFlatFace(e, size), centre,
+            0.5 * std::sqrt(dx * dx + dy * dy + dz * dz)};
+}
+
+// Covers the rounding in wellBeyond: a few 1e-6 at coordinates within kCullCoordLimit.
+constexpr double kWellBeyondSlack = 1e-4;
+
+// True when every vertex of the face e (its facts ef; both faces boundedFace) lies on one side of
+// the face `plane`'s plane, farther from it than m, and planeDistances and allBeyond would say so:
+// when e's centre lies farther than its reach plus m plus kWellBeyondSlack from the plane. One
+// distance in place of e.count. The extents are the least and greatest vertex coordinates, so
+// each vertex v lies within the extents' half diagonal of the true centre, and the unit normal n
+// (its length within 1e-15 of 1) moves n . (v - v0) from n . (centre - v0) by at most that much.
+// Rounding, at coordinates within kCullCoordLimit, puts the centre, the reach, the distance worked
+// out here and each one planeDistances works out within 2e-6 of the true values: every distance
+// allBeyond compares lies beyond m by over 9e-5. NaN fails.
+bool wellBeyond(const FaceFacts& ef, const HDFace& plane, double m) {
+    const double d = vecDot(plane.normal, vecSub(ef.centre, plane.v[0]));
+    const double far = ef.reach + m + kWellBeyondSlack;
+    return d > far || d < -far;
 }
 
 // The signed distances d[k] of e's vertices from the face `plane`'s plane. False, leaving d
@@ -131,6 +158,19 @@ bool whollyOffPlane(const HDFace& e, const double* d, double span) {
     return allBeyond(d, e.count, hd::kOffPlaneAbs + hd::kOffPlaneRel * span);
 }
 
+// isPointInFace(x, face.count, face.v) for the point x where the edge a -> b meets the face's
+// plane, x lying on that edge, with the face's prepared data (withOutline). Its outline data
+// answers for x as it does in the hide pass for a point where a line meets the plane, off it by
+// rounding alone, below 1e-5 at coordinates within kCullCoordLimit: here x = a + t (b - a), t =
+// n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the rounding of both dot
+// products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the plane by under
+// 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and the outline
+// test of x. Past that bound the angles are measured, as the unprepared test measures them.
+int insideFace(_s_hd_point_ x, _s_hd_point_ a, _s_hd_point_ b, const HDFace& face,
+               const FacePrep& prep) {
+    return boundedEnds(a, b) ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
+}
+
 // True when edge k of e pierces the face `plane`, at x, and x is not at *same (when given: the
 // point kept already). With ep and pp (the faces' prepared data, both or neither) the faces'
 // own parts of the tests are taken from them.
@@ -157,7 +197,7 @@ bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, 
     if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k])
                       : isPointOnSeg(x, a, b) == 0)
         return false;
-    return (pp != nullptr ? isPointInFace(x, plane, *pp)
+    return (pp != nullptr ? insideFace(x, a, b, plane, *pp)
                           : isPointInFace(x, plane.count, plane.v)) != 0;
 }
 
@@ -198,6 +238,16 @@ int allPiercings(const HDFace& e, const HDFace& plane, const FacePrep& ep, const
     return n;
 }
 
+// prepareFaceTests, and the outline data that lets isPointInFace settle most points without
+// measuring angles (outlineOf), as the hide pass prepares it.
+void withOutline(const HDFace& face, FacePrep& prep) {
+    prepareFaceTests(face, prep);
+    double lengths[kMaxFaceVertices];
+    for (int k = 0; k < face.count; ++k)
+        lengths[k] = prep.run[k].len;
+    prep.outlineMargin = outlineOf(face, faceSize(face), lengths, prep.side);
+}
+
 // A face read for intersection, with its prepared data and its faceFacts.
 struct PreparedFace {
     HDFace face;
@@ -220,7 +270,7 @@ PreparedFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
     }
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
         if (readFace(f->sect, faces[count].face)) {
-            prepareFaceTests(faces[count].face, faces[count].prep);
+            withOutline(faces[count].face, faces[count].prep);
             faces[count].facts = faceFacts(faces[count].face);
             ++count;
         }
@@ -314,11 +364,17 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
     const double span = commonSpan(f, g, ff.bounded && gf.bounded);
     const double m = apartMargin(span);
     const bool bothFlat = ff.flat && gf.flat;
+    // f's distances alone settle most pairs that lie apart, and its centre's distance most of
+    // those; g's are worked out only when not.
+    const bool cullable = ff.bounded && gf.bounded && bothFlat;
+    if (cullable && wellBeyond(ff, g, m))
+        return {true, false, false};
     double df[kMaxFaceVertices];
     double dg[kMaxFaceVertices];
     const bool fBounded = planeDistances(f, ff.bounded, g, df);
-    // f's distances alone settle most pairs that lie apart; g's are worked out only when not.
     if (fBounded && gf.bounded && bothFlat && allBeyond(df, f.count, m))
+        return {true, false, false};
+    if (cullable && wellBeyond(gf, f, m))
         return {true, false, false};
     const bool gBounded = planeDistances(g, gf.bounded, f, dg);
     if (fBounded && gBounded && bothFlat && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)))
@@ -563,7 +619,7 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
             if (sides.apart)
                 continue;
             if (!prepared)
-                prepareFaceTests(f.face, f.prep);
+                withOutline(f.face, f.prep);
             prepared = true;
             _s_hd_point_ a;
             _s_hd_point_ b;
