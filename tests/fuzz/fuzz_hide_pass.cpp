@@ -3,7 +3,6 @@
 // that the engine gives what the plain step-by-step pass gives, node for node and bit for bit, and
 // that the visible pieces lie on their lines, in order from each line's near end and disjoint.
 #include <cmath>
-#include <cstring>
 #include <vector>
 
 #include "hd_engine.h"
@@ -181,10 +180,6 @@ void checkBox(const _s_hd_prof_* obj) {
         VG_FUZZ_CHECK(inside(l->start) && inside(l->end), "the box holds every line");
 }
 
-bool sameBits(P a, P b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -199,12 +194,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             if (first && objs.back() != nullptr)
                 checkBox(objs.back());
         }
-        if (in.ConsumeBool()) {
-            std::vector<_s_hd_prof_*> registry(objs.size() + 1, nullptr);
-            int count = 0;
-            for (_s_hd_prof_* o : objs)
-                kestFaceIntersect(o, registry.data(), count, static_cast<int>(objs.size()));
-        }
+        if (in.ConsumeBool())
+            enginetest::registerAll(objs);
         return objs;
     };
     std::vector<_s_hd_prof_*> objs = build(true), copies = build(false);
@@ -212,14 +203,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     _s_hd_proline_* engine = kestHideObject(objs.data(), static_cast<int>(objs.size()));
     _s_hd_proline_* reference =
         kestHideObjectReference(copies.data(), static_cast<int>(copies.size()));
-    const _s_hd_proline_* a = engine;
-    const _s_hd_proline_* b = reference;
-    for (; a != nullptr && b != nullptr; a = a->next, b = b->next) {
-        VG_FUZZ_CHECK(
-            sameBits(a->start, b->start) && sameBits(a->end, b->end) && a->owner == b->owner,
-            "the engine gives what the reference pass gives");
-    }
-    VG_FUZZ_CHECK(a == nullptr && b == nullptr, "the engine gives as many pieces as the reference");
+    VG_FUZZ_CHECK(enginetest::firstDifference(engine, reference) < 0,
+                  "the engine gives what the reference pass gives, node for node");
     const char* problem = enginetest::piecesProblem(objs, engine);
     VG_FUZZ_CHECK(problem == nullptr, problem);
 

@@ -37,10 +37,7 @@ TEST(Drawing, VisibleAndHiddenPiecesCoverEveryLine) {
                 objs.push_back(o);
         }
         const int n = static_cast<int>(objs.size());
-        std::vector<_s_hd_prof_*> registry(objs.size() + 1, nullptr);
-        int count = 0;
-        for (_s_hd_prof_* o : objs)
-            geolib::kestFaceIntersect(o, registry.data(), count, n);
+        geolib::kestFaceIntersectAll(objs.data(), n);
         _s_hd_proline_* visible = geolib::kestHideObject(objs.data(), n);
         const vogedraw::Drawing d = vogedraw::splitPieces(objs.data(), n, visible);
         double lines = 0, drawn = 0;

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <random>
 #include <vector>
 
@@ -14,11 +13,16 @@ namespace {
 using namespace geolib;
 using namespace enginetest;
 
-void registerAll(std::vector<_s_hd_prof_*>& objs) {
-    std::vector<_s_hd_prof_*> registry(objs.size() + 1, nullptr);
-    int count = 0;
-    for (_s_hd_prof_* o : objs)
-        kestFaceIntersect(o, registry.data(), count, static_cast<int>(objs.size()));
+// A convex face about c in the plane of e1 and e2, a triangle or a quadrilateral: its corners at
+// radius r + spread u and a step's angle jittered by 0.3 u, each u uniform in [-1, 1].
+std::vector<P> polygon(std::mt19937& rng, P c, P e1, P e2, double r, double spread, bool tri) {
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    std::vector<P> pts;
+    for (int k = 0; k < (tri ? 3 : 4); ++k) {
+        const double a = (k + 0.3 * u(rng)) * (tri ? 2.0944 : 1.5708), rk = r + spread * u(rng);
+        pts.push_back(linComb(1.0, linComb(1.0, c, rk * std::cos(a), e1), rk * std::sin(a), e2));
+    }
+    return pts;
 }
 
 TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo) {
@@ -62,14 +66,6 @@ TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
     std::mt19937 rng(7);
     std::uniform_real_distribution<double> u(-1.0, 1.0);
     auto unit = [&] { return vecNormalize({u(rng), u(rng), u(rng)}); };
-    auto polygon = [&](P c, P e1, P e2, double r, bool tri) {
-        std::vector<P> pts;
-        for (int k = 0; k < (tri ? 3 : 4); ++k) {
-            const double a = (k + 0.4 * u(rng)) * (tri ? 2.0944 : 1.5708);
-            pts.push_back(linComb(1.0, linComb(1.0, c, r * std::cos(a), e1), r * std::sin(a), e2));
-        }
-        return pts;
-    };
     // Moves pts along axis so that their least extent along it lies gap beyond the others'
     // greatest.
     auto setGap = [](std::vector<P>& pts, const std::vector<P>& others, P axis, double gap) {
@@ -88,11 +84,11 @@ TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
         const P e1 = vecNormalize(vecCross(n, unit()));
         const P e2 = vecCross(n, e1);
         const P o = {1000 * u(rng), 1000 * u(rng), 1000 * u(rng)};
-        const std::vector<P> gv = polygon(o, e1, e2, r, trial % 2 == 0);
+        const std::vector<P> gv = polygon(rng, o, e1, e2, r, 0.0, trial % 2 == 0);
         const double turn = (trial % 3 == 0 ? 0.01 : 1.5) * u(rng);
         const P t2 = linComb(std::cos(turn), e2, std::sin(turn), n);
         const P c = linComb(1.0, o, r * u(rng), e1);
-        std::vector<P> fv = polygon(c, e1, t2, r * (1.0 + 0.9 * u(rng)), trial % 4 < 2);
+        std::vector<P> fv = polygon(rng, c, e1, t2, r * (1.0 + 0.9 * u(rng)), 0.0, trial % 4 < 2);
         const double gap = std::copysign(std::pow(10.0, 3.5 * u(rng) - 3.5), u(rng));
         setGap(fv, gv, trial % 5 < 2 ? vecNormalize(vecCross(n, vecCross(e1, t2))) : n, gap);
         const HDFace f = faceOf(fv), g = faceOf(gv);
@@ -104,8 +100,8 @@ TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
         ASSERT_EQ(getFaceInterLine(f, fp, g, gp, pa, pb), plain) << trial;
         if (plain) {
             ++cut;
-            EXPECT_EQ(std::memcmp(&a, &pa, sizeof a), 0) << trial;
-            EXPECT_EQ(std::memcmp(&b, &pb, sizeof b), 0) << trial;
+            EXPECT_TRUE(sameBits(a, pa)) << trial;
+            EXPECT_TRUE(sameBits(b, pb)) << trial;
         }
     }
     EXPECT_GT(cut, 300);
@@ -129,12 +125,7 @@ TEST(KestFaceIntersect, OwnFacesCutAsEachPairDoes) {
         const P c = {3 * u(rng), 3 * u(rng), 3 * u(rng)}, e = {u(rng), u(rng), u(rng)};
         const P n = vecNormalize(vecCross(e, {u(rng), u(rng), u(rng)}));
         const P e1 = vecNormalize(e), e2 = vecCross(n, e1);
-        std::vector<P> pts;
-        for (int j = 0; j < 3 + k % 2; ++j) {
-            const double a = (j + 0.3 * u(rng)) * (k % 2 ? 1.5708 : 2.0944), r = 2.0 + u(rng);
-            pts.push_back(linComb(1.0, linComb(1.0, c, r * std::cos(a), e1), r * std::sin(a), e2));
-        }
-        faces.push_back(pts);
+        faces.push_back(polygon(rng, c, e1, e2, 2.0, 1.0, k % 2 == 0));
     }
     const Seg first = {{0, 0, 0}, {1, 0, 0}};
     std::vector<_s_hd_prof_*> obj = {makeObject(faces, {first})};
@@ -158,8 +149,8 @@ TEST(KestFaceIntersect, OwnFacesCutAsEachPairDoes) {
     ASSERT_EQ(got.size(), expected.size());
     EXPECT_GT(got.size(), 40u);
     for (std::size_t k = 0; k < got.size(); ++k) {
-        EXPECT_EQ(std::memcmp(&got[k].first, &expected[k].first, sizeof(P)), 0) << k;
-        EXPECT_EQ(std::memcmp(&got[k].second, &expected[k].second, sizeof(P)), 0) << k;
+        EXPECT_TRUE(sameBits(got[k].first, expected[k].first)) << k;
+        EXPECT_TRUE(sameBits(got[k].second, expected[k].second)) << k;
     }
     vgscene::releaseAll(obj);
 }

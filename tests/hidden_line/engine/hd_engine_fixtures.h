@@ -3,10 +3,12 @@
 #define VOGEBASIC_TESTS_HD_ENGINE_FIXTURES_H
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <utility>
 #include <vector>
 
+#include "hd_engine.h"
 #include "hd_records.h"
 #include "hd_tessellators.h"
 #include "hidden_line/engine/hd_face_intersect.h"
@@ -51,6 +53,30 @@ inline geolib::_s_hd_prof_* makeObject(const std::vector<std::vector<P>>& faces,
     for (std::size_t i = 0; i < pts.size(); ++i)
         i == 0 ? draft.seedBox(pts[i]) : draft.extendBox(pts[i]);
     return draft.finish();
+}
+
+/// Registers the objects for face intersection one by one, as a caller adding them in turn does.
+inline void registerAll(std::vector<geolib::_s_hd_prof_*>& objs) {
+    std::vector<geolib::_s_hd_prof_*> registry(objs.size() + 1, nullptr);
+    int count = 0;
+    for (geolib::_s_hd_prof_* o : objs)
+        geolib::kestFaceIntersect(o, registry.data(), count, static_cast<int>(objs.size()));
+}
+
+/// The same point to the bit.
+inline bool sameBits(const P& a, const P& b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+/// The index of the first node where two lists of pieces differ (start, end or owner not the
+/// same to the bit, or one list ending first); -1 when they are the same node for node.
+inline long firstDifference(const geolib::_s_hd_proline_* a, const geolib::_s_hd_proline_* b) {
+    for (long k = 0;; a = a->next, b = b->next, ++k) {
+        if (a == nullptr || b == nullptr)
+            return a == b ? -1 : k;
+        if (!sameBits(a->start, b->start) || !sameBits(a->end, b->end) || a->owner != b->owner)
+            return k;
+    }
 }
 
 /// The lines of a list as segments, start to end.

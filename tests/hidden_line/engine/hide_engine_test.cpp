@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -30,20 +29,10 @@ namespace {
 using namespace geolib;
 using enginetest::P;
 
-bool samePoint(const _s_hd_point_& a, const _s_hd_point_& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
 // Node for node and bit for bit: the same pieces with the same owners in the same order.
-void expectSameLists(const _s_hd_proline_* a, const _s_hd_proline_* b) {
-    long k = 0;
-    for (; a != nullptr && b != nullptr; a = a->next, b = b->next, ++k) {
-        ASSERT_TRUE(samePoint(a->start, b->start)) << "start of node " << k;
-        ASSERT_TRUE(samePoint(a->end, b->end)) << "end of node " << k;
-        ASSERT_EQ(a->owner, b->owner) << "owner of node " << k;
-    }
-    EXPECT_EQ(a, nullptr) << "the engine gives more than " << k << " nodes";
-    EXPECT_EQ(b, nullptr) << "the reference gives more than " << k << " nodes";
+void expectSameLists(const _s_hd_proline_* engine, const _s_hd_proline_* reference) {
+    EXPECT_EQ(enginetest::firstDifference(engine, reference), -1)
+        << "the engine and the reference part at that node";
 }
 
 // Two copies of a scene, one registered for face intersection in one call, the other object by
@@ -53,10 +42,7 @@ void expectEngineMatchesReference(std::vector<_s_hd_prof_*> forEngine,
                                   std::vector<_s_hd_prof_*> forReference) {
     const int n = static_cast<int>(forEngine.size());
     kestFaceIntersectAll(forEngine.data(), n);
-    std::vector<_s_hd_prof_*> registry(forReference.size() + 1, nullptr);
-    int count = 0;
-    for (_s_hd_prof_* o : forReference)
-        kestFaceIntersect(o, registry.data(), count, n);
+    enginetest::registerAll(forReference);
     for (int pass = 0; pass < 2; ++pass) {
         for (int i = 0; i < n; ++i) {
             if (forEngine[i] != nullptr)
@@ -81,17 +67,7 @@ std::vector<vgscene::Primitive> degenerateScene() {
     using K = vgscene::Primitive::Kind;
     std::vector<vgscene::Primitive> out;
     auto put = [&](K kind, double a, double b, double c, P center, P normal, P pa = {}, P pb = {}) {
-        out.emplace_back();
-        vgscene::Primitive& p = out.back();
-        p.kind = kind;
-        p.a = a;
-        p.b = b;
-        p.c = c;
-        p.center = center;
-        p.normal = normal;
-        p.pa = pa;
-        p.pb = pb;
-        return &p;
+        out.push_back({kind, a, b, c, {}, {}, {}, pa, pb, {}, 0, center, normal, 0, 0, {}});
     };
     put(K::Sphere, 2.0, 0, 0, {0, 0, 0}, {});
     put(K::Cone, 0.5, 0.5, 0, {}, {}, {0, 0, -5}, {0, 0, 1});
@@ -103,9 +79,9 @@ std::vector<vgscene::Primitive> degenerateScene() {
         {0.8 * 0.866, 5, 1 - 0.8 * 0.3});
     put(K::Head, 1.2, 0.6, 0.1, {-4, 3, 0}, {0, 0, -1});
     put(K::Head, 1.2, 0.6, 0.0, {-4, -3, 0}, {1, 0, 0});
-    vgscene::Primitive* ring = put(K::RingPlate, 0.6, 1.6, 0.2, {0, 0, -3}, {0, 0, 1});
-    ring->a0 = 0.5;
-    ring->a1 = 5.0;
+    put(K::RingPlate, 0.6, 1.6, 0.2, {0, 0, -3}, {0, 0, 1});
+    out.back().a0 = 0.5;
+    out.back().a1 = 5.0;
     return out;
 }
 
