@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "VoGeCircle3d.h"
 #include "clip_params.h"
@@ -19,10 +18,10 @@ namespace {
 using namespace geolib;
 using vgtest::Intervals;
 using vgtest::intervalsOf;
+using vgtest::kNaN;
 using vgtest::kTwoPi;
 using vgtest::polygonOf;
 using P = VoGePoint3D;
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 Intervals visibleOf(convex* polys, P s, P e) {
     line_cut* piece = polygonTrimLine(polys, s, e);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "support/test_constants.h"
 
@@ -11,8 +10,8 @@ namespace {
 
 using namespace geolib;
 using P = VoGePoint3D;
+using vgtest::kNaN;
 using vgtest::kPi;
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // Codes along and around a segment (ends within 1e-4, parameters read off the largest
 // component), of a segment without length, and NaN anywhere off the line.

@@ -6,12 +6,15 @@
 #include <cmath>
 #include <cstdint>
 #include <initializer_list>
+#include <limits>
 
 namespace vgtest {
 
 /// pi and the full turn as the doubles nearest to them.
 constexpr double kPi = 3.141592653589793;
 constexpr double kTwoPi = 6.283185307179586;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
 
 /// True when every value is finite and at most limit in magnitude.
 inline bool ordinary(std::initializer_list<double> values, double limit = 1e6) {

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -20,7 +19,7 @@ namespace enginetest {
 
 using P = geolib::_s_hd_point_;
 using Seg = std::pair<P, P>;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+using vgtest::kNaN;
 
 /// The face as the engine reads it.
 inline geolib::HDFace faceOf(const std::vector<P>& pts) {

@@ -17,7 +17,6 @@
 #include <cmath>
 #include <functional>
 #include <initializer_list>
-#include <limits>
 #include <map>
 #include <string>
 #include <utility>
@@ -39,9 +38,9 @@ using geolib::vecDot;
 using geolib::vecSub;
 /// A true edge as a dense polyline; a single point is an apex.
 using Curve = std::vector<P>;
+using vgtest::kInf;
+using vgtest::kNaN;
 using vgtest::kTwoPi;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 
 inline P add(P a, P b, double s = 1.0) {
     return {a.x + s * b.x, a.y + s * b.y, a.z + s * b.z};
@@ -214,19 +213,14 @@ inline Outline xy(std::initializer_list<double> v) {
 struct Solid {
     std::vector<Curve> rims;           // sharp edges: a line may be a chord of one
     std::vector<Curve> contours;       // contour generators in the view along Z
-    std::vector<P> samples;            // points of the surface: their XY extremes are outline
+    std::vector<P> samples;            // surface points whose XY extremes are outline; none:
+                                       // the rims' points (the contours' without rims)
     std::function<double(P)> surface;  // distance to the surface; none: to the rims and contours
     double surfaceTol = 1e-6;          // relative to the object's size
     double outlineTol = 0.0;           // how far the drawing may stray; 0: the largest sagitta
     bool facesOutline = true;          // lines are the faces' own outline, not the true contours
-    bool flat = false;                 // flat-faced: every line is a true edge and a sharp one
     bool drawing = true;               // false: only the faces and the vertices are checked
 };
-inline Solid flatSolid() {
-    Solid s;
-    s.flat = true;
-    return s;
-}
 
 /// Runs every check above on obj (which it releases) against the shape s.
 inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string& what) {
@@ -248,13 +242,16 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
     const double* box = obj->box;
     const double size = std::hypot(box[0] - box[1], box[2] - box[3], box[4] - box[5]);
     const double tol = 1e-6 * size;
-    if (s.flat) {
-        for (const auto& [a, b] : lines)
-            s.rims.push_back({a, b});
-        s.samples = pts;
-    }
+    // A solid given without rims or contours is flat-faced: every line is a true edge and a
+    // sharp one.
+    const bool flat = s.rims.empty() && s.contours.empty();
+    for (std::size_t i = 0; flat && i < lines.size(); ++i)
+        s.rims.push_back({lines[i].first, lines[i].second});
     std::vector<Curve> all = s.rims;
     all.insert(all.end(), s.contours.begin(), s.contours.end());
+    const bool sampleCurves = s.samples.empty();
+    for (std::size_t i = 0; sampleCurves && i < all.size(); ++i)
+        s.samples.insert(s.samples.end(), all[i].begin(), all[i].end());
     if (!s.surface)
         s.surface = [&](P p) { return distToCurves(p, all); };
     double want[6] = {-HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL}, off = 0.0;
@@ -316,7 +313,7 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
         const Key k = std::min(key(a, b), key(b, a));
         EXPECT_EQ(++drawn[k], 1) << "a line is drawn twice";
         const P mid = scaled(0.5, add(a, b));
-        bool sharp = s.flat;
+        bool sharp = flat;
         double own = HUGE_VAL;  // the sagitta to the curve the line was cut from
         for (std::size_t c = 0; c < all.size(); ++c) {
             if (distToCurve(a, all[c]) > tol || distToCurve(b, all[c]) > tol)

@@ -19,11 +19,10 @@ TEST(FlatFacedSolids, TurnedEveryWayAreClosedAndDrawnByTheirEdges) {
         const P v = unit(w), o{1, -2, 5};
         if (norm(w) < 0.1)
             continue;
-        expectTrueSolid(ep_divide_box(3, 2, 1, o, u, v, 1), flatSolid(),
-                        "box " + std::to_string(i));
+        expectTrueSolid(ep_divide_box(3, 2, 1, o, u, v, 1), Solid{}, "box " + std::to_string(i));
         // A wedge extruded by a negative height is wound outward (a positive one inward).
         if (std::fabs(vecCross(u, v).z) > 0.1)
-            expectTrueSolid(ep_divide_wed(add(o, u, 2), o, add(o, v, 1.5), -2), flatSolid(),
+            expectTrueSolid(ep_divide_wed(add(o, u, 2), o, add(o, v, 1.5), -2), Solid{},
                             "wedge " + std::to_string(i));
     }
 }

@@ -18,8 +18,6 @@ Solid ruled(const Rim& a, const Rim& b, bool apexA = false, bool apexB = false) 
     Solid s;
     s.rims = {apexA ? Curve{a(0)} : curve(a), apexB ? Curve{b(0)} : curve(b)};
     s.contours = contourGenerators(a, b);
-    for (const Curve& c : s.rims)
-        s.samples.insert(s.samples.end(), c.begin(), c.end());
     return s;
 }
 

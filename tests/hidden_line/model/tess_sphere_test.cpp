@@ -20,7 +20,6 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
         const P c{gen(-50, 50), -logUniform(gen, 0.1, 100), gen(-500, 500)};
         Solid s;
         s.contours = {curve(circleAt(c, r, {0, 0, 1}))};
-        s.samples = s.contours[0];
         s.surface = [&](P p) { return norm(vecSub(p, c)) - r; };
         expectTrueSolid(ep_divide_sph(c, r), s, "sphere " + std::to_string(i));
     }
@@ -56,8 +55,6 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
             const auto walls = contourGenerators(at(r, 0), at(r, t), a0, end);
             s.contours.insert(s.contours.end(), walls.begin(), walls.end());
         }
-        for (const Curve& r : s.rims)
-            s.samples.insert(s.samples.end(), r.begin(), r.end());
         expectTrueSolid(ep_divide_sad(ri, ro, t, c, a0, a1, scaled(3, k)), s,
                         "plate " + std::to_string(i));
     }

@@ -57,8 +57,6 @@ Solid prism(const Outline& base, P d) {
         n = add(n, vecCross(base[i], base[(i + 1) % base.size()]));
     }
     s.rims.insert(s.rims.end(), {closed(base), closed(top)});
-    s.samples = base;
-    s.samples.insert(s.samples.end(), top.begin(), top.end());
     n = unit(n);
     const double hd = vecDot(d, n);
     const P b0 = base[0];
@@ -159,7 +157,6 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
                 }
                 for (std::size_t v = 0; v < arcs.size(); ++v) {
                     s.rims.push_back(curve(arcs[v], 0.0, angle));
-                    s.samples.insert(s.samples.end(), s.rims.back().begin(), s.rims.back().end());
                     const auto sil =
                         contourGenerators(arcs[v], arcs[(v + 1) % arcs.size()], 0, angle);
                     s.contours.insert(s.contours.end(), sil.begin(), sil.end());
@@ -211,8 +208,6 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
         s.rims = {closed({corner[0], corner[1], corner[2], corner[3]}), curve(round)};
         s.contours = contourGenerators([&](double t) { return piece(t, true); },
                                        [&](double t) { return piece(t, false); });
-        s.samples = s.rims[1];
-        s.samples.insert(s.samples.end(), corner, corner + 4);
         expectTrueSolid(ep_divide_squcir(o, w, h, x, y, c, r), s, "squcir " + id);
     }
 }
