@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "clipping/clip_test_support.h"
 
@@ -19,7 +18,6 @@ constexpr double kIn = 0.5e-6, kOut = 2e-6;  // inside and outside the end toler
 
 // The tolerance boundaries of one cut [a, b] on a list: the return value and the list after.
 TEST(SubParamt, CutsAtTheToleranceBoundaries) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         bool isArc;
         Intervals list;
@@ -33,7 +31,7 @@ TEST(SubParamt, CutsAtTheToleranceBoundaries) {
         {false, {{0, 1}}, .6, .4, false, {{0, 1}}},  // reversed
         {false, {{0, 1}}, 1 - kIn, 1.5, true, {{0, 1}}},
         {false, {{0, 1}}, 1 - kOut, 1.5, true, {{0, 1 - kOut}}},
-        {false, {{0, 1}}, nan, .5, false, {{0, 1}}},
+        {false, {{0, 1}}, vgtest::kNaN, .5, false, {{0, 1}}},
         {true, {{0, 1}}, .2, HUGE_VAL, false, {{0, 1}}},
         // A wrapping cut trims a plain interval only at its start: the part above 5.5 stays.
         {true, {{0, kTwoPi}}, 5.5, .5, true, {{.5, kTwoPi}}},

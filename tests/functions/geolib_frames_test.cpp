@@ -10,12 +10,7 @@
 namespace {
 
 using geolib::kestZxTrans;
-
-template <class A>
-bool near(const A& a, const VoGeVector3D& b, double tol) {
-    return std::fabs(a.x - b.x) <= tol && std::fabs(a.y - b.y) <= tol &&
-           std::fabs(a.z - b.z) <= tol;
-}
+using vgtest::near;
 
 // A frame within 1e-5 of +Z is +Z; between random frames the vector, point and array forms
 // agree (the array one in place) and the way back undoes the way there.

@@ -14,19 +14,6 @@ using namespace geolib;
 
 using vgtest::kTwoPi;
 
-// The ring's corners in order.
-std::vector<VoGePoint3D> cornersOf(const convex* poly) {
-    std::vector<VoGePoint3D> out;
-    const line* e = poly->edges;
-    if (e == nullptr)
-        return out;
-    do {
-        out.push_back(e->start);
-        e = e->next;
-    } while (e != nullptr && e != poly->edges && out.size() < 100000);
-    return out;
-}
-
 // Convex by the splitting's own measure: with edges shorter than 0.001 merged away, no corner
 // turns right (unit directions' cross product below -0.001) or back, and the ring turns once.
 bool convexRing(std::vector<VoGePoint3D> c) {
@@ -120,9 +107,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
         split = ConvexIdentify(polys);
         if (split) {
-            for (const convex* p = polys; p != nullptr; p = p->next)
-                VG_FUZZ_CHECK(convexRing(cornersOf(p)),
-                              "a split that succeeds gives convex pieces");
+            std::vector<VoGePoint3D> corners;
+            for (const convex* p = polys; p != nullptr; p = p->next) {
+                transConvex2PtArray(p, corners);
+                VG_FUZZ_CHECK(convexRing(corners), "a split that succeeds gives convex pieces");
+            }
         }
     }
     if (polys == nullptr || !split) {
@@ -132,7 +121,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<std::vector<VoGePoint3D>> rings;
     bool ordinaryRings = true;
     for (const convex* p = polys; p != nullptr; p = p->next) {
-        rings.push_back(cornersOf(p));
+        rings.emplace_back();
+        transConvex2PtArray(p, rings.back());
         for (const VoGePoint3D& q : rings.back())
             ordinaryRings = ordinaryRings && vgfuzz::ordinary({q.x, q.y}, 1e4);
     }

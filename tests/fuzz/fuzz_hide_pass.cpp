@@ -3,6 +3,8 @@
 // that the engine gives what the plain step-by-step pass gives, node for node and bit for bit, and
 // that the visible pieces lie on their lines, in order from each line's near end and disjoint.
 #include <cmath>
+#include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include "hd_engine.h"
@@ -17,8 +19,20 @@ namespace {
 using namespace geolib;
 using P = _s_hd_point_;
 
-P pointFrom(FuzzedDataProvider& in) {
-    return vgfuzz::triple<P>(in);
+// One argument read from the bytes: a number, or a point.
+template <class T>
+T read(FuzzedDataProvider& in) {
+    if constexpr (std::is_same_v<T, P>)
+        return vgfuzz::triple<P>(in);
+    else
+        return vgfuzz::number(in);
+}
+
+// The arguments of a call read in the order they are given: the elements of a braced list are
+// evaluated in order, where a call's arguments are not.
+template <class... A>
+std::tuple<A...> args(FuzzedDataProvider& in) {
+    return std::tuple<A...>{read<A>(in)...};
 }
 
 point* pointListFrom(FuzzedDataProvider& in) {
@@ -39,99 +53,70 @@ point* pointListFrom(FuzzedDataProvider& in) {
 _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
     switch (in.ConsumeIntegralInRange<int>(0, 18)) {
         case 0: {
-            const double a = vgfuzz::number(in), b = vgfuzz::number(in), c = vgfuzz::number(in);
-            const P p = pointFrom(in), u = pointFrom(in), v = pointFrom(in);
+            const auto [a, b, c, p, u, v] = args<double, double, double, P, P, P>(in);
             return ep_divide_box(a, b, c, p, u, v, in.ConsumeIntegralInRange<int>(0, 1));
         }
-        case 1: {
-            const P a = pointFrom(in), b = pointFrom(in), c = pointFrom(in);
-            return ep_divide_wed(a, b, c, vgfuzz::number(in));
-        }
+        case 1:
+            return std::apply(ep_divide_wed, args<P, P, P, double>(in));
         case 2: {
-            const P a = pointFrom(in), b = pointFrom(in), s = pointFrom(in);
+            const P a = read<P>(in), b = read<P>(in), s = read<P>(in);
             const int n = in.ConsumeIntegralInRange<int>(-2, 24);
             // A chosen count follows a sagitta of 0.01: a radius of 1e154 would ask for the
             // largest count there is, and the pass would take minutes, not find more.
-            const double r2 =
-                (s.x - a.x) * (s.x - a.x) + (s.y - a.y) * (s.y - a.y) + (s.z - a.z) * (s.z - a.z);
-            if (n == 0 && !(r2 <= 1e4))
+            if (n == 0 && !(pointDist2(s, a) <= 1e4))
                 return nullptr;
             return ep_divide_pri(a, b, s, n);
         }
-        case 3: {
-            const P a = pointFrom(in), b = pointFrom(in);
-            return ep_divide_pln(a, b);
-        }
+        case 3:
+            return std::apply(ep_divide_pln, args<P, P>(in));
         case 4: {
             point* list = pointListFrom(in);
             _s_hd_prof_* obj = ep_divide_plns(list);
             freePoint(list);
             return obj;
         }
-        case 5: {
-            const P c = pointFrom(in);
-            const double r = vgfuzz::number(in);
-            return ep_divide_cir(c, r, pointFrom(in));
-        }
-        case 6: {
-            const P a = pointFrom(in), b = pointFrom(in);
-            const double ra = vgfuzz::number(in);
-            return ep_divide_con(a, b, ra, vgfuzz::number(in));
-        }
-        case 7: {
-            const P a = pointFrom(in), b = pointFrom(in);
-            const double ra = vgfuzz::number(in), rb = vgfuzz::number(in);
-            return ep_divide_ecn(a, b, ra, rb, pointFrom(in));
-        }
+        case 5:
+            return std::apply(ep_divide_cir, args<P, double, P>(in));
+        case 6:
+            return std::apply(ep_divide_con, args<P, P, double, double>(in));
+        case 7:
+            return std::apply(ep_divide_ecn, args<P, P, double, double, P>(in));
         case 8: {
-            const double rb = vgfuzz::number(in), rt = vgfuzz::number(in);
-            const double h = vgfuzz::number(in), xoff = vgfuzz::number(in);
-            const double yoff = vgfuzz::number(in);
-            const P o = pointFrom(in), x = pointFrom(in), y = pointFrom(in), z = pointFrom(in);
             // A sagitta far below the radius asks for the largest count there is, doubled on a
             // nearly edge-on side: the pass would take long and find no more.
-            const double sag = vgfuzz::number(in);
+            const auto [rb, rt, h, xoff, yoff, o, x, y, z, sag] =
+                args<double, double, double, double, double, P, P, P, P, double>(in);
             if (!(sag >= 1e-3 * std::fabs(rb) && sag >= 1e-3 * std::fabs(rt)))
                 return nullptr;
             return ep_divide_scn(rb, rt, h, xoff, yoff, o, x, y, z, sag);
         }
-        case 9: {
-            const P a = pointFrom(in), b = pointFrom(in);
-            const double r = vgfuzz::number(in);
-            return ep_divide_scy(a, b, r, pointFrom(in));
-        }
-        case 10: {
-            const P c = pointFrom(in);
-            return ep_divide_sph(c, vgfuzz::number(in));
-        }
+        case 9:
+            return std::apply(ep_divide_scy, args<P, P, double, P>(in));
+        case 10:
+            return std::apply(ep_divide_sph, args<P, double>(in));
         case 12: {
             // An elbow: its start mostly placed square to the axis, as a drawing program does.
             const double r = vgfuzz::number(in), angle = vgfuzz::number(in, 7.0);
-            const P c = pointFrom(in), axis = pointFrom(in);
-            P s = pointFrom(in);
+            const P c = read<P>(in), axis = read<P>(in);
+            P s = read<P>(in);
             const double bend = vgfuzz::number(in);
             if (in.ConsumeBool()) {
-                const double l2 = axis.x * axis.x + axis.y * axis.y + axis.z * axis.z;
-                const double d = l2 > 0 ? (s.x * axis.x + s.y * axis.y + s.z * axis.z) / l2 : 0.0;
-                const P off{s.x - d * axis.x, s.y - d * axis.y, s.z - d * axis.z};
-                const double l = std::sqrt(off.x * off.x + off.y * off.y + off.z * off.z);
-                if (l > 0)
-                    s = {c.x + bend * off.x / l, c.y + bend * off.y / l, c.z + bend * off.z / l};
+                const double l2 = vecDot(axis, axis);
+                const P off = linComb(1.0, s, l2 > 0 ? -vecDot(s, axis) / l2 : 0.0, axis);
+                if (vecDot(off, off) > 0)
+                    s = linComb(1.0, c, bend / std::sqrt(vecDot(off, off)), off);
             }
             return ep_divide_tor(r, angle, c, s, axis, in.ConsumeIntegralInRange<int>(0, 16));
         }
-        case 13: {
-            const double r = vgfuzz::number(in), h = vgfuzz::number(in), f = vgfuzz::number(in);
-            const P c = pointFrom(in);
-            return ep_divide_ova(r, h, f, c, pointFrom(in));
-        }
+        case 13:
+            return std::apply(ep_divide_ova, args<double, double, double, P, P>(in));
         case 15:
         case 16:
         case 17: {
             // A member, a plate (by a vector or a thickness) or a bend of a fuzzed outline.
             const int kind = in.ConsumeIntegralInRange<int>(0, 3);
             point* outline = pointListFrom(in);
-            const P a = pointFrom(in), b = pointFrom(in), d = pointFrom(in);
+            const P a = read<P>(in), b = read<P>(in), d = read<P>(in);
             const double t = vgfuzz::number(in, 7.0);
             _s_hd_prof_* obj = nullptr;
             if (kind == 0)
@@ -141,23 +126,19 @@ _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
             else if (kind == 2)
                 obj = ep_divide_pline(outline, t);
             else
-                obj = ep_divide_arc(outline, a, b, d, t, pointFrom(in));
+                obj = ep_divide_arc(outline, a, b, d, t, read<P>(in));
             freePoint(outline);
             return obj;
         }
         case 18: {
-            const P o = pointFrom(in), x = pointFrom(in), y = pointFrom(in), c = pointFrom(in);
-            const double w = vgfuzz::number(in), h = vgfuzz::number(in), r = vgfuzz::number(in);
+            const auto [o, x, y, c, w, h, r] = args<P, P, P, P, double, double, double>(in);
             return ep_divide_squcir(o, w, h, x, y, c, r);
         }
         default: {
-            const double ri = vgfuzz::number(in), ro = vgfuzz::number(in);
-            const double t = vgfuzz::number(in);
-            const P c = pointFrom(in);
-            const double a0 = vgfuzz::number(in), a1 = vgfuzz::number(in);
+            const auto [ri, ro, t, c, a0, a1] = args<double, double, double, P, double, double>(in);
             if (in.ConsumeBool())
                 return ep_divide_sad(ri, ro, t, c, a0, a1);
-            return ep_divide_sad(ri, ro, t, c, a0, a1, pointFrom(in));
+            return ep_divide_sad(ri, ro, t, c, a0, a1, read<P>(in));
         }
     }
 }

@@ -3,16 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "support/test_constants.h"
 
 namespace {
 
-bool near(const VoGePoint3D& a, const VoGePoint3D& b, double tol) {
-    return std::fabs(a.x - b.x) <= tol && std::fabs(a.y - b.y) <= tol &&
-           std::fabs(a.z - b.z) <= tol;
-}
+using vgtest::near;
 
 VoGeMatrix3D fromRows(std::initializer_list<double> v) {
     VoGeMatrix3D a;
@@ -81,7 +77,7 @@ TEST(VoGeMatrix3D, RandomRotationsAndInversesRoundTrip) {
     EXPECT_EQ(b.inverse()(0, 0), 0.0);
     b(2, 2) = 1e-300;
     EXPECT_DOUBLE_EQ(b.inverse()(2, 2), 1e300);
-    b(0, 0) = std::numeric_limits<double>::quiet_NaN();
+    b(0, 0) = vgtest::kNaN;
     EXPECT_TRUE(std::isnan(b.inverse()(0, 0)));
 }
 

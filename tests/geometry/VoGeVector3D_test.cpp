@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "support/test_constants.h"
 
@@ -15,7 +14,7 @@ TEST(VoGeVector3D, ShortAndNonFiniteVectorsHaveNoDirection) {
     EXPECT_EQ(VoGeVector3D(0.5e-4, 0, 0).normalize().x, 0.0);
     EXPECT_EQ(VoGeVector3D(1e-4, 0, 0).normalize().x, 1.0);
     EXPECT_EQ(VoGeVector3D(0, 3, 4).normalize().y, 0.6);
-    for (double bad : {std::numeric_limits<double>::quiet_NaN(), 1e200, -HUGE_VAL})
+    for (double bad : {vgtest::kNaN, 1e200, -vgtest::kInf})
         EXPECT_EQ(VoGeVector3D(bad, bad, 1).normalize().length(), 0.0);
     const VoGeVector3D c(0, 0, 5);
     EXPECT_EQ(c.normalize().z, 1.0);

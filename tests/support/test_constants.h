@@ -1,5 +1,6 @@
 // Numbers the tests share, written out here rather than read from the library, so that a wrong
-// constant in the library shows up as a failing test, and the generator of their random cases.
+// constant in the library shows up as a failing test, a comparison of points within a tolerance
+// and the generator of their random cases.
 #ifndef VOGEBASIC_TESTS_TEST_CONSTANTS_H
 #define VOGEBASIC_TESTS_TEST_CONSTANTS_H
 
@@ -23,6 +24,13 @@ inline bool ordinary(std::initializer_list<double> values, double limit = 1e6) {
             return false;
     }
     return true;
+}
+
+/// Every coordinate of a within tol of b's (points or vectors of any types with x, y and z).
+template <class A, class B>
+bool near(const A& a, const B& b, double tol) {
+    return std::fabs(a.x - b.x) <= tol && std::fabs(a.y - b.y) <= tol &&
+           std::fabs(a.z - b.z) <= tol;
 }
 
 /// A small linear congruential generator: the same cases for the same seed on every platform.
