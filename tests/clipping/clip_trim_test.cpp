@@ -44,16 +44,14 @@ TEST(ConvexTrimLineSeg, RandomPiecesLoseExactlyWhatLiesInsideThePolygons) {
             const int n = 3 + next.below(6);
             const double r = next(0.5, 4), turn = next(0, kTwoPi), sx = next(0.3, 1);
             const P c(next(-5, 5), next(-5, 5), 0);
-            std::vector<std::pair<double, double>> xy;
             rings.emplace_back();
             for (int i = 0; i < n; ++i) {
                 const double x = sx * r * std::cos(turn + kTwoPi * i / n);
                 const double y = r * std::sin(turn + kTwoPi * i / n);
-                xy.emplace_back(c.x + x * std::cos(turn) - y * std::sin(turn),
-                                c.y + x * std::sin(turn) + y * std::cos(turn));
-                rings.back().emplace_back(xy.back().first, xy.back().second, 0);
+                rings.back().emplace_back(c.x + x * std::cos(turn) - y * std::sin(turn),
+                                          c.y + x * std::sin(turn) + y * std::cos(turn), 0);
             }
-            convex* p = polygonOf(xy);
+            convex* p = transPtArray2Convex(rings.back());
             p->next = polys;
             polys = p;
         }

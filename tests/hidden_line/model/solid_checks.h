@@ -249,9 +249,10 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
         s.rims.push_back({lines[i].first, lines[i].second});
     std::vector<Curve> all = s.rims;
     all.insert(all.end(), s.contours.begin(), s.contours.end());
-    const bool sampleCurves = s.samples.empty();
-    for (std::size_t i = 0; sampleCurves && i < all.size(); ++i)
-        s.samples.insert(s.samples.end(), all[i].begin(), all[i].end());
+    if (s.samples.empty()) {
+        for (const Curve& c : s.rims.empty() ? s.contours : s.rims)
+            s.samples.insert(s.samples.end(), c.begin(), c.end());
+    }
     if (!s.surface)
         s.surface = [&](P p) { return distToCurves(p, all); };
     double want[6] = {-HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL}, off = 0.0;
