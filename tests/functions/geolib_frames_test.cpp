@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "geolib_planar.h"
 #include "support/test_constants.h"
 

@@ -5,10 +5,8 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 
 #include "tests/support/test_constants.h"
 
@@ -27,10 +25,10 @@ namespace vgfuzz {
 /// small integers (so that points coincide), values at the tolerances, huge values and the
 /// non-finite ones.
 inline double number(FuzzedDataProvider& in, double range = 10.0) {
-    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double inf = std::numeric_limits<double>::infinity();
-    static const double kSpecial[] = {0.0,  1e-9, -1e-9, 5e-7,  1e-6,   1e-5,  1e-4, 3e-4, 1e-3,
-                                      1e-2, 1e9,  -1e9,  1e154, -1e154, 1e300, nan,  inf,  -inf};
+    using vgtest::kInf;
+    static const double kSpecial[] = {0.0,   1e-9,   -1e-9, 5e-7,         1e-6, 1e-5,
+                                      1e-4,  3e-4,   1e-3,  1e-2,         1e9,  -1e9,
+                                      1e154, -1e154, 1e300, vgtest::kNaN, kInf, -kInf};
     const unsigned kind = in.ConsumeIntegralInRange<unsigned>(0, 15);
     if (kind < 10)
         return in.ConsumeFloatingPointInRange<double>(-range, range);
