@@ -70,12 +70,9 @@ TEST(DishedHead, BadInputGivesNullAndFailedAllocationsLeakNothing) {
                    ep_divide_ova(1, 1, kNaN, c, z), ep_divide_ova(1, 1, -0.1, c, z),
                    ep_divide_ova(1, 1, 1, c, {0, 0, 0}), ep_divide_ova(1, 1, 1, c, {kNaN, 0, 1}),
                    ep_divide_ova(1, 1, 1, {0, kInf, 0}, z)});
-    expectAllocFailuresGiveNull({[] {
-                                     return ep_divide_ova(2, 1, 0.5, {1, 2, 3}, unit({1, 2, 2}));
-                                 },
-                                 [] {
-                                     return ep_divide_ova(2, 1, 0.5, {1, 2, 3}, {0, 0, 1});
-                                 }});
+    const P at{1, 2, 3}, tilted = unit({1, 2, 2});
+    expectAllocFailuresGiveNull({[&] { return ep_divide_ova(2, 1, 0.5, at, tilted); },
+                                 [&] { return ep_divide_ova(2, 1, 0.5, at, z); }});
 }
 
 }  // namespace

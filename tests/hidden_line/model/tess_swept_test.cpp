@@ -269,23 +269,14 @@ TEST(SweptSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     vgtest::Lcg gen(1);
     const auto secs = sections(gen, 100);
     PointList l(secs[2]), c(secs[4]);
-    expectAllocFailuresGiveNull(
-        {[&] {
-             return ep_divide_str(c.head, {1, 2, 3}, {400, 50, 700}, {0, 0, 1});
-         },
-         [&] { return ep_divide_pline(c.head, 12.0); },
-         [&] {
-             return ep_divide_pline(l.head, {3, 1, 20});
-         },
-         [&] {
-             return ep_divide_squcir({1, 2, 3}, 40, 30, {1, 0.2, 0}, {0, 0.3, 1}, {5, 60, 9}, 12);
-         },
-         [&] {
-             return ep_divide_arc(l.head, o, {300, 0, 0}, {0, 0.2, 1}, 2.0, {0, 0, 1});
-         },
-         [&] {
-             return ep_divide_arc(l.head, o, {300, 0, 0}, {0, 1, 0.1}, kTwoPi, {1, 0, 0});
-         }});
+    const P a{1, 2, 3}, b{400, 50, 700}, d{3, 1, 20}, s{300, 0, 0}, tilt{0, 0.2, 1};
+    const P side{1, 0.2, 0}, up{0, 0.3, 1}, c2{5, 60, 9}, lean{0, 1, 0.1};
+    expectAllocFailuresGiveNull({[&] { return ep_divide_str(c.head, a, b, z); },
+                                 [&] { return ep_divide_pline(c.head, 12.0); },
+                                 [&] { return ep_divide_pline(l.head, d); },
+                                 [&] { return ep_divide_squcir(a, 40, 30, side, up, c2, 12); },
+                                 [&] { return ep_divide_arc(l.head, o, s, tilt, 2.0, z); },
+                                 [&] { return ep_divide_arc(l.head, o, s, lean, kTwoPi, x); }});
 }
 
 }  // namespace
