@@ -245,27 +245,20 @@ TEST(SweptSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
             l.head->next->next->next = nullptr;
     }
     PointList sq(xy({0, 0, 10, 0, 10, 10, 0, 10}));
-    expectRefused({ep_divide_str(nullptr, o, far, y),
-                   ep_divide_str(sq.head, o, o, y),
-                   ep_divide_str(sq.head, o, far, z),
-                   ep_divide_str(sq.head, o, {kInf, 0, 0}, y),
-                   ep_divide_pline(sq.head, 0.0),
-                   ep_divide_pline(sq.head, kNaN),
-                   ep_divide_pline(sq.head, x),
-                   ep_divide_pline(sq.head, {kNaN, 0, 0}),
-                   ep_divide_squcir(o, 10, 10, x, y, o, 3),
-                   ep_divide_squcir(o, 10, 10, x, x, far, 3),
-                   ep_divide_squcir(o, 0.005, 10, x, y, far, 3),
-                   ep_divide_squcir(o, 10, 10, x, y, far, 0.005),
-                   ep_divide_squcir(o, 10, kNaN, x, y, far, 3),
-                   ep_divide_arc(sq.head, o, bx, z, 0.0, z),
-                   ep_divide_arc(sq.head, o, bx, z, 7.0, z),
-                   ep_divide_arc(sq.head, o, bx, z, kNaN, z),
-                   ep_divide_arc(sq.head, o, {100, 0, 1}, z, 1.0, z),
-                   ep_divide_arc(sq.head, o, bx, o, 1.0, z),
-                   ep_divide_arc(sq.head, o, bx, z, 1.0, y),
-                   ep_divide_arc(sq.head, o, {5, 0, 0}, z, 1.0, z),
-                   ep_divide_arc(sq.head, o, {0.005, 0, 0}, z, 1.0, z)});
+    expectRefused({ep_divide_str(nullptr, o, far, y), ep_divide_str(sq.head, o, o, y),
+                   ep_divide_str(sq.head, o, far, z), ep_divide_str(sq.head, o, {kInf, 0, 0}, y),
+                   ep_divide_pline(sq.head, 0.0), ep_divide_pline(sq.head, kNaN),
+                   ep_divide_pline(sq.head, x), ep_divide_pline(sq.head, {kNaN, 0, 0})});
+    expectRefused(
+        {ep_divide_squcir(o, 10, 10, x, y, o, 3), ep_divide_squcir(o, 10, 10, x, x, far, 3),
+         ep_divide_squcir(o, 0.005, 10, x, y, far, 3),
+         ep_divide_squcir(o, 10, 10, x, y, far, 0.005), ep_divide_squcir(o, 10, kNaN, x, y, far, 3),
+         ep_divide_arc(sq.head, o, bx, z, 0.0, z), ep_divide_arc(sq.head, o, bx, z, 7.0, z),
+         ep_divide_arc(sq.head, o, bx, z, kNaN, z),
+         ep_divide_arc(sq.head, o, {100, 0, 1}, z, 1.0, z),
+         ep_divide_arc(sq.head, o, bx, o, 1.0, z), ep_divide_arc(sq.head, o, bx, z, 1.0, y),
+         ep_divide_arc(sq.head, o, {5, 0, 0}, z, 1.0, z),
+         ep_divide_arc(sq.head, o, {0.005, 0, 0}, z, 1.0, z)});
     vgtest::Lcg gen(1);
     const auto secs = sections(gen, 100);
     PointList l(secs[2]), c(secs[4]);
