@@ -114,11 +114,10 @@ std::vector<_s_hd_prof_*> awkwardScene(std::uint32_t seed) {
             allFaces.push_back(faces.back());
         }
         for (int k = 0; k < 12; ++k) {
-            const std::vector<P>& f =
-                allFaces[static_cast<size_t>(r.below(static_cast<int>(allFaces.size())))];
+            const std::vector<P>& f = allFaces[r.below(static_cast<int>(allFaces.size()))];
             // One end on, near or just beyond a vertex of an earlier face (offsets straddle the
             // end-behind tolerance), the other near, far away or straight behind.
-            const P v = f[static_cast<size_t>(r.below(3))];
+            const P v = f[r.below(3)];
             const double off = chance(0.5) ? r(0.025, 0.07) : 0.0;
             P a = {v.x + (chance(0.5) ? off : -off), v.y + r(-off, off), v.z + r(-2, 2)}, b;
             const double pick = r();

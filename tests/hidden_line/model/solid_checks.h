@@ -114,13 +114,12 @@ inline std::vector<Curve> surfaceContours(const std::function<P(double, double)>
         std::vector<Curve> open;
         for (int i = 0; i <= lines; ++i) {
             const double s = s0 + (s1 - s0) * i / lines;
-            std::vector<double> nz(static_cast<std::size_t>(steps) + 1);
+            std::vector<double> nz;
             for (int j = 0; j <= steps; ++j)
-                nz[static_cast<std::size_t>(j)] = normalZ(s, t0 + (t1 - t0) * j / steps);
+                nz.push_back(normalZ(s, t0 + (t1 - t0) * j / steps));
             std::vector<Curve> next;
             for (int j = 0; j < steps; ++j) {
-                const double a = nz[static_cast<std::size_t>(j)],
-                             b = nz[static_cast<std::size_t>(j) + 1];
+                const double a = nz[j], b = nz[j + 1];
                 if (std::isnan(a) || std::isnan(b) || (a < 0) == (b < 0))
                     continue;
                 double lo = t0 + (t1 - t0) * j / steps, hi = t0 + (t1 - t0) * (j + 1) / steps;
@@ -169,7 +168,7 @@ inline std::vector<P> randomUnitVectors(int count, unsigned seed) {
         const double z = r(-1, 1), phi = r(0, kTwoPi), s = std::sqrt(std::max(0.0, 1 - z * z));
         out.push_back({s * std::cos(phi), s * std::sin(phi), z});
     }
-    out.resize(static_cast<std::size_t>(count));
+    out.resize(count);
     for (P& v : out)
         v = unit(v);
     return out;

@@ -26,7 +26,7 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
     // Sectors, full rings and sectors of a disc about random axes (every third the view axis).
     const auto axes = randomUnitVectors(60, 41);
     for (int i = 0; i < 60; ++i) {
-        const P k = i % 3 == 0 ? P{0, 0, 1} : axes[static_cast<std::size_t>(i)];
+        const P k = i % 3 == 0 ? P{0, 0, 1} : axes[i];
         const double ro = logUniform(gen, 0.02, 3000), t = logUniform(gen, 0.01, 100);
         const double ri = i % 5 == 0 ? 0 : ro * gen(0.05, 0.99), rim = ri < 0.01 ? 0 : ri;
         const double a0 = gen(-10, 10);
