@@ -131,14 +131,13 @@ TEST(KestFaceIntersect, OwnFacesCutAsEachPairDoes) {
     std::vector<_s_hd_prof_*> obj = {makeObject(faces, {first})};
     registerAll(obj);
     std::vector<Seg> expected = {first};
+    std::vector<std::pair<HDFace, FacePrep>> prepared;
     for (const auto& fv : faces) {
-        const HDFace f = faceOf(fv);
-        FacePrep fp;
-        prepareFaceTests(f, fp);
-        for (const auto& gv : faces) {
-            const HDFace g = faceOf(gv);
-            FacePrep gp;
-            prepareFaceTests(g, gp);
+        prepared.push_back({faceOf(fv), {}});
+        prepareFaceTests(prepared.back().first, prepared.back().second);
+    }
+    for (const auto& [f, fp] : prepared) {
+        for (const auto& [g, gp] : prepared) {
             P a{}, b{};
             if (f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
                 f.zmax > g.zmin && f.zmin < g.zmax && getFaceInterLine(f, fp, g, gp, a, b))
