@@ -205,7 +205,14 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// centre + r * unit(Z x tangent), as a disc of their circle does (a ring seen end-on starts on the
 /// bend axis), and the pattern turns along the bend between them by at most half a chord in all,
 /// smoothly, standing still at both ends. Each other ring also holds its two silhouette points, and
-/// leaves out the pattern vertices closer than half a chord to them. Faces between two rings are
+/// leaves out the pattern vertices closer than half a chord to them. A ring drawn whole (below)
+/// also holds the points round the tube where its neighbours' silhouette points lie outside its
+/// chords seen along Z. Beside an end rim, a ring whose silhouette point lies nearer the viewer
+/// than the rim, under the rim's circle but outside one of its chords seen along Z, with the
+/// ring's pattern vertices there inside that chord and the silhouette points of the rings on
+/// either side no farther outside the rim's chords than the sagitta allowance below, holds the
+/// pattern vertex nearest that point in its place, and that silhouette is not drawn to or from
+/// that ring (it lies along the rim there). Faces between two rings are
 /// stitched from one silhouette chain to the other and back: quadrilaterals where both rings step
 /// across the same pattern chord (two triangles along the shorter diagonal where not planar),
 /// triangles elsewhere. A sweep within 1e-9 of 2 pi is a full ring without ends; otherwise flat
@@ -214,21 +221,23 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// between consecutive rings (ring by ring, each band from the first silhouette chain round to the
 /// second, then on round to the first), the far end; tag 0. Lines: the start ring's m chords,
 /// then ring by ring the tube's two silhouettes (the chains of the rings' silhouette points,
-/// edges of the faces on the true outline) and the whole of any ring seen end-on (its chords
-/// through its silhouette points), then the far ring's m chords; no end rings for a full ring.
-/// The silhouettes are drawn rather than the faces' own outline, which on the side towards the
-/// bend centre can run inside the true one; since the rings' vertices do not turn with the
-/// silhouette and no face reaches across a chain, no face leans over the drawn outline, and the
-/// visible drawing keeps to the true outline within the sagitta. A ring whose tangent leans
-/// less than about 4.5e-5 from Z is taken as seen end-on and drawn whole; the true outline there
-/// leaves it by at most sqrt(2 r R) times the root of that lean (R the bend radius), a
-/// hundredth of sqrt(r R). One shortcoming is left: where the tube is seen nearly along its
-/// length, at an end or about a ring seen end-on, the rings there nearly coincide in the drawing,
-/// and a ring beside the drawn one (the rim, or the ring drawn whole) holds its silhouette points
-/// on the circle between the drawn ring's vertices; the faces through them stand out over the
-/// drawn ring's chords by up to a sagitta, and where the true outline follows that ring (the tube
-/// beside it grazing the view, or past a cusp of the outline of a fat elbow) they hide a stretch
-/// of it: in a few of such views, mostly of fat elbows, a gap of up to about five sagittas.
+/// edges of the faces on the true outline, but for the stretches along a rim above) and the whole
+/// of any ring seen end-on (its chords through its silhouette points and the points above), then
+/// the far ring's m chords; no end rings for a full ring. The silhouettes are drawn rather than the
+/// faces' own outline, which on the side towards the bend centre can run inside the true one; since
+/// the rings' vertices do not turn with the silhouette and no face reaches across a chain, no face
+/// leans over the drawn outline, and the visible drawing keeps to the true outline within the
+/// sagitta. A ring whose tangent leans less than about 4.5e-5 from Z is taken as seen end-on and
+/// drawn whole; the true outline there leaves it by at most sqrt(2 r R) times the root of that lean
+/// (R the bend radius), a hundredth of sqrt(r R). Where the tube is seen nearly along its length,
+/// at an end or about a ring drawn whole, the rings there nearly coincide in the drawing; the
+/// points above keep the faces of the rings beside the drawn one off its chords. One shortcoming is
+/// left: seen within a hair of its length at an end, the rings beside the rim can lie over its
+/// chords closer than the hide pass tells lines from faces, and where the tube beyond is nearer the
+/// viewer their faces hide the rim; and past a cusp of the outline of a fat elbow, a ring whose
+/// silhouette point lies outside the rim's circle still carries faces over a rim chord. In a
+/// few of such views, mostly of fat elbows, a gap of up to about three and a half sagittas
+/// remains.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
 /// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or

@@ -23,7 +23,11 @@
 // Where the tube is seen nearly along its length, its silhouette turns half round the tube within a
 // short stretch of the bend about the ring whose tangent comes nearest the view axis, and only
 // rings on either side of that ring can follow the turn: that ring is always made when the turn
-// could fall between two chosen rings.
+// could fall between two chosen rings. There the rings beside an end rim or a ring drawn whole lie
+// nearly over it, and their silhouette points, on the circle between its vertices, would carry
+// faces over its chords: a ring drawn whole takes the points where its neighbours' chains lie
+// outside its chords, and beside an end rim a chain whose point lies under the rim runs through
+// the nearest pattern vertex instead (so each ring's faces wait for the next ring).
 #include <cmath>
 #include <initializer_list>
 
@@ -55,7 +59,6 @@ constexpr int kMaxRingDepth = 64;
 /// vertex: it then lies within this fraction of the tube radius of the true silhouette, while a
 /// point put in beside the vertex would only make sliver faces.
 constexpr double kSilhouetteSnapAngle = 1e-6;
-/// A tube ring holds its pattern's vertices and at most its two silhouette points besides.
 /// A pattern vertex within this fraction of a chord angle of a silhouette point is left out of
 /// its ring: seen along Z a vertex that near the silhouette lies beyond the chain drawn to the
 /// next ring, and the faces through it would hide that chain; further round it lies inside.
@@ -66,7 +69,18 @@ constexpr double kSilhouetteClearChords = 0.5;
 /// slant is below sqrt(h1 h2), at most half a step: twice that leaves a margin for the rings'
 /// rounding and the bend's sampling.
 constexpr double kNearAxisSlantSteps = 1.0;
-constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 2;
+/// A tube ring holds its pattern's vertices, its two silhouette points and, drawn whole, the four
+/// points where its neighbours hold their chains.
+/// A rim seen nearer edge-on than this (the Z component of its normal) covers no silhouette point
+/// of the rings beside it: its disc seen along Z is too thin to tell.
+constexpr double kRimSeenSlant = 1e-6;
+/// A point this fraction of the tube radius outside a rim's circle, or inside one of its chords,
+/// seen along Z, still counts as on it: the rim's own vertices are, up to rounding.
+constexpr double kRimSlackRel = 1e-9;
+/// Where that slack (with the coordinates' rounding) exceeds this share of the outline's
+/// allowance, which side of a chord a point lies on is rounding: rings stay as made.
+constexpr double kRimSlackShare = 0.01;
+constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 6;
 
 // The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
 // angle phi runs counter-clockwise about a.
@@ -116,6 +130,16 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
     return st;
 }
 
+// What a tube ring holds besides its pattern and its silhouette points: a chain may run through
+// the pattern vertex nearest its silhouette point instead of the point itself (snapped), and a
+// ring drawn whole takes points round the tube at the given angles (see
+// ElbowBuilder::settlePending).
+struct RingExtras {
+    bool snapped[2] = {false, false};
+    int count = 0;
+    double angle[4] = {0.0, 0.0, 0.0, 0.0};  // round the tube (aroundTube)
+};
+
 // A ring of the tube as the faces use it: the vertices of its pattern ring with its two
 // silhouette points put in, counter-clockwise about the tangent from the first silhouette point.
 struct TubeRing {
@@ -123,9 +147,10 @@ struct TubeRing {
     int half = 0;    // the position of the second silhouette point
     int chords = 0;  // m, the pattern's vertex count
     _s_hd_point_ pts[kMaxTubeRingVertices];
-    int pattern[kMaxTubeRingVertices];   // the vertex's index in the pattern; -1 put in
-    double angle[kMaxTubeRingVertices];  // round the tube from pts[0]: 0 there, pi at pts[half]
-    double sil;                          // pts[0]'s angle round the tube (the station's turn)
+    int pattern[kMaxTubeRingVertices];    // the vertex's index in the pattern; -1 put in
+    double angle[kMaxTubeRingVertices];   // round the tube from pts[0]: 0 there, pi at pts[half]
+    double sil;                           // pts[0]'s angle round the tube (the station's turn)
+    bool onSilhouette[2] = {true, true};  // pts[0], pts[half] lie on the true silhouette
 
     // Position count is pts[0] again, at the end of the turn.
     _s_hd_point_ at(int k) const { return pts[k % count]; }
@@ -134,6 +159,7 @@ struct TubeRing {
     // its centre's neighbours measures every angle as 0 or pi, and may hold its second
     // silhouette point first.
     double angleAt(int k) const { return k < 0 ? 0.0 : k < count ? angle[k] : core::kFullTurn; }
+    _s_hd_point_ chain(int side) const { return pts[side == 0 ? 0 : half]; }
 
     void push(_s_hd_point_ p, int index, double a) {
         pts[count] = p;
@@ -143,56 +169,105 @@ struct TubeRing {
     }
 };
 
+// The point of st's ring at the angle a round the tube.
+_s_hd_point_ ringPoint(const Bend& b, const Station& st, double a) {
+    return linComb(1.0, st.centre, b.tubeRadius,
+                   linComb(std::cos(a), st.radial, -std::sin(a), b.a));
+}
+
 // The tube ring of st over the pattern ring whose vertex k is vertex (k + offset) mod m of the
 // bend's pattern. A silhouette point within kSilhouetteSnapAngle of a pattern vertex is that
 // vertex, so an end ring split at its silhouette keeps exactly its m vertices; other pattern
-// vertices closer than kSilhouetteClearChords of a chord to a silhouette point are left out.
-TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, int offset) {
+// vertices closer than kSilhouetteClearChords of a chord to a silhouette point are left out. A
+// snapped chain takes the nearest pattern vertex instead, and the extras go in at their angles.
+TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, int offset,
+                  const RingExtras& extras = RingExtras{}) {
     TubeRing out;
     const int m = ring.count;
     out.chords = m;
     out.sil = st.turn;
+    const double chord = core::kFullTurn / m;
     double angle[hd::kMaxCurveChords];
     int silVertex[2] = {-1, -1};
-    int first = 0;
+    double silOff[2] = {HUGE_VAL, HUGE_VAL};
     for (int k = 0; k < m; ++k) {
         double a = aroundTube(b, st, vecSub(ring.pts[k], st.centre)) - st.turn;
         a -= core::kFullTurn * std::floor(a / core::kFullTurn);
-        if (a <= kSilhouetteSnapAngle || a >= core::kFullTurn - kSilhouetteSnapAngle) {
-            silVertex[0] = k;
-            a = 0.0;
-        } else if (std::fabs(a - core::kPi) <= kSilhouetteSnapAngle) {
-            silVertex[1] = k;
-            a = core::kPi;
-        }
         angle[k] = a;
-        if (a < angle[first])
+        for (int side = 0; side < 2; ++side) {
+            const double off =
+                side == 0 ? std::fmin(a, core::kFullTurn - a) : std::fabs(a - core::kPi);
+            if (off <= (extras.snapped[side] ? chord : kSilhouetteSnapAngle) &&
+                off < silOff[side]) {
+                silVertex[side] = k;
+                silOff[side] = off;
+            }
+        }
+    }
+    int first = 0;
+    for (int k = 0; k < m; ++k) {
+        if (k == silVertex[0])
+            angle[k] = 0.0;
+        else if (k == silVertex[1])
+            angle[k] = core::kPi;
+        if (angle[k] < angle[first])
             first = k;
     }
+    for (int side = 0; side < 2; ++side)
+        out.onSilhouette[side] = silVertex[side] < 0 || silOff[side] <= kSilhouetteSnapAngle;
+    double extra[4];
+    int extraCount = 0;
+    for (int i = 0; i < extras.count && i < 4; ++i) {
+        double a = extras.angle[i] - st.turn;
+        a -= core::kFullTurn * std::floor(a / core::kFullTurn);
+        bool taken = std::fabs(a - core::kPi) <= kSilhouetteSnapAngle ||
+                     a <= kSilhouetteSnapAngle || a >= core::kFullTurn - kSilhouetteSnapAngle;
+        for (int k = 0; k < m && !taken; ++k)
+            taken = std::fabs(a - angle[k]) <= kSilhouetteSnapAngle;
+        for (int j = 0; j < extraCount && !taken; ++j)
+            taken = std::fabs(a - extra[j]) <= kSilhouetteSnapAngle;
+        if (taken)
+            continue;
+        int j = extraCount++;
+        for (; j > 0 && extra[j - 1] > a; --j)
+            extra[j] = extra[j - 1];
+        extra[j] = a;
+    }
     const double r = b.tubeRadius;
-    const double clear = kSilhouetteClearChords * core::kFullTurn / m;
+    const double clear = kSilhouetteClearChords * chord;
+    bool second = silVertex[1] >= 0;
+    int nextExtra = 0;
+    // Puts in the extras and the second silhouette point that come before the angle a.
+    auto putUpTo = [&](double a) {
+        for (;;) {
+            const bool secondNext = !second && core::kPi < a &&
+                                    (nextExtra == extraCount || core::kPi < extra[nextExtra]);
+            if (secondNext) {
+                out.half = out.count;
+                out.push(linComb(1.0, st.centre, -r, st.split), -1, core::kPi);
+                second = true;
+            } else if (nextExtra < extraCount && extra[nextExtra] < a) {
+                out.push(ringPoint(b, st, st.turn + extra[nextExtra]), -1, extra[nextExtra]);
+                ++nextExtra;
+            } else {
+                return;
+            }
+        }
+    };
     if (silVertex[0] < 0)
         out.push(linComb(1.0, st.centre, r, st.split), -1, 0.0);
-    bool second = silVertex[1] >= 0;
     for (int i = 0; i < m; ++i) {
         const int k = (first + i) % m;
-        if (!second && angle[k] > core::kPi) {
-            out.half = out.count;
-            out.push(linComb(1.0, st.centre, -r, st.split), -1, core::kPi);
-            second = true;
-        }
+        putUpTo(angle[k]);
         if (k == silVertex[1])
             out.half = out.count;
         if (k != silVertex[0] && k != silVertex[1] &&
-            (angle[k] < clear || angle[k] > core::kFullTurn - clear ||
-             std::fabs(angle[k] - core::kPi) < clear))
+            ((out.onSilhouette[0] && (angle[k] < clear || angle[k] > core::kFullTurn - clear)) ||
+             (out.onSilhouette[1] && std::fabs(angle[k] - core::kPi) < clear)))
             continue;
         out.push(ring.pts[k], (k + offset) % m, angle[k]);
     }
-    if (!second) {
-        out.half = out.count;
-        out.push(linComb(1.0, st.centre, -r, st.split), -1, core::kPi);
-    }
+    putUpTo(HUGE_VAL);
     return out;
 }
 
@@ -208,6 +283,8 @@ TubeRing turnedHalfRound(const TubeRing& in) {
                  i < in.count - in.half ? in.angle[k] - core::kPi : in.angle[k] + core::kPi);
     }
     out.half = in.count - in.half;
+    out.onSilhouette[0] = in.onSilhouette[1];
+    out.onSilhouette[1] = in.onSilhouette[0];
     return out;
 }
 
@@ -217,6 +294,23 @@ bool sameChord(const TubeRing& a, int i, const TubeRing& b, int j) {
     return k >= 0 && a.patternAt(i + 1) == (k + 1) % a.chords && b.patternAt(j) == k &&
            b.patternAt(j + 1) == (k + 1) % a.chords;
 }
+
+// An end rim seen along Z: its circle and its chords.
+struct RimView {
+    bool usable = false;
+    _s_hd_point_ centre{}, normal{};
+    int count = 0;
+    _s_hd_point_ pts[kMaxTubeRingVertices];
+    double orient = 1.0;  // the chords run counter-clockwise (1) or clockwise (-1) seen along Z
+};
+
+// A ring made and waiting for the next one before its faces go in.
+struct PendingRing {
+    Station st{};
+    ViewSplitRing ring;
+    int offset = 0;
+    TubeRing tube;
+};
 
 // Builds the elbow ring by ring along the bend: faces and box go to the draft as each ring is
 // made. The silhouette chains and the rings seen end-on are collected apart and handed over at
@@ -267,8 +361,17 @@ public:
         } else if (first_.endOn) {
             addRingOutline(firstTube_);
         }
+        if (!fullTurn_) {
+            startRim_ = rimView(first_, prevRing_.pts, prevRing_.count);
+            const Station far = stationAt(bend_, sweep_, nullptr);
+            ViewSplitRing farRing;
+            if (!makeRing(far, linComb(1.0, far.centre, r, far.split), farRing))
+                return;
+            farRim_ = rimView(far, farRing.pts, farRing.count);
+        }
+        rimSlack_ = std::fmax(kRimSlackRel * r, kChainRoundingRel * reach);
         prev_ = first_;
-        prevTube_ = firstTube_;
+        bandTube_ = firstTube_;
     }
 
     // Adds rings up to the one at phi, putting rings between where the silhouette turns round
@@ -403,46 +506,190 @@ private:
     }
 
     void addStation(const Station& st, bool last) {
-        TubeRing tube;
+        PendingRing next;
+        next.st = st;
         if (last && fullTurn_) {
             // The ring closes on the first one, which may hold the silhouettes the other way
             // round after a full turn.
-            tube = vecDot(st.split, first_.split) < 0.0 ? turnedHalfRound(firstTube_) : firstTube_;
+            next.tube =
+                vecDot(st.split, first_.split) < 0.0 ? turnedHalfRound(firstTube_) : firstTube_;
         } else {
-            ViewSplitRing ring;
             const double r = bend_.tubeRadius;
             // The turn so far: u^2 (3 - 2u) of the whole at the fraction u of the bend, standing
             // still at both ends.
             const double u = st.phi / sweep_;
             const double start = patternStart_ + patternTwist_ * (u * u * (3.0 - 2.0 * u));
-            int offset = 0;
             if (last) {
                 // The far end ring starts at its silhouette point, as a disc of its circle
                 // does; that point is a vertex of the pattern there.
-                if (!makeRing(st, linComb(1.0, st.centre, r, st.split), ring))
+                if (!makeRing(st, linComb(1.0, st.centre, r, st.split), next.ring))
                     return;
-                const int m = ring.count;
+                const int m = next.ring.count;
                 const double steps = std::nearbyint(wrapAngle(st.turn - start) / chord_);
-                offset = static_cast<int>(std::fmax(-m, std::fmin(m, steps)));
-                offset = (offset % m + m) % m;
-            } else {
-                const _s_hd_point_ dir =
-                    linComb(std::cos(start), st.radial, -std::sin(start), bend_.a);
-                if (!makeRing(st, linComb(1.0, st.centre, r, dir), ring))
-                    return;
+                next.offset = static_cast<int>(std::fmax(-m, std::fmin(m, steps)));
+                next.offset = (next.offset % m + m) % m;
+            } else if (!makeRing(st, ringPoint(bend_, st, start), next.ring)) {
+                return;
             }
-            tube = tubeRing(bend_, st, ring, offset);
-            extendBox(tube);
-            prevRing_ = ring;
+            next.tube = tubeRing(bend_, st, next.ring, next.offset);
+            prevRing_ = next.ring;
         }
-        addBand(prevTube_, tube);
-        addOutline(prevTube_.pts[0], tube.pts[0]);
-        addOutline(prevTube_.pts[prevTube_.half], tube.pts[tube.half]);
-        // The first and last rings of an elbow with ends are its end rims, drawn apart.
-        if (st.endOn && !last)
-            addRingOutline(tube);
+        // A ring's faces wait for the next ring: what it holds besides its pattern depends on
+        // both neighbours.
+        if (hasPending_)
+            settlePending(next.tube);
         prev_ = st;
-        prevTube_ = tube;
+        if (last) {
+            addRing(next.tube, false);
+        } else {
+            pending_ = next;
+            hasPending_ = true;
+        }
+    }
+
+    // Completes the waiting ring now that the next one (whose chains are those of next) is
+    // known, and adds its band. Where the tube is seen nearly along its length, a ring beside a
+    // drawn ring lies nearly over it, and the faces through its silhouette points, where those
+    // lie between two of the drawn ring's vertices outside their chord, stand over that chord
+    // and, nearer the viewer, hide it where it is the true outline. A ring drawn whole therefore
+    // takes the points round the tube where its neighbours' chains lie outside its chords: the
+    // faces through them then keep to its side of its chords, which run through those points.
+    // An end rim takes no extra vertex (it meets a pipe's rim chord for chord): a chain of the
+    // ring beside it runs through the nearest pattern vertex instead (see underRim).
+    void settlePending(const TubeRing& next) {
+        const PendingRing& p = pending_;
+        RingExtras extras;
+        // With rounding too coarse to tell the sides of a chord the ring stays as made.
+        const bool measurable = rimSlack_ <= kRimSlackShare * chainTol_;
+        if (measurable && p.st.endOn) {
+            const RimView drawn = rimView(p.st, p.tube.pts, p.tube.count);
+            for (const TubeRing* t : std::initializer_list<const TubeRing*>{&bandTube_, &next}) {
+                for (int side = 0; side < 2; ++side) {
+                    if (beyondChords(drawn, t->chain(side)) > rimSlack_)
+                        extras.angle[extras.count++] =
+                            t->sil + (side == 0 ? 0.0 : t->angle[t->half]);
+                }
+            }
+        } else if (measurable) {
+            for (int side = 0; side < 2; ++side)
+                extras.snapped[side] = underRim(p, side, bandTube_.chain(side), next.chain(side));
+        }
+        const bool remake = extras.count > 0 || extras.snapped[0] || extras.snapped[1];
+        addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn);
+    }
+
+    // Adds the band from the last ring added to tube, the chains along it and, for a ring seen
+    // end-on (drawn whole), the ring itself.
+    void addRing(const TubeRing& tube, bool drawnWhole) {
+        extendBox(tube);
+        addBand(bandTube_, tube);
+        for (int side = 0; side < 2; ++side) {
+            if (bandTube_.onSilhouette[side] && tube.onSilhouette[side])
+                addOutline(bandTube_.chain(side), tube.chain(side));
+        }
+        if (drawnWhole)
+            addRingOutline(tube);
+        bandTube_ = tube;
+    }
+
+    // True when the silhouette point of ring p on the given side lies under an end rim, between
+    // the rim's circle and one of its chords seen along Z, while the ring's pattern vertices on
+    // either side of it lie inside that chord (the ring lies beside the rim, with its pattern)
+    // and the chain's points on the rings before and after (prev, next) lie no farther outside
+    // the rim's chords than the outline may stray. When that point lies nearer the viewer than
+    // the rim, the faces through it would stand over the rim's chord and hide it, while the true
+    // outline there is the rim (unless the other end's face hides that chord anyway): the chain
+    // runs through the nearest pattern vertex instead, whose faces keep inside the chord, and is
+    // not drawn to or from that ring (its stretch lies along the rim, within the allowance of the
+    // drawn chords).
+    bool underRim(const PendingRing& p, int side, _s_hd_point_ prev, _s_hd_point_ next) const {
+        const _s_hd_point_ s = p.tube.chain(side);
+        for (const RimView* rim : {&startRim_, &farRim_}) {
+            if (!rim->usable || !rimCovers(*rim, s) || !nearerThanRim(*rim, s))
+                continue;
+            int over = 0;
+            for (int k = 1; k < rim->count; ++k) {
+                if (beyondChord(*rim, k, s) > beyondChord(*rim, over, s))
+                    over = k;
+            }
+            if (!(beyondChord(*rim, over, s) > rimSlack_) || beyondChords(*rim, prev) > chainTol_ ||
+                beyondChords(*rim, next) > chainTol_ ||
+                behindOtherEnd(*rim, rim == &startRim_ ? farRim_ : startRim_, over))
+                continue;
+            bool beside = true;
+            for (int k = 0; k < p.ring.count && beside; ++k) {
+                const double a =
+                    wrapAngle(aroundTube(bend_, p.st, vecSub(p.ring.pts[k], p.st.centre)) -
+                              p.st.turn - side * core::kPi);
+                beside =
+                    std::fabs(a) > chord_ || beyondChord(*rim, over, p.ring.pts[k]) <= rimSlack_;
+            }
+            if (beside)
+                return true;
+        }
+        return false;
+    }
+
+    // True when the middle of the rim's chord k lies behind the other end's flat face (inside
+    // its chords seen along Z, and farther from the viewer than its plane there): the chord is
+    // hidden whatever the tube does.
+    bool behindOtherEnd(const RimView& rim, const RimView& other, int k) const {
+        if (!other.usable)
+            return false;
+        const _s_hd_point_ mid = linComb(0.5, rim.pts[k], 0.5, rim.pts[(k + 1) % rim.count]);
+        return beyondChords(other, mid) < -rimSlack_ && !nearerThanRim(other, mid);
+    }
+
+    // True when p lies nearer the viewer than the rim's plane straight behind or before it.
+    bool nearerThanRim(const RimView& rim, _s_hd_point_ p) const {
+        const double depth = rim.centre.z - (rim.normal.x * (p.x - rim.centre.x) +
+                                             rim.normal.y * (p.y - rim.centre.y)) /
+                                                rim.normal.z;
+        return p.z < depth - rimSlack_;
+    }
+
+    // True when the line along Z through p meets the rim's disc (its circle within the slack).
+    bool rimCovers(const RimView& rim, _s_hd_point_ p) const {
+        const double lambda = vecDot(vecSub(rim.centre, p), rim.normal) / rim.normal.z;
+        const _s_hd_point_ d = vecSub(linComb(1.0, p, lambda, kViewAxis), rim.centre);
+        const double reach = bend_.tubeRadius + rimSlack_;
+        return vecDot(d, d) <= reach * reach;
+    }
+
+    // How far p seen along Z lies beyond the line of the rim's chord k (below 0 on its inner
+    // side); 0 for a chord of no length.
+    static double beyondChord(const RimView& rim, int k, _s_hd_point_ p) {
+        const _s_hd_point_ a = rim.pts[k];
+        const _s_hd_point_ b = rim.pts[(k + 1) % rim.count];
+        const double ex = b.x - a.x, ey = b.y - a.y;
+        const double len = std::hypot(ex, ey);
+        return len > 0.0 ? -rim.orient * (ex * (p.y - a.y) - ey * (p.x - a.x)) / len : 0.0;
+    }
+
+    // How far p seen along Z lies outside the rim's chords: the most it lies beyond one of them.
+    static double beyondChords(const RimView& rim, _s_hd_point_ p) {
+        double beyond = beyondChord(rim, 0, p);
+        for (int k = 1; k < rim.count; ++k)
+            beyond = std::fmax(beyond, beyondChord(rim, k, p));
+        return beyond;
+    }
+
+    // The end rim of the pattern ring ring at st, seen along Z.
+    static RimView rimView(const Station& st, const _s_hd_point_* pts, int count) {
+        RimView rim;
+        rim.centre = st.centre;
+        rim.normal = st.tangent;
+        rim.count = count;
+        double area = 0.0;
+        for (int k = 0; k < count; ++k) {
+            rim.pts[k] = pts[k];
+            const _s_hd_point_ a = pts[k];
+            const _s_hd_point_ b = pts[(k + 1) % count];
+            area += a.x * b.y - a.y * b.x;
+        }
+        rim.orient = area < 0.0 ? -1.0 : 1.0;
+        rim.usable = std::fabs(st.tangent.z) >= kRimSeenSlant;
+        return rim;
     }
 
     Bend bend_;
@@ -459,7 +706,12 @@ private:
     Station first_{};
     Station prev_{};
     TubeRing firstTube_;
-    TubeRing prevTube_;
+    TubeRing bandTube_;  // the last ring whose band is added
+    PendingRing pending_;
+    bool hasPending_ = false;
+    RimView startRim_;
+    RimView farRim_;
+    double rimSlack_ = 0.0;
     ViewSplitRing prevRing_;  // the last pattern ring made: the far end's at the end
     ProlineChain outline_;
 };

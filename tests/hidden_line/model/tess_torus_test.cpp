@@ -107,6 +107,12 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
         // Fat, and nearly along the tube between two chosen rings close to an end.
         {"fat, end-on before the end", 1, kPi / 2, {1.0002184, 2.132553, 1.908016}, {1, 0, 2e-4}},
         {"fat, end-on after the start", 1, kPi, {0.9999686, 3.044754, 2.895175}, {1, 0, -3e-4}},
+        // Fat, nearly along the tube beside the start rim, the tube beyond it nearer the viewer.
+        {"fat, nearly along the tube beside the start",
+         1.502569083274985,
+         kPi / 2,
+         {1.9778475535017748, 0.85714420913082279, 3.2928931833757957},
+         {0.76466260928371244, 0.6429066870489224, -0.044295436685999875}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, unit(v.a), 0};
