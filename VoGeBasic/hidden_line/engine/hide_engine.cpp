@@ -480,7 +480,7 @@ public:
 
 private:
     // Objects kept at most: in a generated plant of 10,000 primitives a pass then reads the
-    // faces of 12,700 objects for its 10,400 (twice the slots read hardly fewer).
+    // faces of 12,700 objects for its 10,000 (twice the slots read hardly fewer).
     static constexpr size_t kWindowSlots = 512;
     // The most room a slot keeps, as a multiple of what its faces take.
     static constexpr size_t kSlotSlack = 2;
