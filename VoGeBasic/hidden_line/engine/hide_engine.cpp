@@ -155,6 +155,7 @@ struct CachedFace {
     /// The plane's depth over the drawing plane: v[0].z + gx (x - v[0].x) + gy (y - v[0].y), and
     /// 1 plus its slope; NaN where the face is seen edge-on or has no plane.
     double gx, gy, slopeFactor;
+    size_t id;  ///< the face's name for the memo (FaceWindow)
 };
 
 // The smallest depth of the face's plane over the face's XY extents widened by kBehindExtentTol
@@ -344,60 +345,175 @@ bool faceBehindLine(const CachedFace& c, const LinePrune& l) {
     return c.zNear > l.zFar + hd::kLevelDepthTol + m;  // false for NaN
 }
 
-// The faces of all objects, read once: object i's faces are faces[first[i]] up to
-// faces[first[i + 1]], in list order (faces of fewer than three vertices left out).
-class FaceCache {
-public:
-    FaceCache() = default;
-    ~FaceCache() {
-        std::free(faces_);
-        std::free(first_);
-    }
-    FaceCache(const FaceCache&) = delete;
-    FaceCache& operator=(const FaceCache&) = delete;
+// Replaces room (what it held is not kept) with room for most items, setting capacity; false,
+// keeping the old room, if the new cannot be had.
+template <class T>
+bool renewRoom(T*& room, size_t& capacity, size_t most) {
+    if (most > SIZE_MAX / sizeof(T))
+        return false;
+    auto* fresh = static_cast<T*>(std::malloc(most * sizeof(T)));
+    if (fresh == nullptr)
+        return false;
+    std::free(room);
+    room = fresh;
+    capacity = most;
+    return true;
+}
 
-    bool build(_s_hd_prof_* const* objs, int n) {
+// The faces of the objects met lately, read and prepared once for the objects whose lines come
+// near them. Object j's faces (those of three vertices or more, in list order) are kept in slot
+// j mod kWindowSlots until another object takes the slot; in a generated plant nearly all the
+// objects whose boxes touch lie within a few hundred places of each other, so few faces are
+// read twice. Kept for every object at once, the faces took about as much room as the model, and
+// fresh room costs the pass a page fault per page; the slots' room is reused from object to
+// object. Each face keeps its place among all the scene's face records as its name (id), so a
+// face read again has the same name. Reading a face again gives the same data to the bit
+// (prepareFace depends on the face alone), so which faces are kept changes no result.
+class FaceWindow {
+public:
+    /// The faces of one object, as faces() gives them.
+    struct Span {
+        const CachedFace* begin;
+        const CachedFace* end;
+    };
+
+    FaceWindow() = default;
+    ~FaceWindow() {
+        for (size_t s = 0; slots_ != nullptr && s < kWindowSlots; ++s)
+            std::free(slots_[s].faces);
+        std::free(slots_);
+        std::free(first_);
+        std::free(spill_);
+    }
+    FaceWindow(const FaceWindow&) = delete;
+    FaceWindow& operator=(const FaceWindow&) = delete;
+
+    /// Counts the scene's face records and makes the slots; false if an allocation fails.
+    bool init(_s_hd_prof_* const* objs, int n) {
+        slots_ = static_cast<Slot*>(std::malloc(kWindowSlots * sizeof(Slot)));
+        if (slots_ == nullptr)
+            return false;
+        for (size_t s = 0; s < kWindowSlots; ++s)
+            slots_[s] = {nullptr, 0, 0, -1, -1};
+        first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
+        if (first_ == nullptr)
+            return false;
         size_t total = 0;
         for (int i = 0; i < n; ++i) {
-            if (objs[i] == nullptr)
-                continue;
-            for (const _s_hd_prosect_* f = objs[i]->prosect; f != nullptr; f = f->next)
+            first_[i] = total;
+            for (const _s_hd_prosect_* f = objs[i] != nullptr ? objs[i]->prosect : nullptr;
+                 f != nullptr; f = f->next)
                 ++total;
         }
-        first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
-        faces_ =
-            static_cast<CachedFace*>(std::malloc((total > 0 ? total : 1) * sizeof(CachedFace)));
-        if (first_ == nullptr || faces_ == nullptr)
-            return false;
-        size_t at = 0;
-        for (int i = 0; i < n; ++i) {
-            first_[i] = at;
-            if (objs[i] == nullptr)
-                continue;
-            for (const _s_hd_prosect_* f = objs[i]->prosect; f != nullptr; f = f->next) {
-                if (readFace(f->sect, faces_[at].face)) {
-                    prepareFace(faces_[at]);
-                    ++at;
-                }
-            }
-        }
-        first_[n] = at;
+        first_[n] = total;
         last_ = static_cast<size_t>(n);
         return true;
     }
 
-    size_t bytes() const {
-        return (first_[last_] + 1) * sizeof(CachedFace) + (last_ + 1) * sizeof(size_t);
+    /// The face records of the scene, faces of fewer than three vertices included.
+    size_t recordCount() const { return first_[last_]; }
+    /// The face records of the objects of the table's first count entries: no more faces than
+    /// this are in use for one object's lines.
+    size_t recordsOf(const HideCandidate* table, int count) const {
+        size_t most = 0;
+        for (int c = 0; c < count; ++c)
+            most += first_[table[c].index + 1] - first_[table[c].index];
+        return most;
     }
-    const CachedFace* begin(int i) const { return faces_ + first_[i]; }
-    size_t faceCount() const { return first_[last_]; }
-    size_t indexOf(const CachedFace* f) const { return static_cast<size_t>(f - faces_); }
-    const CachedFace* end(int i) const { return faces_ + first_[i + 1]; }
+
+    /// Makes room for faces of up to most records read while others are in use (see faces());
+    /// false if it cannot grow.
+    bool beginUse(size_t most) {
+        spillUsed_ = 0;
+        if (most <= spillCapacity_)
+            return true;
+        return renewRoom(spill_, spillCapacity_, most);
+    }
+
+    /// Object j's faces for the lines of object user, valid until beginUse is called again:
+    /// from j's slot, or read into it; when the slot holds the faces of another object in use
+    /// for the same user, read into the room beginUse made. False if an allocation fails.
+    bool faces(_s_hd_prof_* const* objs, int j, int user, Span& out) {
+        Slot& slot = slots_[static_cast<size_t>(j) % kWindowSlots];
+        if (slot.object == j) {
+            slot.user = user;
+            out = {slot.faces, slot.faces + slot.count};
+            return true;
+        }
+        const size_t records = first_[j + 1] - first_[j];
+        if (records == 0) {
+            out = {nullptr, nullptr};
+            return true;
+        }
+        const bool inSlot = slot.user != user;
+        CachedFace* room = nullptr;
+        if (!inSlot) {
+            room = spill_ + spillUsed_;
+            spillUsed_ += records;
+        } else {
+            // A slot keeps at most twice the room its faces take: what it gives back the
+            // allocator hands to the other slots, so the window's room follows the faces kept.
+            if (records > slot.capacity || slot.capacity > kSlotSlack * records) {
+                const size_t had = slot.capacity;
+                if (!renewRoom(slot.faces, slot.capacity, records))
+                    return false;
+                kept_ = kept_ - had + records;
+                peak_ = kept_ > peak_ ? kept_ : peak_;
+            }
+            room = slot.faces;
+        }
+        const size_t count = read(objs[j]->prosect, first_[j], room);
+        if (inSlot) {
+            slot.count = count;
+            slot.object = j;
+            slot.user = user;
+        }
+        out = {room, room + count};
+        return true;
+    }
+
+    /// The room the window takes at its largest.
+    size_t bytes() const {
+        return (peak_ + spillCapacity_) * sizeof(CachedFace) + kWindowSlots * sizeof(Slot) +
+               (last_ + 1) * sizeof(size_t);
+    }
 
 private:
-    CachedFace* faces_ = nullptr;
-    size_t* first_ = nullptr;
+    // Objects kept at most: in a generated plant of 10,000 primitives a pass then reads the
+    // faces of 12,700 objects for its 10,000 (twice the slots read hardly fewer).
+    static constexpr size_t kWindowSlots = 512;
+    // The most room a slot keeps, as a multiple of what its faces take.
+    static constexpr size_t kSlotSlack = 2;
+
+    struct Slot {
+        CachedFace* faces;
+        size_t count;
+        size_t capacity;
+        int object;  ///< the object whose faces are kept; -1: none
+        int user;    ///< the object whose lines last used them; -1: none
+    };
+
+    // Reads and prepares the faces of the list, named from id on, into room; returns how many.
+    static size_t read(const _s_hd_prosect_* list, size_t id, CachedFace* room) {
+        size_t at = 0;
+        for (const _s_hd_prosect_* f = list; f != nullptr; f = f->next, ++id) {
+            if (readFace(f->sect, room[at].face)) {
+                prepareFace(room[at]);
+                room[at].id = id;
+                ++at;
+            }
+        }
+        return at;
+    }
+
+    Slot* slots_ = nullptr;
+    size_t* first_ = nullptr;  ///< object i's face records are named first_[i] on
     size_t last_ = 0;
+    CachedFace* spill_ = nullptr;
+    size_t spillCapacity_ = 0;
+    size_t spillUsed_ = 0;
+    size_t kept_ = 0;  ///< the slots' room, in faces
+    size_t peak_ = 0;  ///< the most room the slots took at once
 };
 
 // What the face tests ask of a cached face: its edges' data, its area normal and its outline
@@ -452,8 +568,8 @@ public:
 
     /// Gathers the faces of the candidates (the table's first count entries) that meet the
     /// common range of object's lines, and empties the pool. False if the room cannot grow.
-    bool gather(const FaceCache& cache, const HideCandidate* table, int count,
-                const _s_hd_proline_* lines) {
+    bool gather(FaceWindow& window, _s_hd_prof_* const* objs, int user, const HideCandidate* table,
+                int count, const _s_hd_proline_* lines) {
         const double inf = std::numeric_limits<double>::infinity();
         LineRange all = {inf, -inf, inf, -inf};
         for (const _s_hd_proline_* l = lines; l != nullptr; l = l->next) {
@@ -461,16 +577,16 @@ public:
             all = {minOf(all.xmin, r.xmin), maxOf(all.xmax, r.xmax), minOf(all.ymin, r.ymin),
                    maxOf(all.ymax, r.ymax)};
         }
-        size_t most = 0;
-        for (int c = 0; c < count; ++c)
-            most += static_cast<size_t>(cache.end(table[c].index) - cache.begin(table[c].index));
-        if (most > capacity_ && !grow(most))
+        const size_t most = window.recordsOf(table, count);
+        if ((most > capacity_ && !renewRoom(entries_, capacity_, most)) || !window.beginUse(most))
             return false;
         size_t at = 0;
         for (int c = 0; c < count; ++c) {
             groups_[c] = at;
-            const int j = table[c].index;
-            for (const CachedFace* f = cache.begin(j); f != cache.end(j); ++f) {
+            FaceWindow::Span faces;
+            if (!window.faces(objs, table[c].index, user, faces))
+                return false;
+            for (const CachedFace* f = faces.begin; f != faces.end; ++f) {
                 const LineRange e = {f->face.xmin, f->face.xmax, f->face.ymin, f->face.ymax};
                 if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
                     e.ymin <= all.ymax)
@@ -503,17 +619,6 @@ public:
     size_t bytes() const { return capacity_ * sizeof(Entry) + poolCapacity_ * sizeof(FacePrep); }
 
 private:
-    bool grow(size_t most) {
-        if (most > SIZE_MAX / sizeof(Entry))
-            return false;
-        auto* entries = static_cast<Entry*>(std::malloc(most * sizeof(Entry)));
-        if (entries == nullptr)
-            return false;
-        std::free(entries_);
-        entries_ = entries;
-        capacity_ = most;
-        return true;
-    }
     bool growPool() {
         if (poolCapacity_ >= poolLimit_ || poolCapacity_ > INT32_MAX / 2)
             return false;
@@ -562,9 +667,9 @@ _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n) {
 _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats* stats) {
     if (objs == nullptr || n <= 0)
         return nullptr;
-    FaceCache cache;
+    FaceWindow window;
     NearFaces nearFaces;
-    if (!cache.build(objs, n) || !nearFaces.init(n, cache.faceCount()))
+    if (!window.init(objs, n) || !nearFaces.init(n, window.recordCount()))
         return nullptr;
     // Candidates from the grid over the objects' boxes, given the same box test in the same
     // ascending order as the full scan: the grid yields every object whose box can touch. If the
@@ -592,7 +697,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                         table[count++] = {objs[j]->prosect, j};
                 }
             }
-            gathered = nearFaces.gather(cache, table, count, objs[i]->proline);
+            gathered = nearFaces.gather(window, objs, i, table, count, objs[i]->proline);
             return count;
         },
         [&](_s_hd_proline_* line, const HideCandidate* table, int candidates,
@@ -635,8 +740,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     FacePrep spare;
                     const FacePrep& prep = nearFaces.prepared(*e, spare);
                     const size_t before = hidden.size();
-                    if (!appendHiddenPiece(prepared, f->face, hidden,
-                                           {&memo, cache.indexOf(f), &prep}) ||
+                    if (!appendHiddenPiece(prepared, f->face, hidden, {&memo, f->id, &prep}) ||
                         memo.failed())
                         return false;
                     if (hidden.size() > before) {
@@ -654,7 +758,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
         });
     std::free(near);
     if (stats != nullptr) {
-        stats->workingBytes = cache.bytes() + index.bytes() + memo.bytes() + hidden.bytes() +
+        stats->workingBytes = window.bytes() + index.bytes() + memo.bytes() + hidden.bytes() +
                               nearFaces.bytes() +
                               static_cast<size_t>(n) * (sizeof(int) + sizeof(HideCandidate));
     }

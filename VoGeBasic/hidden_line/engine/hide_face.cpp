@@ -100,8 +100,32 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
                      _s_hd_point_& c1, _s_hd_point_& c2) {
     const _s_hd_point_ p = line.p;
     const _s_hd_point_ q = line.q;
+    // An edge whose ends both lie on one side of the line's projection, farther from it than
+    // kEdgeApartAbs plus kEdgeApartRel times the face's size, gives no crossing, and is passed
+    // over without working one out. With every coordinate within kCullCoordLimit, the sides
+    // below (distance times the run's length) are off by at most 1.4e-6 of the run's length,
+    // and the crossing's parameter along the edge, its divisor at least kProjParallelTol times
+    // the product of the runs' lengths, by at most 5e-7 of itself plus 1.4e-6 of the line's run
+    // over the divisor: the point crossProjections works out lies on the edge's line beyond its
+    // nearer end by at least 9.9e-4 plus 9e-6 of the size (farther in space than in the drawing),
+    // off the line by rounding below 1e-6. There the parameter fails surelyOnSegment, the point is
+    // no end of the edge, and the edge subtends under 3e-3 rad from it (cosine far above
+    // kOnSegSureOffCos, rounded by under 2e-10): onEdgeAt answers false, as it does for a crossing
+    // of the edge's extension. NaN fails the comparisons and is worked out.
+    constexpr double kEdgeApartAbs = 1e-3;  // far above the 3.2e-5 of isPointOnSeg's end test
+    constexpr double kEdgeApartRel = 1e-5;  // covers the parameter's rounding along the edge
+    const double apart = (kEdgeApartAbs + kEdgeApartRel * faceSize(f)) * line.run.len;
+    double side[kMaxFaceVertices];
+    for (int k = 0; k < f.count; ++k)
+        side[k] = det2(f.v[k].x - p.x, f.v[k].y - p.y, line.run.dx, line.run.dy);
+    const bool bounded = boundedEnds(p, q);
     int found = 0;
     for (int k = 0; k < f.count; ++k) {
+        const int next = nextVertex(k, f.count);
+        if (((side[k] > apart && side[next] > apart) ||
+             (side[k] < -apart && side[next] < -apart)) &&
+            bounded && boundedEnds(f.v[k], f.v[next]))
+            continue;
         const ProjCrossing x = crossEdge(line, f, k, aids);
         if (x.parallel)
             continue;

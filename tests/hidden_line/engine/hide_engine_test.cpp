@@ -217,9 +217,10 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
     for (int k = 0; k < 200000; ++k) {
         const P a = {r(-5, 5), r(-5, 5), r(-5, 5)}, b = {r(-5, 5), r(-5, 5), r(-5, 5)};
         const double t = r(0.05, 0.95);
-        // Off the segment by about the distance at which the angle test turns there.
+        // Off the segment by about the distance at which the angle test turns there, or up to
+        // six times it, across where the distance alone answers 0.
         const double turn = 2.484e-4 * pointDist(a, b) * t * (1 - t);
-        const double d = turn * (1 + (r() < 0.5 ? r(-1e-4, 1e-4) : r(-0.5, 0.5)));
+        const double d = turn * (1 + (r() < 0.5 ? r(-1e-4, 1e-4) : r(-0.5, 5.0)));
         const P u = vecNormalize(vecCross(vecSub(b, a), {r(-1, 1), 1, 0.5}));
         const P p = linComb(1.0, linComb(1.0, a, t, vecSub(b, a)), d, u);
         const int expected = measured(p, a, b);
