@@ -141,10 +141,11 @@ double commonSpan(const HDFace& e, const HDFace& plane, bool bounded) {
     return spanOf(e, plane, maxOf, minOf);
 }
 
-// True when every vertex of e lies on one side of the face `plane`'s plane, farther from it than
-// the margin kOffPlaneAbs + kOffPlaneRel * D (D: commonSpan, the X plus Y plus Z extent of the
-// faces' common box; d: planeDistances): then collectPiercings keeps no point of e's edges, each
-// being passed over as parallel or by farOffEdge. For an edge a -> b with signed distances da,
+// The edges of e (bit k: edge k, from v[k] to v[k + 1]) whose two ends lie on one side of the
+// face `plane`'s plane, farther from it than the margin kOffPlaneAbs + kOffPlaneRel * D (D:
+// commonSpan, the X plus Y plus Z extent of the faces' common box; d: planeDistances): piercesAt
+// keeps no point of such an edge, passing it over as parallel or by farOffEdge, so
+// collectPiercings need not ask. For an edge a -> b with signed distances da,
 // db from the plane (n the plane's normal, |n| = 1 within rounding), both beyond the margin on
 // one side, the edge's line meets the plane at t = da / (da - db), outside [0, 1], and beyond the
 // nearer end by min(|da|, |db|) * |b - a| / |n . (b - a)|, at least the margin. Rounding: the
@@ -154,8 +155,16 @@ double commonSpan(const HDFace& e, const HDFace& plane, bool bounded) {
 // is off by at most 6e-11 times D plus the gap, which kOffPlaneRel covers, and the gap stays
 // above kOffEdgeGap. farOffEdge needs e's coordinates within kCullCoordLimit, which
 // planeDistances asks; NaN fails every comparison, so such faces are never passed over here.
-bool whollyOffPlane(const HDFace& e, const double* d, double span) {
-    return allBeyond(d, e.count, hd::kOffPlaneAbs + hd::kOffPlaneRel * span);
+unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
+    const double m = hd::kOffPlaneAbs + hd::kOffPlaneRel * span;
+    unsigned edges = 0;
+    for (int k = 0; k < e.count; ++k) {
+        const double da = d[k];
+        const double db = d[nextVertex(k, e.count)];
+        const bool off = (da > m && db > m) || (da < -m && db < -m);
+        edges |= off ? 1u << k : 0u;
+    }
+    return edges;
 }
 
 // isPointInFace(x, face.count, face.v) for the point x where the edge a -> b meets the face's
@@ -212,15 +221,14 @@ bool keepPoint(_s_hd_point_ x, _s_hd_point_* pts, int& kept) {
 
 // Adds to pts (kept so far: kept) the points where the edges of e pierce the face `plane`.
 // Returns true once two distinct points are kept. With ep and pp (the faces' prepared data,
-// both or neither) the faces' own parts of the tests are taken from them. offPlane says that e
-// lies wholly off the plane (whollyOffPlane): its edges keep no point.
+// both or neither) the faces' own parts of the tests are taken from them. offEdges marks the
+// edges that lie off the plane (offPlaneEdges): they keep no point.
 bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, int& kept,
-                      const FacePrep* ep, const FacePrep* pp, bool offPlane) {
-    if (offPlane)
-        return false;
+                      const FacePrep* ep, const FacePrep* pp, unsigned offEdges) {
     for (int k = 0; k < e.count; ++k) {
         _s_hd_point_ x;
-        if (piercesAt(e, k, plane, ep, pp, kept == 1 ? &pts[0] : nullptr, x) &&
+        if ((offEdges >> k & 1u) == 0 &&
+            piercesAt(e, k, plane, ep, pp, kept == 1 ? &pts[0] : nullptr, x) &&
             keepPoint(x, pts, kept))
             return true;
     }
@@ -231,10 +239,12 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
 // finds them but without passing over repeats or stopping at two; returns how many (out: room
 // for four).
 int allPiercings(const HDFace& e, const HDFace& plane, const FacePrep& ep, const FacePrep& pp,
-                 bool offPlane, _s_hd_point_* out) {
+                 unsigned offEdges, _s_hd_point_* out) {
     int n = 0;
-    for (int k = 0; k < e.count && !offPlane; ++k)
-        n += piercesAt(e, k, plane, &ep, &pp, nullptr, out[n]) ? 1 : 0;
+    for (int k = 0; k < e.count; ++k) {
+        if ((offEdges >> k & 1u) == 0)
+            n += piercesAt(e, k, plane, &ep, &pp, nullptr, out[n]) ? 1 : 0;
+    }
     return n;
 }
 
@@ -255,27 +265,43 @@ struct PreparedFace {
     FaceFacts facts;
 };
 
-// The faces of obj, read and prepared once for all the registered objects. Null if the object
-// has no face to read or an allocation fails; count says how many were read.
-PreparedFace* readFaces(const _s_hd_prof_* obj, int& count, bool& ok) {
-    count = 0;
+// The faces of one object, read and prepared for intersection (readFaces). ext[k] repeats the
+// extents of faces[k] in one short run of memory, so that the scans that look for the faces whose
+// extents overlap a given face's read a few cache lines rather than one per face; faces and ext
+// share one allocation, released by freeing faces.
+struct ObjectFaces {
+    PreparedFace* faces;
+    int count;
+    Extents* ext;
+};
+
+// The faces of obj, read and prepared once for all the registered objects. faces is null if the
+// object has no face to read or an allocation fails (ok false).
+ObjectFaces readFaces(const _s_hd_prof_* obj, bool& ok) {
+    ObjectFaces read = {nullptr, 0, nullptr};
     ok = true;
     size_t total = 0;
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next)
         ++total;
-    auto* faces = static_cast<PreparedFace*>(std::malloc(total * sizeof(PreparedFace)));
+    static_assert(alignof(Extents) <= alignof(PreparedFace), "ext follows the faces");
+    auto* faces =
+        static_cast<PreparedFace*>(std::malloc(total * (sizeof(PreparedFace) + sizeof(Extents))));
     if (faces == nullptr) {
         ok = false;
-        return nullptr;
+        return read;
     }
+    auto* ext = reinterpret_cast<Extents*>(faces + total);
+    int count = 0;
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
-        if (readFace(f->sect, faces[count].face)) {
-            withOutline(faces[count].face, faces[count].prep);
-            faces[count].facts = faceFacts(faces[count].face);
+        HDFace& face = faces[count].face;
+        if (readFace(f->sect, face)) {
+            withOutline(face, faces[count].prep);
+            faces[count].facts = faceFacts(face);
+            ext[count] = {face.xmax, face.xmin, face.ymax, face.ymin, face.zmax, face.zmin};
             ++count;
         }
     }
-    return faces;
+    return {faces, count, ext};
 }
 
 // True when the segment a -> b runs along one edge of the face (both ends on it). With the
@@ -295,7 +321,7 @@ bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const Fac
 // faces f and g (isFlatFace), their coordinates within kCullCoordLimit, meet nowhere when one
 // lies wholly farther than M on one side of the other's plane (df, dg: f's distances from g's plane
 // and g's from f's). Say f lies beyond M from g's plane, s being the signed distance from it. The
-// edges of f keep no point (whollyOffPlane, whose margin is below M). A point x that an edge
+// edges of f keep no point (offPlaneEdges, whose margin is below M). A point x that an edge
 // a -> b of g keeps is on that edge by isPointOnSeg: within 3.2e-5 of an end, or within
 // 2.5e-4 |b - a| plus 1.2e-4 sqrt|b - a| of the segment (kCullMarginAbs tells why); the edge
 // lies in g's plane to within kCullFlatRel times g's size, so |s(x)| <= 2.6e-4 D +
@@ -347,20 +373,21 @@ bool apartAlongLine(const HDFace& f, const HDFace& g, double m) {
 }
 
 // What the faces f and g tell of their meeting before any edge is pierced: apart, they meet
-// nowhere (no plane, parallel, or beyond the apartMargin); otherwise fOff and gOff say which
-// lies wholly off the other's plane (whollyOffPlane). With shortcuts false only the first two are
-// asked.
+// nowhere (no plane, parallel, or beyond the apartMargin); otherwise fOff and gOff mark the
+// edges of each that lie off the other's plane (offPlaneEdges). With shortcuts false only the
+// first two are asked.
 struct PairSides {
-    bool apart, fOff, gOff;
+    bool apart;
+    unsigned fOff, gOff;
 };
 PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const FaceFacts& gf,
                     bool shortcuts) {
     if (ff.noPlane || gf.noPlane)
-        return {true, false, false};
+        return {true, 0u, 0u};
     if (std::fabs(std::fabs(vecDot(f.normal, g.normal)) - 1.0) < hd::kParallelFacesTol)
-        return {true, false, false};
+        return {true, 0u, 0u};
     if (!shortcuts)
-        return {false, false, false};
+        return {false, 0u, 0u};
     const double span = commonSpan(f, g, ff.bounded && gf.bounded);
     const double m = apartMargin(span);
     const bool bothFlat = ff.flat && gf.flat;
@@ -368,19 +395,19 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
     // those; g's are worked out only when not.
     const bool cullable = ff.bounded && gf.bounded && bothFlat;
     if (cullable && wellBeyond(ff, g, m))
-        return {true, false, false};
+        return {true, 0u, 0u};
     double df[kMaxFaceVertices];
     double dg[kMaxFaceVertices];
     const bool fBounded = planeDistances(f, ff.bounded, g, df);
     if (fBounded && gf.bounded && bothFlat && allBeyond(df, f.count, m))
-        return {true, false, false};
+        return {true, 0u, 0u};
     if (cullable && wellBeyond(gf, f, m))
-        return {true, false, false};
+        return {true, 0u, 0u};
     const bool gBounded = planeDistances(g, gf.bounded, f, dg);
     if (fBounded && gBounded && bothFlat && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)))
-        return {true, false, false};
-    return {false, fBounded && whollyOffPlane(f, df, span),
-            gBounded && whollyOffPlane(g, dg, span)};
+        return {true, 0u, 0u};
+    return {false, fBounded ? offPlaneEdges(f, df, span) : 0u,
+            gBounded ? offPlaneEdges(g, dg, span) : 0u};
 }
 
 // cutAlong's last step, for the two distinct points pts kept from the faces f and g. Two faces
@@ -395,8 +422,8 @@ bool alongEdge(const _s_hd_point_* pts, const HDFace& f, const FacePrep* fp, con
 // faceInterLine for a pair that pairSides leaves open.
 bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
               const PairSides& sides, _s_hd_point_& a, _s_hd_point_& b) {
-    const bool fOff = sides.fOff;
-    const bool gOff = sides.gOff;
+    const unsigned fOff = sides.fOff;
+    const unsigned gOff = sides.gOff;
     _s_hd_point_ pts[2];
     int kept = 0;
     if (!collectPiercings(f, g, pts, kept, fp, gp, fOff) &&
@@ -427,12 +454,6 @@ bool getFaceInterLine(const HDFace& f, const FacePrep& fp, const HDFace& g, cons
 }
 
 namespace {
-
-// The faces of one object, read and prepared for intersection (readFaces).
-struct ObjectFaces {
-    PreparedFace* faces;
-    int count;
-};
 
 // The first two distinct points of the piercings s (ns of them) and then t (nt), kept in turn
 // as collectPiercings keeps them; true when there are two.
@@ -488,7 +509,7 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
     for (int k = 0; k < n; ++k) {
         head[k] = tail[k] = -1;
         outside[outsideCount] = k;
-        outsideCount += extentsOverlap(own.faces[k].face, all) ? 0 : 1;
+        outsideCount += extentsOverlap(own.ext[k], all) ? 0 : 1;
     }
     OwnCut* cuts = nullptr;
     int used = 0;
@@ -496,7 +517,8 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
     bool ok = true;
     for (int fi = 0; fi < n && ok; ++fi) {
         const PreparedFace& f = own.faces[fi];
-        if (!extentsOverlap(f.face, all))
+        const Extents& fe = own.ext[fi];
+        if (!extentsOverlap(fe, all))
             continue;
         // The faces g before f, in order: the results of those met were kept when (g, f) was
         // met (none kept: the pair lies apart); the others are worked out now.
@@ -512,9 +534,9 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
                 continue;
             }
             ++out;
-            const PreparedFace& g = own.faces[notMet];
-            if (!extentsOverlap(f.face, g.face))
+            if (!extentsOverlap(fe, own.ext[notMet]))
                 continue;
+            const PreparedFace& g = own.faces[notMet];
             const PairSides sides = pairSides(f.face, f.facts, g.face, g.facts, true);
             _s_hd_point_ a;
             _s_hd_point_ b;
@@ -523,9 +545,9 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
         }
         // f itself and the faces after it.
         for (int gi = fi; gi < n && ok; ++gi) {
-            const PreparedFace& g = own.faces[gi];
-            if (!extentsOverlap(f.face, g.face))
+            if (!extentsOverlap(fe, own.ext[gi]))
                 continue;
+            const PreparedFace& g = own.faces[gi];
             const PairSides sides = pairSides(f.face, f.facts, g.face, g.facts, true);
             if (sides.apart)
                 continue;
@@ -554,7 +576,7 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
             const bool back = twoQ && !alongQ;
             if (line)
                 ok = found.append(p[0], p[1]);
-            if (!ok || !extentsOverlap(g.face, all))
+            if (!ok || !extentsOverlap(own.ext[gi], all))
                 continue;
             if (used == room) {
                 const int more = room == 0 ? 64 : room < INT_MAX / 2 ? 2 * room : 0;
@@ -599,7 +621,7 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
     // that does not overlap it overlaps none of them, each lying within it on every axis.
     Extents all = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
     for (int g = 0; g < own.count; ++g) {
-        const HDFace& h = own.faces[g].face;
+        const Extents& h = own.ext[g];
         all.xmax = g == 0 ? h.xmax : std::fmax(all.xmax, h.xmax);
         all.xmin = g == 0 ? h.xmin : std::fmin(all.xmin, h.xmin);
         all.ymax = g == 0 ? h.ymax : std::fmax(all.ymax, h.ymax);
@@ -611,10 +633,12 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
     // getFaceInterLine for f and each face of obj, with the faces' prepared data; f, unless
     // prepared already, is prepared only once a pair is left open.
     auto meet = [&](PreparedFace& f, bool prepared) {
+        const Extents fe = {f.face.xmax, f.face.xmin, f.face.ymax,
+                            f.face.ymin, f.face.zmax, f.face.zmin};
         for (int g = 0; g < own.count && ok; ++g) {
-            const PreparedFace& h = own.faces[g];
-            if (!extentsOverlap(f.face, h.face))
+            if (!extentsOverlap(fe, own.ext[g]))
                 continue;
+            const PreparedFace& h = own.faces[g];
             const PairSides sides = pairSides(f.face, f.facts, h.face, h.facts, true);
             if (sides.apart)
                 continue;
@@ -690,7 +714,7 @@ struct RecentFaces {
         }
         for (int s = 0; s < kRecentSlots; ++s) {
             index[s] = -1;
-            kept[s] = {nullptr, 0};
+            kept[s] = {nullptr, 0, nullptr};
         }
         size_t faces = 0;
         for (int i = 0; i < n; ++i) {
@@ -704,12 +728,12 @@ struct RecentFaces {
     /// Object i's faces if kept, else {null, 0}.
     ObjectFaces find(int i) const {
         const int s = i % kRecentSlots;
-        return index[s] == i ? kept[s] : ObjectFaces{nullptr, 0};
+        return index[s] == i ? kept[s] : ObjectFaces{nullptr, 0, nullptr};
     }
     void dropSlot(int s) {
         keptFaces -= static_cast<size_t>(kept[s].count);
         std::free(kept[s].faces);
-        kept[s] = {nullptr, 0};
+        kept[s] = {nullptr, 0, nullptr};
         index[s] = -1;
     }
     /// Takes over object i's faces (i above every index kept so far), keeping them if they fit
@@ -742,10 +766,9 @@ struct RecentFaces {
 // then) or an allocation fails (ok false).
 ObjectFaces readOwnFaces(const _s_hd_prof_* obj, bool needed, bool& ok) {
     ok = true;
-    ObjectFaces own = {nullptr, 0};
     if (obj != nullptr && obj->prosect != nullptr && needed)
-        own.faces = readFaces(obj, own.count, ok);
-    return own;
+        return readFaces(obj, ok);
+    return {nullptr, 0, nullptr};
 }
 
 }  // namespace
@@ -761,7 +784,7 @@ void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max
     if (!ok)
         return;
     addCutLines(obj, own, [&](auto&& visit) {
-        for (int k = 0; k < registered && visit(objs[k], ObjectFaces{nullptr, 0}); ++k) {
+        for (int k = 0; k < registered && visit(objs[k], ObjectFaces{nullptr, 0, nullptr}); ++k) {
         }
     });
     std::free(own.faces);
