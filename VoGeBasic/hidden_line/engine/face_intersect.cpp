@@ -123,17 +123,19 @@ bool allBeyond(const double* d, int count, double m) {
 
 // The X plus Y plus Z extent of the common box of two faces, the larger and smaller of two
 // extents taken by hi and lo.
-template <class Hi, class Lo>
-double spanOf(const HDFace& e, const HDFace& plane, Hi hi, Lo lo) {
+template <class E, class P, class Hi, class Lo>
+double spanOf(const E& e, const P& plane, Hi hi, Lo lo) {
     return (hi(e.xmax, plane.xmax) - lo(e.xmin, plane.xmin)) +
            (hi(e.ymax, plane.ymax) - lo(e.ymin, plane.ymin)) +
            (hi(e.zmax, plane.zmax) - lo(e.zmin, plane.zmin));
 }
 
-// The X plus Y plus Z extent of the common box of two faces. bounded: both are boundedFace, so
-// no extent is NaN, and maxOf and minOf give what a plain comparison gives; that one compiles
-// to no branch (which extent is the larger is a toss-up from one pair to the next).
-double commonSpan(const HDFace& e, const HDFace& plane, bool bounded) {
+// The X plus Y plus Z extent of the common box of two faces (or of a face and a box). bounded:
+// no extent is NaN (both boundedFace), and maxOf and minOf give what a plain comparison gives;
+// that one compiles to no branch (which extent is the larger is a toss-up from one pair to the
+// next).
+template <class E, class P>
+double commonSpan(const E& e, const P& plane, bool bounded) {
     if (bounded)
         return spanOf(
             e, plane, [](double a, double b) { return a > b ? a : b; },
@@ -347,6 +349,41 @@ bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const Fac
 // each cross the other's plane, but at different places along it.
 double apartMargin(double span) {
     return hd::kFacesApartAbs + hd::kFacesApartRel * span;
+}
+
+// The common box of one object's faces (the extents of those that have them), with what
+// clearOfObject asks of it.
+struct ObjectBox {
+    Extents all;
+    bool cullable;        ///< some face, and every face boundedFace and isFlatFace
+    _s_hd_point_ centre;  ///< the middle of all
+    _s_hd_point_ half;    ///< half of all's extent on each axis
+};
+
+// True when pairSides says apart for the face f (its facts ff) and every face of an object (its
+// ObjectBox box): when f is flat and bounded, every face of the object is too, and the box lies
+// wholly on one side of f's plane, farther from it than the margin m' = apartMargin(commonSpan
+// of f's extents and the box) plus kWellBeyondSlack. Each face g of the object lies within the
+// box, so its common span with f is at most that of f and the box (rounded differences and sums
+// keep that order), and so is the margin M that pairSides uses for the pair: M <= m'. Every
+// vertex v of g lies in the box, whose points x have n . (x - v0) within |nx| hx + |ny| hy +
+// |nz| hz of n . (centre - v0) (n f's unit normal, v0 its first vertex, h the half extents);
+// so each of g's distances from f's plane lies beyond m' + kWellBeyondSlack - 1e-15 |x|, on the
+// same side. Rounding of the centre, the half extents and the distances here, and of those
+// planeDistances works out, stays below 1e-5 at coordinates within kCullCoordLimit: every
+// distance pairSides compares lies beyond M by over 8e-5, and as f and g are both flat and
+// bounded, allBeyond of g's distances, if nothing before it, answers apart. NaN fails.
+bool clearOfObject(const PreparedFace& f, const ObjectBox& box) {
+    const FaceFacts& ff = f.facts;
+    if (!box.cullable || !ff.bounded || !ff.flat || ff.noPlane)
+        return false;
+    const HDFace& e = f.face;
+    const double far = apartMargin(commonSpan(e, box.all, true)) + kWellBeyondSlack;
+    const _s_hd_point_ n = e.normal;
+    const double d = vecDot(n, vecSub(box.centre, e.v[0]));
+    const double r =
+        std::fabs(n.x) * box.half.x + std::fabs(n.y) * box.half.y + std::fabs(n.z) * box.half.z;
+    return d - r > far || d + r < -far;
 }
 
 // The least and greatest of u . v over a face's vertices (NaN fails the caller's tests).
@@ -629,10 +666,20 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
         all.zmax = g == 0 ? h.zmax : std::fmax(all.zmax, h.zmax);
         all.zmin = g == 0 ? h.zmin : std::fmin(all.zmin, h.zmin);
     }
+    ObjectBox box = {
+        all,
+        own.count > 0,
+        {0.5 * (all.xmax + all.xmin), 0.5 * (all.ymax + all.ymin), 0.5 * (all.zmax + all.zmin)},
+        {0.5 * (all.xmax - all.xmin), 0.5 * (all.ymax - all.ymin), 0.5 * (all.zmax - all.zmin)}};
+    for (int g = 0; g < own.count; ++g)
+        box.cullable = box.cullable && own.faces[g].facts.bounded && own.faces[g].facts.flat;
     ProlineChain found;
     // getFaceInterLine for f and each face of obj, with the faces' prepared data; f, unless
-    // prepared already, is prepared only once a pair is left open.
+    // prepared already, is prepared only once a pair is left open. A face whose plane leaves
+    // all of obj well to one side meets none of its faces (clearOfObject).
     auto meet = [&](PreparedFace& f, bool prepared) {
+        if (clearOfObject(f, box))
+            return;
         const Extents fe = {f.face.xmax, f.face.xmin, f.face.ymax,
                             f.face.ymin, f.face.zmax, f.face.zmin};
         for (int g = 0; g < own.count && ok; ++g) {
