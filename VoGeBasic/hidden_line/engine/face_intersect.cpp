@@ -271,16 +271,48 @@ struct PreparedFace {
 // extents of faces[k] in one short run of memory, so that the scans that look for the faces whose
 // extents overlap a given face's read a few cache lines rather than one per face; faces and ext
 // share one allocation, released by freeing faces.
+// The common box of one object's faces (the extents of those that have them), with what
+// clearOfObject asks of it.
+struct ObjectBox {
+    Extents all;
+    bool cullable;        ///< some face, and every face boundedFace and isFlatFace
+    _s_hd_point_ centre;  ///< the middle of all
+    _s_hd_point_ half;    ///< half of all's extent on each axis
+};
+
+// The ObjectBox of count faces, ext[k] the extents of faces[k].
+ObjectBox objectBox(const PreparedFace* faces, const Extents* ext, int count) {
+    // A face whose extents are NaN is left out of the common box (and makes it not cullable).
+    Extents all = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
+    bool cullable = count > 0;
+    for (int g = 0; g < count; ++g) {
+        const Extents& h = ext[g];
+        all.xmax = g == 0 ? h.xmax : std::fmax(all.xmax, h.xmax);
+        all.xmin = g == 0 ? h.xmin : std::fmin(all.xmin, h.xmin);
+        all.ymax = g == 0 ? h.ymax : std::fmax(all.ymax, h.ymax);
+        all.ymin = g == 0 ? h.ymin : std::fmin(all.ymin, h.ymin);
+        all.zmax = g == 0 ? h.zmax : std::fmax(all.zmax, h.zmax);
+        all.zmin = g == 0 ? h.zmin : std::fmin(all.zmin, h.zmin);
+        cullable = cullable && faces[g].facts.bounded && faces[g].facts.flat;
+    }
+    return {
+        all,
+        cullable,
+        {0.5 * (all.xmax + all.xmin), 0.5 * (all.ymax + all.ymin), 0.5 * (all.zmax + all.zmin)},
+        {0.5 * (all.xmax - all.xmin), 0.5 * (all.ymax - all.ymin), 0.5 * (all.zmax - all.zmin)}};
+}
+
 struct ObjectFaces {
     PreparedFace* faces;
     int count;
     Extents* ext;
+    ObjectBox box;  ///< objectBox of the faces
 };
 
 // The faces of obj, read and prepared once for all the registered objects. faces is null if the
 // object has no face to read or an allocation fails (ok false).
 ObjectFaces readFaces(const _s_hd_prof_* obj, bool& ok) {
-    ObjectFaces read = {nullptr, 0, nullptr};
+    ObjectFaces read = {nullptr, 0, nullptr, {}};
     ok = true;
     size_t total = 0;
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next)
@@ -303,7 +335,7 @@ ObjectFaces readFaces(const _s_hd_prof_* obj, bool& ok) {
             ++count;
         }
     }
-    return {faces, count, ext};
+    return {faces, count, ext, objectBox(faces, ext, count)};
 }
 
 // True when the segment a -> b runs along one edge of the face (both ends on it). With the
@@ -351,20 +383,12 @@ double apartMargin(double span) {
     return hd::kFacesApartAbs + hd::kFacesApartRel * span;
 }
 
-// The common box of one object's faces (the extents of those that have them), with what
-// clearOfObject asks of it.
-struct ObjectBox {
-    Extents all;
-    bool cullable;        ///< some face, and every face boundedFace and isFlatFace
-    _s_hd_point_ centre;  ///< the middle of all
-    _s_hd_point_ half;    ///< half of all's extent on each axis
-};
-
 // True when pairSides says apart for the face f (its facts ff) and every face of an object (its
-// ObjectBox box): when f is flat and bounded, every face of the object is too, and the box lies
-// wholly on one side of f's plane, farther from it than the margin m' = apartMargin(commonSpan
-// of f's extents and the box) plus kWellBeyondSlack. Each face g of the object lies within the
-// box, so its common span with f is at most that of f and the box (rounded differences and sums
+// ObjectBox box), in either order: when f is flat and bounded, every face of the object is too,
+// and the box lies wholly on one side of f's plane, farther from it than m' + kWellBeyondSlack,
+// m' being apartMargin(commonSpan of f's extents and the box). Each face g of the object lies
+// within the box, so its common span with f is at most that of f and the box (the larger of two
+// extents and the smaller are taken alike in either order, and rounded differences and sums
 // keep that order), and so is the margin M that pairSides uses for the pair: M <= m'. Every
 // vertex v of g lies in the box, whose points x have n . (x - v0) within |nx| hx + |ny| hy +
 // |nz| hz of n . (centre - v0) (n f's unit normal, v0 its first vertex, h the half extents);
@@ -372,7 +396,8 @@ struct ObjectBox {
 // same side. Rounding of the centre, the half extents and the distances here, and of those
 // planeDistances works out, stays below 1e-5 at coordinates within kCullCoordLimit: every
 // distance pairSides compares lies beyond M by over 8e-5, and as f and g are both flat and
-// bounded, allBeyond of g's distances, if nothing before it, answers apart. NaN fails.
+// bounded, allBeyond of g's distances (dg for the pair (f, g), df for (g, f)), if nothing
+// before it, answers apart. NaN fails.
 bool clearOfObject(const PreparedFace& f, const ObjectBox& box) {
     const FaceFacts& ff = f.facts;
     if (!box.cullable || !ff.bounded || !ff.flat || ff.noPlane)
@@ -654,35 +679,26 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
     if (obj == nullptr || obj->prosect == nullptr || obj->proline == nullptr)
         return;
     bool ok = true;
-    // The common box of obj's faces' extents (a face whose extents are NaN left out): a face
-    // that does not overlap it overlaps none of them, each lying within it on every axis.
-    Extents all = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
-    for (int g = 0; g < own.count; ++g) {
-        const Extents& h = own.ext[g];
-        all.xmax = g == 0 ? h.xmax : std::fmax(all.xmax, h.xmax);
-        all.xmin = g == 0 ? h.xmin : std::fmin(all.xmin, h.xmin);
-        all.ymax = g == 0 ? h.ymax : std::fmax(all.ymax, h.ymax);
-        all.ymin = g == 0 ? h.ymin : std::fmin(all.ymin, h.ymin);
-        all.zmax = g == 0 ? h.zmax : std::fmax(all.zmax, h.zmax);
-        all.zmin = g == 0 ? h.zmin : std::fmin(all.zmin, h.zmin);
-    }
-    ObjectBox box = {
-        all,
-        own.count > 0,
-        {0.5 * (all.xmax + all.xmin), 0.5 * (all.ymax + all.ymin), 0.5 * (all.zmax + all.zmin)},
-        {0.5 * (all.xmax - all.xmin), 0.5 * (all.ymax - all.ymin), 0.5 * (all.zmax - all.zmin)}};
-    for (int g = 0; g < own.count; ++g)
-        box.cullable = box.cullable && own.faces[g].facts.bounded && own.faces[g].facts.flat;
+    // The common box of obj's faces' extents: a face that does not overlap it overlaps none of
+    // them, each lying within it on every axis.
+    const ObjectBox& box = own.box;
+    const Extents& all = box.all;
+    // Per face of obj, when a neighbour's faces are kept: whether its plane leaves all of them
+    // well to one side, so that it meets none (clearOfObject). Without the room the faces are
+    // all compared.
+    auto* clear = own.count > 0 ? static_cast<unsigned char*>(std::malloc(own.count)) : nullptr;
     ProlineChain found;
     // getFaceInterLine for f and each face of obj, with the faces' prepared data; f, unless
     // prepared already, is prepared only once a pair is left open. A face whose plane leaves
     // all of obj well to one side meets none of its faces (clearOfObject).
-    auto meet = [&](PreparedFace& f, bool prepared) {
+    auto meet = [&](PreparedFace& f, bool prepared, const unsigned char* passOver) {
         if (clearOfObject(f, box))
             return;
         const Extents fe = {f.face.xmax, f.face.xmin, f.face.ymax,
                             f.face.ymin, f.face.zmax, f.face.zmin};
         for (int g = 0; g < own.count && ok; ++g) {
+            if (passOver != nullptr && passOver[g] != 0)
+                continue;
             if (!extentsOverlap(fe, own.ext[g]))
                 continue;
             const PreparedFace& h = own.faces[g];
@@ -705,9 +721,12 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
             ok = meetOwnFaces(own, all, found);
             return ok;
         }
+        const bool passOver = read.faces != nullptr && read.box.cullable && clear != nullptr;
+        for (int g = 0; passOver && g < own.count; ++g)
+            clear[g] = clearOfObject(own.faces[g], read.box) ? 1 : 0;
         for (int k = 0; k < read.count && ok; ++k) {
             if (extentsOverlap(read.faces[k].face, all))
-                meet(read.faces[k], true);
+                meet(read.faces[k], true, passOver ? clear : nullptr);
         }
         if (read.faces != nullptr)
             return ok;
@@ -716,10 +735,11 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
             if (!readFace(fs->sect, f.face) || !extentsOverlap(f.face, all))
                 continue;
             f.facts = faceFacts(f.face);
-            meet(f, false);
+            meet(f, false, nullptr);
         }
         return ok;
     });
+    std::free(clear);
     if (!ok) {
         releaseProline(found.head);
         return;
@@ -761,7 +781,7 @@ struct RecentFaces {
         }
         for (int s = 0; s < kRecentSlots; ++s) {
             index[s] = -1;
-            kept[s] = {nullptr, 0, nullptr};
+            kept[s] = {nullptr, 0, nullptr, {}};
         }
         size_t faces = 0;
         for (int i = 0; i < n; ++i) {
@@ -775,12 +795,12 @@ struct RecentFaces {
     /// Object i's faces if kept, else {null, 0}.
     ObjectFaces find(int i) const {
         const int s = i % kRecentSlots;
-        return index[s] == i ? kept[s] : ObjectFaces{nullptr, 0, nullptr};
+        return index[s] == i ? kept[s] : ObjectFaces{nullptr, 0, nullptr, {}};
     }
     void dropSlot(int s) {
         keptFaces -= static_cast<size_t>(kept[s].count);
         std::free(kept[s].faces);
-        kept[s] = {nullptr, 0, nullptr};
+        kept[s] = {nullptr, 0, nullptr, {}};
         index[s] = -1;
     }
     /// Takes over object i's faces (i above every index kept so far), keeping them if they fit
@@ -815,7 +835,7 @@ ObjectFaces readOwnFaces(const _s_hd_prof_* obj, bool needed, bool& ok) {
     ok = true;
     if (obj != nullptr && obj->prosect != nullptr && needed)
         return readFaces(obj, ok);
-    return {nullptr, 0, nullptr};
+    return {nullptr, 0, nullptr, {}};
 }
 
 }  // namespace
@@ -831,7 +851,8 @@ void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& count, int max
     if (!ok)
         return;
     addCutLines(obj, own, [&](auto&& visit) {
-        for (int k = 0; k < registered && visit(objs[k], ObjectFaces{nullptr, 0, nullptr}); ++k) {
+        for (int k = 0; k < registered && visit(objs[k], ObjectFaces{nullptr, 0, nullptr, {}});
+             ++k) {
         }
     });
     std::free(own.faces);
