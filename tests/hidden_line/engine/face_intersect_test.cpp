@@ -25,6 +25,31 @@ std::vector<P> polygon(std::mt19937& rng, P c, P e1, P e2, double r, double spre
     return pts;
 }
 
+using Prepared = std::vector<std::pair<HDFace, FacePrep>>;
+
+// The faces read and prepared.
+Prepared prepareAll(const std::vector<std::vector<P>>& faces) {
+    Prepared out;
+    for (const auto& fv : faces) {
+        out.push_back({faceOf(fv), {}});
+        prepareFaceTests(out.back().first, out.back().second);
+    }
+    return out;
+}
+
+// Appends to out, pair by pair in order (each face of from with each of to), the segments of the
+// pairs whose extents overlap and that getFaceInterLine cuts.
+void pairCuts(const Prepared& from, const Prepared& to, std::vector<Seg>& out) {
+    for (const auto& [f, fp] : from) {
+        for (const auto& [g, gp] : to) {
+            P a{}, b{};
+            if (f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
+                f.zmax > g.zmin && f.zmin < g.zmax && getFaceInterLine(f, fp, g, gp, a, b))
+                out.emplace_back(a, b);
+        }
+    }
+}
+
 TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo) {
     // Turned, a box's neighbouring faces overlap in their extents and meet along the edge they
     // share; so do the faces of two turned boxes standing edge to edge. Neither adds a line.
@@ -131,19 +156,8 @@ TEST(KestFaceIntersect, OwnFacesCutAsEachPairDoes) {
     std::vector<_s_hd_prof_*> obj = {makeObject(faces, {first})};
     registerAll(obj);
     std::vector<Seg> expected = {first};
-    std::vector<std::pair<HDFace, FacePrep>> prepared;
-    for (const auto& fv : faces) {
-        prepared.push_back({faceOf(fv), {}});
-        prepareFaceTests(prepared.back().first, prepared.back().second);
-    }
-    for (const auto& [f, fp] : prepared) {
-        for (const auto& [g, gp] : prepared) {
-            P a{}, b{};
-            if (f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
-                f.zmax > g.zmin && f.zmin < g.zmax && getFaceInterLine(f, fp, g, gp, a, b))
-                expected.emplace_back(a, b);
-        }
-    }
+    const Prepared prepared = prepareAll(faces);
+    pairCuts(prepared, prepared, expected);
     const std::vector<Seg> got = segmentsOf(obj[0]->proline);
     ASSERT_EQ(got.size(), expected.size());
     EXPECT_GT(got.size(), 40u);
@@ -152,6 +166,46 @@ TEST(KestFaceIntersect, OwnFacesCutAsEachPairDoes) {
         EXPECT_TRUE(sameBits(got[k].second, expected[k].second)) << k;
     }
     vgscene::releaseAll(obj);
+}
+
+TEST(KestFaceIntersect, FacesPassedOverForAWholeObjectCutAsEachPairDoes) {
+    // A cluster of small flat faces beside, across or inside a larger object of flat faces: a face
+    // whose plane leaves the other object's faces well to one side is not met with them one by
+    // one, and the second object's lines are still those of every pair, in order.
+    std::mt19937 rng(13);
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    auto faceSet = [&](P centre, double spread, double r, int count) {
+        std::vector<std::vector<P>> faces;
+        for (int k = 0; k < count; ++k) {
+            const P c = linComb(1.0, centre, spread, {u(rng), u(rng), u(rng)});
+            const P e = {u(rng), u(rng), u(rng)};
+            const P n = vecNormalize(vecCross(e, {u(rng), u(rng), u(rng)}));
+            const P e1 = vecNormalize(e);
+            faces.push_back(polygon(rng, c, e1, vecCross(n, e1), r, 0.3 * r, k % 2 == 0));
+        }
+        return faces;
+    };
+    std::size_t met = 0;
+    for (int trial = 0; trial < 30; ++trial) {
+        const auto big = faceSet({0, 0, 0}, 2.0, 1.5, 12);
+        const auto small = faceSet({3 * u(rng), 3 * u(rng), 3 * u(rng)}, 0.3, 0.3, 8);
+        const Seg first = {{0, 0, 0}, {1, 0, 0}};
+        std::vector<_s_hd_prof_*> objs = {makeObject(big, {first}), makeObject(small, {first})};
+        kestFaceIntersectAll(objs.data(), 2);
+        const Prepared f = prepareAll(big), g = prepareAll(small);
+        std::vector<Seg> expected = {first};
+        pairCuts(f, g, expected);
+        pairCuts(g, g, expected);
+        const std::vector<Seg> got = segmentsOf(objs[1]->proline);
+        ASSERT_EQ(got.size(), expected.size()) << trial;
+        for (std::size_t k = 0; k < got.size(); ++k) {
+            EXPECT_TRUE(sameBits(got[k].first, expected[k].first)) << trial << " " << k;
+            EXPECT_TRUE(sameBits(got[k].second, expected[k].second)) << trial << " " << k;
+        }
+        met += got.size() - 1;
+        vgscene::releaseAll(objs);
+    }
+    EXPECT_GT(met, 30u);
 }
 
 }  // namespace
