@@ -191,7 +191,10 @@ _s_hd_proline_* kestHideObjectReference(_s_hd_prof_** objs, int n);
 bool xyBoxesTouch(const double* a, const double* b);
 
 /// True when an object's box overlaps the line's range strictly (a mere touch does not count).
-bool boxOverlapsLineRange(const double* box, const LineRange& range);
+/// Inline: the engine asks it of every candidate for every line.
+inline bool boxOverlapsLineRange(const double* box, const LineRange& range) {
+    return box[0] > range.xmin && box[1] < range.xmax && box[2] > range.ymin && box[3] < range.ymax;
+}
 
 /// The result list of a pass, built line by line.
 struct VisibleCollector {

@@ -378,10 +378,6 @@ LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b) {
     return {std::fmin(a.x, b.x), std::fmax(a.x, b.x), std::fmin(a.y, b.y), std::fmax(a.y, b.y)};
 }
 
-bool boxOverlapsLineRange(const double* box, const LineRange& range) {
-    return box[0] > range.xmin && box[1] < range.xmax && box[2] > range.ymin && box[3] < range.ymax;
-}
-
 void VisibleCollector::add(_s_hd_proline_* visible, int owner) {
     if (visible == nullptr)
         return;
