@@ -694,8 +694,9 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                 if (!boxOverlapsLineRange(objs[j]->box, range))
                     continue;
                 for (NearFaces::Entry* e = nearFaces.begin(c); e != nearFaces.end(c); ++e) {
-                    // First what appendHiddenPiece asks first: a face whose XY extents miss
-                    // the line's range gives no piece.
+                    // First what the reference asks first (appendHiddenPiece): a face whose XY
+                    // extents miss the line's range gives no piece. The extents are the face's own,
+                    // to the bit, so past this test the face test is called directly.
                     if (stats != nullptr)
                         ++stats->facesScanned;
                     const LineRange& r = prepared.range;
@@ -709,10 +710,13 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     if (stats != nullptr)
                         ++stats->faceTests;
                     const size_t before = hidden.size();
-                    if (!appendHiddenPiece(prepared, f->face, hidden, {&memo, f->id, e->prep}) ||
-                        memo.failed())
+                    _s_hd_point_ from;
+                    _s_hd_point_ to;
+                    const bool hides =
+                        hideLineByFace(prepared, f->face, from, to, {&memo, f->id, e->prep});
+                    if ((hides && !hidden.append(from, to)) || memo.failed())
                         return false;
-                    if (hidden.size() > before) {
+                    if (hides) {
                         if (stats != nullptr)
                             ++stats->hidingTests;
                         if (before == 0 && hiddenWhole(hidden, p, q)) {
