@@ -100,15 +100,10 @@ bool faceMeetsLineRange(const HDFace& face, _s_hd_point_ p, _s_hd_point_ q);
 /// The same with the line's range worked out already (lineRangeOf).
 bool faceMeetsLineRange(const HDFace& face, const LineRange& range);
 
-class MergeScratch;
-
 /// When the face's XY extents touch the line p -> q (p the near end) and it hides a piece of
 /// it, appends that piece to hidden. Returns false only if that allocation fails (a memo that
 /// cannot grow is the caller's to check).
 bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
-                       FaceTestAids aids = {});
-/// The same, appending to working room.
-bool appendHiddenPiece(const HideLine& line, const HDFace& face, MergeScratch& hidden,
                        FaceTestAids aids = {});
 
 /// Tests the line (a copy, near end first) against every face of the list in order and
@@ -191,7 +186,10 @@ _s_hd_proline_* kestHideObjectReference(_s_hd_prof_** objs, int n);
 bool xyBoxesTouch(const double* a, const double* b);
 
 /// True when an object's box overlaps the line's range strictly (a mere touch does not count).
-bool boxOverlapsLineRange(const double* box, const LineRange& range);
+/// Inline: the engine asks it of every candidate for every line.
+inline bool boxOverlapsLineRange(const double* box, const LineRange& range) {
+    return box[0] > range.xmin && box[1] < range.xmax && box[2] > range.ymin && box[3] < range.ymax;
+}
 
 /// The result list of a pass, built line by line.
 struct VisibleCollector {

@@ -360,6 +360,16 @@ bool renewRoom(T*& room, size_t& capacity, size_t most) {
     return true;
 }
 
+// What the face tests ask of a cached face: its edges' data, its area normal and its outline
+// data, the same as prepareFaceTests and outlineOf give.
+void prepareCachedFace(const CachedFace& c, FacePrep& prep) {
+    prepareEdgeTests(c.face, prep, c.flatLength);
+    prep.area = c.area;
+    prep.outlineMargin = c.outlineMargin;
+    for (int k = 0; k < c.face.count; ++k)
+        prep.side[k] = c.edgeSide[k];
+}
+
 // The faces of the objects met lately, read and prepared once for the objects whose lines come
 // near them. Object j's faces (those of three vertices or more, in list order) are kept in slot
 // j mod kWindowSlots until another object takes the slot; in a generated plant nearly all the
@@ -375,15 +385,19 @@ public:
     struct Span {
         const CachedFace* begin;
         const CachedFace* end;
+        const FacePrep* prep;  ///< begin[k]'s face tests' data is prep[k]
     };
 
     FaceWindow() = default;
     ~FaceWindow() {
-        for (size_t s = 0; slots_ != nullptr && s < kWindowSlots; ++s)
+        for (size_t s = 0; slots_ != nullptr && s < kWindowSlots; ++s) {
             std::free(slots_[s].faces);
+            std::free(slots_[s].prep);
+        }
         std::free(slots_);
         std::free(first_);
         std::free(spill_);
+        std::free(spillPrep_);
     }
     FaceWindow(const FaceWindow&) = delete;
     FaceWindow& operator=(const FaceWindow&) = delete;
@@ -394,7 +408,7 @@ public:
         if (slots_ == nullptr)
             return false;
         for (size_t s = 0; s < kWindowSlots; ++s)
-            slots_[s] = {nullptr, 0, 0, -1, -1};
+            slots_[s] = {nullptr, nullptr, 0, 0, -1, -1};
         first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
         if (first_ == nullptr)
             return false;
@@ -410,8 +424,6 @@ public:
         return true;
     }
 
-    /// The face records of the scene, faces of fewer than three vertices included.
-    size_t recordCount() const { return first_[last_]; }
     /// The face records of the objects of the table's first count entries: no more faces than
     /// this are in use for one object's lines.
     size_t recordsOf(const HideCandidate* table, int count) const {
@@ -427,7 +439,8 @@ public:
         spillUsed_ = 0;
         if (most <= spillCapacity_)
             return true;
-        return renewRoom(spill_, spillCapacity_, most);
+        size_t prepCapacity = spillCapacity_;
+        return renewRoom(spillPrep_, prepCapacity, most) && renewRoom(spill_, spillCapacity_, most);
     }
 
     /// Object j's faces for the lines of object user, valid until beginUse is called again:
@@ -437,45 +450,52 @@ public:
         Slot& slot = slots_[static_cast<size_t>(j) % kWindowSlots];
         if (slot.object == j) {
             slot.user = user;
-            out = {slot.faces, slot.faces + slot.count};
+            out = {slot.faces, slot.faces + slot.count, slot.prep};
             return true;
         }
         const size_t records = first_[j + 1] - first_[j];
         if (records == 0) {
-            out = {nullptr, nullptr};
+            out = {nullptr, nullptr, nullptr};
             return true;
         }
         const bool inSlot = slot.user != user;
         CachedFace* room = nullptr;
+        FacePrep* prepRoom = nullptr;
         if (!inSlot) {
             room = spill_ + spillUsed_;
+            prepRoom = spillPrep_ + spillUsed_;
             spillUsed_ += records;
         } else {
             // A slot keeps at most twice the room its faces take: what it gives back the
             // allocator hands to the other slots, so the window's room follows the faces kept.
             if (records > slot.capacity || slot.capacity > kSlotSlack * records) {
                 const size_t had = slot.capacity;
-                if (!renewRoom(slot.faces, slot.capacity, records))
+                // The slot keeps nothing until both rooms are renewed.
+                slot.object = -1;
+                size_t prepCapacity = slot.capacity;
+                if (!renewRoom(slot.prep, prepCapacity, records) ||
+                    !renewRoom(slot.faces, slot.capacity, records))
                     return false;
                 kept_ = kept_ - had + records;
                 peak_ = kept_ > peak_ ? kept_ : peak_;
             }
             room = slot.faces;
+            prepRoom = slot.prep;
         }
-        const size_t count = read(objs[j]->prosect, first_[j], room);
+        const size_t count = read(objs[j]->prosect, first_[j], room, prepRoom);
         if (inSlot) {
             slot.count = count;
             slot.object = j;
             slot.user = user;
         }
-        out = {room, room + count};
+        out = {room, room + count, prepRoom};
         return true;
     }
 
     /// The room the window takes at its largest.
     size_t bytes() const {
-        return (peak_ + spillCapacity_) * sizeof(CachedFace) + kWindowSlots * sizeof(Slot) +
-               (last_ + 1) * sizeof(size_t);
+        return (peak_ + spillCapacity_) * (sizeof(CachedFace) + sizeof(FacePrep)) +
+               kWindowSlots * sizeof(Slot) + (last_ + 1) * sizeof(size_t);
     }
 
 private:
@@ -485,20 +505,25 @@ private:
     // The most room a slot keeps, as a multiple of what its faces take.
     static constexpr size_t kSlotSlack = 2;
 
+    // A slot's faces and, beside them, their face tests' data: the pruning tests read only the
+    // faces, which stay packed.
     struct Slot {
         CachedFace* faces;
+        FacePrep* prep;  ///< faces[k]'s face tests' data is prep[k], as capacity allows
         size_t count;
         size_t capacity;
         int object;  ///< the object whose faces are kept; -1: none
         int user;    ///< the object whose lines last used them; -1: none
     };
 
-    // Reads and prepares the faces of the list, named from id on, into room; returns how many.
-    static size_t read(const _s_hd_prosect_* list, size_t id, CachedFace* room) {
+    // Reads and prepares the faces of the list, named from id on, into room (their face tests'
+    // data into prep); returns how many.
+    static size_t read(const _s_hd_prosect_* list, size_t id, CachedFace* room, FacePrep* prep) {
         size_t at = 0;
         for (const _s_hd_prosect_* f = list; f != nullptr; f = f->next, ++id) {
             if (readFace(f->sect, room[at].face)) {
                 prepareFace(room[at]);
+                prepareCachedFace(room[at], prep[at]);
                 room[at].id = id;
                 ++at;
             }
@@ -510,27 +535,12 @@ private:
     size_t* first_ = nullptr;  ///< object i's face records are named first_[i] on
     size_t last_ = 0;
     CachedFace* spill_ = nullptr;
+    FacePrep* spillPrep_ = nullptr;
     size_t spillCapacity_ = 0;
     size_t spillUsed_ = 0;
     size_t kept_ = 0;  ///< the slots' room, in faces
     size_t peak_ = 0;  ///< the most room the slots took at once
 };
-
-// What the face tests ask of a cached face: its edges' data, its area normal and its outline
-// data, the same as prepareFaceTests and outlineOf give.
-void prepareCachedFace(const CachedFace& c, FacePrep& prep) {
-    prepareEdgeTests(c.face, prep, c.flatLength);
-    prep.area = c.area;
-    prep.outlineMargin = c.outlineMargin;
-    for (int k = 0; k < c.face.count; ++k)
-        prep.side[k] = c.edgeSide[k];
-}
-
-// The pool of prepared faces keeps at least this many faces, however small the scene ...
-constexpr size_t kPreparedPoolMin = 1024;
-// ... and at most one face in this many of the scene's: each prepared face takes more room than
-// the face's own records, and the pool must stay well below the model's size.
-constexpr size_t kPreparedPoolShare = 8;
 
 // The faces that the lines of one object can be tested against, gathered once for all its lines:
 // of each candidate object, in the candidate table's order and each object's face order, the
@@ -538,36 +548,31 @@ constexpr size_t kPreparedPoolShare = 8;
 // ends). A face whose extents miss that range misses every line's range, where the scan asks
 // first, so the faces left out are exactly ones the scan would pass over, and the ones kept come
 // in the same order. A line end with a NaN coordinate gives its line a range that meets no face,
-// so the common range leaves NaN out (minOf and maxOf). Each face's prepared edge data is worked
-// out the first time one of the lines is tested against it and kept for the object's other lines
-// (a pool of bounded size; past it the data is worked out for each test, the same to the bit).
+// so the common range leaves NaN out (minOf and maxOf).
 class NearFaces {
 public:
     struct Entry {
         LineRange extents;  ///< the face's XY extents, read first by every line
         const CachedFace* face;
-        int prepared;  ///< the face's slot in the pool; -1 while not prepared
+        const FacePrep* prep;  ///< the face's face tests' data, kept beside it in the window
     };
 
     NearFaces() = default;
     ~NearFaces() {
         std::free(entries_);
         std::free(groups_);
-        std::free(pool_);
     }
     NearFaces(const NearFaces&) = delete;
     NearFaces& operator=(const NearFaces&) = delete;
 
-    /// Room for a table of up to n candidates, and a pool bound for a scene of faceCount faces.
-    bool init(int n, size_t faceCount) {
+    /// Room for a table of up to n candidates.
+    bool init(int n) {
         groups_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
-        poolLimit_ = faceCount / kPreparedPoolShare;
-        poolLimit_ = poolLimit_ < kPreparedPoolMin ? kPreparedPoolMin : poolLimit_;
         return groups_ != nullptr;
     }
 
     /// Gathers the faces of the candidates (the table's first count entries) that meet the
-    /// common range of object's lines, and empties the pool. False if the room cannot grow.
+    /// common range of object's lines. False if the room cannot grow.
     bool gather(FaceWindow& window, _s_hd_prof_* const* objs, int user, const HideCandidate* table,
                 int count, const _s_hd_proline_* lines) {
         const double inf = std::numeric_limits<double>::infinity();
@@ -590,57 +595,23 @@ public:
                 const LineRange e = {f->face.xmin, f->face.xmax, f->face.ymin, f->face.ymax};
                 if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
                     e.ymin <= all.ymax)
-                    entries_[at++] = {e, f, -1};
+                    entries_[at++] = {e, f, faces.prep + (f - faces.begin)};
             }
         }
         groups_[count] = at;
-        poolUsed_ = 0;
         return true;
     }
 
     Entry* begin(int c) { return entries_ + groups_[c]; }
     Entry* end(int c) { return entries_ + groups_[c + 1]; }
 
-    /// The entry's face prepared for the face tests: from the pool, or (the pool full or
-    /// unable to grow) in spare.
-    const FacePrep& prepared(Entry& e, FacePrep& spare) {
-        if (e.prepared >= 0)
-            return pool_[e.prepared];
-        FacePrep* prep = &spare;
-        if (poolUsed_ < poolCapacity_ || growPool()) {
-            prep = &pool_[poolUsed_];
-            e.prepared = static_cast<int>(poolUsed_++);
-        }
-        prepareCachedFace(*e.face, *prep);
-        return *prep;
-    }
-
-    /// The room the lists and the pool take at their largest.
-    size_t bytes() const { return capacity_ * sizeof(Entry) + poolCapacity_ * sizeof(FacePrep); }
+    /// The room the lists take at their largest.
+    size_t bytes() const { return capacity_ * sizeof(Entry); }
 
 private:
-    bool growPool() {
-        if (poolCapacity_ >= poolLimit_ || poolCapacity_ > INT32_MAX / 2)
-            return false;
-        const size_t capacity = poolCapacity_ == 0 ? 64 : 2 * poolCapacity_;
-        auto* pool = static_cast<FacePrep*>(std::malloc(capacity * sizeof(FacePrep)));
-        if (pool == nullptr)
-            return false;
-        if (poolUsed_ > 0)
-            std::memcpy(pool, pool_, poolUsed_ * sizeof(FacePrep));
-        std::free(pool_);
-        pool_ = pool;
-        poolCapacity_ = capacity;
-        return true;
-    }
-
     Entry* entries_ = nullptr;
     size_t capacity_ = 0;
     size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
-    FacePrep* pool_ = nullptr;
-    size_t poolUsed_ = 0;
-    size_t poolCapacity_ = 0;
-    size_t poolLimit_ = 0;
 };
 
 bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
@@ -669,7 +640,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
         return nullptr;
     FaceWindow window;
     NearFaces nearFaces;
-    if (!window.init(objs, n) || !nearFaces.init(n, window.recordCount()))
+    if (!window.init(objs, n) || !nearFaces.init(n))
         return nullptr;
     // Candidates from the grid over the objects' boxes, given the same box test in the same
     // ascending order as the full scan: the grid yields every object whose box can touch. If the
@@ -723,8 +694,9 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                 if (!boxOverlapsLineRange(objs[j]->box, range))
                     continue;
                 for (NearFaces::Entry* e = nearFaces.begin(c); e != nearFaces.end(c); ++e) {
-                    // First what appendHiddenPiece asks first: a face whose XY extents miss
-                    // the line's range gives no piece.
+                    // First what the reference asks first (appendHiddenPiece): a face whose XY
+                    // extents miss the line's range gives no piece. The extents are the face's own,
+                    // to the bit, so past this test the face test is called directly.
                     if (stats != nullptr)
                         ++stats->facesScanned;
                     const LineRange& r = prepared.range;
@@ -737,13 +709,14 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                         continue;
                     if (stats != nullptr)
                         ++stats->faceTests;
-                    FacePrep spare;
-                    const FacePrep& prep = nearFaces.prepared(*e, spare);
                     const size_t before = hidden.size();
-                    if (!appendHiddenPiece(prepared, f->face, hidden, {&memo, f->id, &prep}) ||
-                        memo.failed())
+                    _s_hd_point_ from;
+                    _s_hd_point_ to;
+                    const bool hides =
+                        hideLineByFace(prepared, f->face, from, to, {&memo, f->id, e->prep});
+                    if ((hides && !hidden.append(from, to)) || memo.failed())
                         return false;
-                    if (hidden.size() > before) {
+                    if (hides) {
                         if (stats != nullptr)
                             ++stats->hidingTests;
                         if (before == 0 && hiddenWhole(hidden, p, q)) {

@@ -57,6 +57,11 @@ bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
     const double y = detail::snapComponent(v.y);
     const double z = detail::snapComponent(v.z);
     const double q2 = x * x + y * y + z * z;
+    // Ends that coincide to within the snapping (a face vertex that is the line's end, as on
+    // every edge of the face the line runs along): q2 is the very sum vecLength forms, so the
+    // exact test's direction is the zero vector, which crosses no plane.
+    if (q2 <= hd::kNullLengthSq)
+        return false;
     if (q2 >= kSureCrossLen2Min && q2 <= kSureCrossLen2Max) {
         const double d = vecDot(v, n);
         if (d * d > kCrossAbove * q2)

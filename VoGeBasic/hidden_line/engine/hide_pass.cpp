@@ -239,27 +239,13 @@ _s_hd_proline_* sortPieces(_s_hd_proline_* list, _s_hd_point_ p) {
 
 }  // namespace
 
-namespace {
-
-template <class Hidden>
-bool appendPieceTo(const HideLine& line, const HDFace& face, Hidden& hidden, FaceTestAids aids) {
+bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
+                       FaceTestAids aids) {
     _s_hd_point_ from;
     _s_hd_point_ to;
     if (!faceMeetsLineRange(face, line.range) || !hideLineByFace(line, face, from, to, aids))
         return true;
     return hidden.append(from, to);
-}
-
-}  // namespace
-
-bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& hidden,
-                       FaceTestAids aids) {
-    return appendPieceTo(line, face, hidden, aids);
-}
-
-bool appendHiddenPiece(const HideLine& line, const HDFace& face, MergeScratch& hidden,
-                       FaceTestAids aids) {
-    return appendPieceTo(line, face, hidden, aids);
 }
 
 bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
@@ -376,10 +362,6 @@ bool xyBoxesTouch(const double* a, const double* b) {
 
 LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b) {
     return {std::fmin(a.x, b.x), std::fmax(a.x, b.x), std::fmin(a.y, b.y), std::fmax(a.y, b.y)};
-}
-
-bool boxOverlapsLineRange(const double* box, const LineRange& range) {
-    return box[0] > range.xmin && box[1] < range.xmax && box[2] > range.ymin && box[3] < range.ymax;
 }
 
 void VisibleCollector::add(_s_hd_proline_* visible, int owner) {
