@@ -472,6 +472,15 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
             gBounded ? offPlaneEdges(g, dg, span) : 0u};
 }
 
+// pairSides for two faces read for intersection (fe and ge their extents), and apart without
+// asking where the extents do not overlap.
+PairSides openPair(const PreparedFace& f, const Extents& fe, const PreparedFace& g,
+                   const Extents& ge) {
+    if (!extentsOverlap(fe, ge))
+        return {true, 0u, 0u};
+    return pairSides(f.face, f.facts, g.face, g.facts, true);
+}
+
 // cutAlong's last step, for the two distinct points pts kept from the faces f and g. Two faces
 // that share an edge meet along it, and so do neighbouring faces of one smooth surface: that is
 // no intersection line. The edge is drawn already where it is an edge of the solid, and a seam
@@ -596,10 +605,8 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
                 continue;
             }
             ++out;
-            if (!extentsOverlap(fe, own.ext[notMet]))
-                continue;
             const PreparedFace& g = own.faces[notMet];
-            const PairSides sides = pairSides(f.face, f.facts, g.face, g.facts, true);
+            const PairSides sides = openPair(f, fe, g, own.ext[notMet]);
             _s_hd_point_ a;
             _s_hd_point_ b;
             if (!sides.apart && cutAlong(f.face, &f.prep, g.face, &g.prep, sides, a, b))
@@ -607,10 +614,8 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
         }
         // f itself and the faces after it.
         for (int gi = fi; gi < n && ok; ++gi) {
-            if (!extentsOverlap(fe, own.ext[gi]))
-                continue;
             const PreparedFace& g = own.faces[gi];
-            const PairSides sides = pairSides(f.face, f.facts, g.face, g.facts, true);
+            const PairSides sides = openPair(f, fe, g, own.ext[gi]);
             if (sides.apart)
                 continue;
             _s_hd_point_ a;
@@ -699,10 +704,8 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
         for (int g = 0; g < own.count && ok; ++g) {
             if (passOver != nullptr && passOver[g] != 0)
                 continue;
-            if (!extentsOverlap(fe, own.ext[g]))
-                continue;
             const PreparedFace& h = own.faces[g];
-            const PairSides sides = pairSides(f.face, f.facts, h.face, h.facts, true);
+            const PairSides sides = openPair(f, fe, h, own.ext[g]);
             if (sides.apart)
                 continue;
             if (!prepared)
