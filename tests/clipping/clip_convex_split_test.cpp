@@ -11,7 +11,7 @@ namespace {
 using namespace geolib;
 using Outline = std::vector<std::pair<double, double>>;
 
-// The pieces' total area, their corners turning right and the rings not closing on their head.
+// The pieces' total area, those not convex and the rings not closing on their head.
 struct Pieces {
     int count = 0, reflex = 0, unclosed = 0;
     double area = 0.0;
@@ -27,10 +27,7 @@ Pieces piecesOf(const convex* polys) {
             e = e->next;
         out.unclosed += e != p->edges;
         out.area += vgtest::signedArea(p);
-        for (std::size_t i = 0, n = c.size(); i < n; ++i) {
-            const VoGePoint3D &a = c[i], &b = c[(i + 1) % n], &d = c[(i + 2) % n];
-            out.reflex += (b.x - a.x) * (d.y - b.y) - (b.y - a.y) * (d.x - b.x) < -1e-9;
-        }
+        out.reflex += !vgtest::convexRing(c);
     }
     return out;
 }
