@@ -16,7 +16,7 @@ TEST(FlatFacedSolids, TurnedEveryWayAreClosedAndDrawnByTheirEdges) {
     const auto dirs = randomUnitVectors(40, 7);
     for (std::size_t i = 0; i + 1 < dirs.size(); ++i) {
         const P u = dirs[i], w = add(dirs[i + 1], dirs[i], -vecDot(dirs[i], dirs[i + 1]));
-        const P v = unit(w), o{1, -2, 5};
+        const P v = vecNormalize(w), o{1, -2, 5};
         if (norm(w) < 0.1)
             continue;
         expectTrueSolid(ep_divide_box(3, 2, 1, o, u, v, 1), Solid{}, "box " + std::to_string(i));

@@ -57,7 +57,7 @@ Solid prism(const Outline& base, P d) {
         n = add(n, vecCross(base[i], base[(i + 1) % base.size()]));
     }
     s.rims.insert(s.rims.end(), {closed(base), closed(top)});
-    n = unit(n);
+    n = vecNormalize(n);
     const double hd = vecDot(d, n);
     const P b0 = base[0];
     s.surface = [=](P p) {
@@ -80,7 +80,7 @@ TEST(SweptSolids, MembersAndPlatesAreClosedAndDrawnByTheirEdges) {
         for (Outline sec : sections(gen, s)) {
             const std::string id = std::to_string(i) + "/" + std::to_string(k++);
             if (norm(y0) > 1e-3) {
-                const P y = unit(y0), x = vecCross(y, axes[i]);
+                const P y = vecNormalize(y0), x = vecCross(y, axes[i]);
                 Outline base;
                 for (const P& p : sec)
                     base.push_back(add(add(a, x, p.x), y, p.y));
@@ -101,12 +101,12 @@ TEST(SweptSolids, MembersAndPlatesAreClosedAndDrawnByTheirEdges) {
                 area +=
                     sec[j].x * sec[(j + 1) % sec.size()].y - sec[(j + 1) % sec.size()].x * sec[j].y;
             }
-            const P own = scaled(area > 0 ? 1 : -1, ups[i]);  // the normal it runs round
+            const P own = vecScale(area > 0 ? 1 : -1, ups[i]);  // the normal it runs round
             const double t = ((i + k) % 2 == 0 ? 1 : -1) * logUniform(gen, 5, 500);
             PointList list(base);
-            expectTrueSolid(ep_divide_pline(list.head, t), prism(base, scaled(t, own)),
+            expectTrueSolid(ep_divide_pline(list.head, t), prism(base, vecScale(t, own)),
                             "pline " + id);
-            const P d = add(scaled(std::fabs(t), own), axes[i], 0.5 * std::fabs(t));
+            const P d = add(vecScale(std::fabs(t), own), axes[i], 0.5 * std::fabs(t));
             expectTrueSolid(ep_divide_pline(list.head, d), prism(base, d), "pline oblique " + id);
         }
     }
@@ -123,11 +123,12 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
         const P k = axes[i], e0 = add(others[i], k, -vecDot(others[i], k));
         const std::string id = std::to_string(i);
         if (i < 14 && norm(e0) > 1e-3) {
-            const P e1 = unit(e0), e2 = vecCross(k, e1);
+            const P e1 = vecNormalize(e0), e2 = vecCross(k, e1);
             const double R = logUniform(gen, 20, 20000);
             const P c{0.1 * R, 0.2 * R, -0.3 * R}, st = add(c, e1, R);
-            const P ydirs[3] = {k, e1, unit(add(k, e1, 0.7))};  // along the axis, across, leaning
-            const P ydir = ydirs[i % 3], Y = unit(add(ydir, e2, -vecDot(ydir, e2))),
+            const P ydirs[3] = {k, e1,
+                                vecNormalize(add(k, e1, 0.7))};  // along the axis, across, leaning
+            const P ydir = ydirs[i % 3], Y = vecNormalize(add(ydir, e2, -vecDot(ydir, e2))),
                     X = vecCross(Y, e2);
             int m = 0;
             for (Outline sec : sections(gen, 0.3 * R)) {
@@ -144,7 +145,7 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
                     const double rho = vecDot(q, e1), zeta = vecDot(q, k);
                     meridian.push_back({rho, zeta, 0});
                     arcs.push_back([=](double phi) {
-                        return add(add(c, add(scaled(std::cos(phi), e1), e2, std::sin(phi)), rho),
+                        return add(add(c, add(vecScale(std::cos(phi), e1), e2, std::sin(phi)), rho),
                                    k, zeta);
                     });
                 }
@@ -163,8 +164,8 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
                 }
                 // A split of the caps may put points on the section's edges: any point of the
                 // swept side or of the caps counts.
-                const P tEnd = add(scaled(-std::sin(angle), e1), e2, std::cos(angle));
-                const P rEnd = add(scaled(std::cos(angle), e1), e2, std::sin(angle));
+                const P tEnd = add(vecScale(-std::sin(angle), e1), e2, std::cos(angle));
+                const P rEnd = add(vecScale(std::cos(angle), e1), e2, std::sin(angle));
                 meridian.push_back(meridian[0]);
                 s.surface = [=](P p) {
                     const P q = vecSub(p, c);
@@ -187,11 +188,11 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
         const double height = (i % 2 == 0 ? 1 : -1) * w * gen(0.2, 3);
         const P o{0.3 * w, -0.2 * w, 0.5 * w},
             c = add(add(o, k, height), others[i], w * gen(0.01, 0.5));
-        const P yy = height > 0 ? y : scaled(-1, y);
+        const P yy = height > 0 ? y : vecScale(-1, y);
         const P corner[4] = {add(add(o, x, -w / 2), yy, -h / 2), add(add(o, x, w / 2), yy, -h / 2),
                              add(add(o, x, w / 2), yy, h / 2), add(add(o, x, -w / 2), yy, h / 2)};
         auto round = [=](double t) {
-            return add(c, add(scaled(std::cos(t), x), yy, std::sin(t)), r);
+            return add(c, add(vecScale(std::cos(t), x), yy, std::sin(t)), r);
         };
         // The side as a ruled surface over eight pieces: the flat triangle over side q (its
         // rectangle end moving), then the fan of corner q + 1 (its circle end moving).
