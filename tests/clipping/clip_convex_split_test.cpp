@@ -14,7 +14,7 @@ using Outline = std::vector<std::pair<double, double>>;
 
 // The pieces' total area, those not convex and the rings not closing on their head.
 struct Pieces {
-    int count = 0, reflex = 0, unclosed = 0;
+    int count = 0, nonConvex = 0, unclosed = 0;
     double area = 0.0;
 };
 
@@ -28,7 +28,7 @@ Pieces piecesOf(const convex* polys) {
             e = e->next;
         out.unclosed += e != p->edges;
         out.area += vgtest::signedArea(p);
-        out.reflex += !vgtest::convexRing(c);
+        out.nonConvex += !vgtest::convexRing(c);
     }
     return out;
 }
@@ -57,7 +57,7 @@ TEST(ConvexIdentify, OutlinesSplitIntoConvexPiecesOfTheSameAreaOrAreRefusedUntou
         EXPECT_EQ(p.unclosed, 0);
         EXPECT_TRUE(c.pieces == 0 || p.count == c.pieces) << p.count << " pieces";
         EXPECT_TRUE(c.area == 0 || std::fabs(p.area - c.area) < 1e-9) << "area " << p.area;
-        EXPECT_TRUE(!c.ok || p.reflex == 0) << "a piece is not convex";
+        EXPECT_TRUE(!c.ok || p.nonConvex == 0) << "a piece is not convex";
         freeConvex(polys);
     }
     EXPECT_TRUE(ConvexIdentify(nullptr));
