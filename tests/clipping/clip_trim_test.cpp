@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 
 #include "VoGeCircle3d.h"
@@ -11,7 +10,6 @@
 #include "clipping/clip_test_support.h"
 #include "geolib_frames.h"
 #include "geolib_spatial.h"
-#include "hd_tessellators.h"
 
 namespace {
 
@@ -64,16 +62,9 @@ TEST(ConvexTrimLineSeg, RandomPiecesLoseExactlyWhatLiesInsideThePolygons) {
             const P p = s + (e - s) * (q / 100.0);
             bool in = false, near = false;
             for (const auto& ring : rings) {
-                bool inRing = true;
-                for (std::size_t i = 0; i < ring.size(); ++i) {
-                    const P a = ring[i], b = ring[(i + 1) % ring.size()];
-                    const double side = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
-                    const double t =
-                        std::clamp((p - a).dotProduct(b - a) / (b - a).dotProduct(b - a), 0.0, 1.0);
-                    inRing = inRing && side >= 0;
-                    near = near || p.distance2D(a + (b - a) * t) < 1e-3;
-                }
-                in = in || inRing;
+                const vgtest::RingPlace at = vgtest::placeInRing(ring, p.x, p.y);
+                in = in || at.inside;
+                near = near || at.nearest < 1e-3;
             }
             EXPECT_TRUE(near || vgtest::holds(iv, q / 100.0) == !in) << round << " at " << q;
         }
@@ -109,31 +100,8 @@ TEST(ClippingRegressions, EachInputGivesItsPromisedResult) {
     const VoGeCircle3d circle(P(0, 0, 0), 1, VoGeVector3D(0, 0, 1));
     VoGeCircle3d fromPoints;
     const double below = angleToX(VoGeVector3D(1, -1e-9, 0));
-    bool prismInBox = true;
-    for (double len : {1.0, 1e9, 1e15}) {
-        for (double r : {0.1, 1.0, 2.9, 3.1, 100.0}) {
-            const _s_hd_point_ pa{0.3, -0.2, 0.1};
-            _s_hd_prof_* pri =
-                ep_divide_pri(pa, {pa.x + 0.6 * len, pa.y + 0.48 * len, pa.z + 0.64 * len},
-                              {pa.x + 0.8 * r, pa.y - 0.6 * r, pa.z}, 0);
-            for (const _s_hd_proline_* l = pri->proline; l != nullptr; l = l->next) {
-                for (const _s_hd_point_& q : {l->start, l->end})
-                    prismInBox = prismInBox && q.x <= pri->box[0] && q.x >= pri->box[1] &&
-                                 q.y <= pri->box[2] && q.y >= pri->box[3] && q.z <= pri->box[4] &&
-                                 q.z >= pri->box[5];
-            }
-            freeHDProfObjectPointer(pri);
-        }
-    }
-    bool refusedWhole = true;
-    for (double bad : {kNaN, 1e154}) {
-        convex* l = polygonOf({{0, 0}, {4, 0}, {bad, 1}, {1, 1}, {1, 4}, {0, 4}});
-        refusedWhole = refusedWhole && !ConvexIdentify(l) && l->next == nullptr;
-        freeConvex(l);
-    }
     const Intervals corner = visibleOf(polygonOf({{0, 0}, {1, 0}, {1, 16.3}, {0, 16.3}}),
                                        P(0.0001, 0.0001, 0), P(0, -25, 0));
-    const P n(kNaN, 0, 0), o(0, 0, 0);
     const struct {
         const char* id;
         bool holds;
@@ -154,17 +122,10 @@ TEST(ClippingRegressions, EachInputGivesItsPromisedResult) {
              circle.getParam(P(1, -1e-17, 0), 1e-6) < kTwoPi &&
              getArcParamFromPoints(P(1, -1e-17, 0), P(0, 1, 0), P(-1, 0, 0), fromPoints, a0, a1) &&
              a0 >= 0 && a0 < kTwoPi},
-        {"a prism's lines stay in its box whatever ring count it takes", prismInBox},
         {"a corner beyond 1e150 (NaN side values) leaves the intervals sorted in [0, 1]",
          vgtest::ordered(visibleOf(polygonOf({{0, 0}, {-1e155, -1e155}, {1, 0}}),
                                    P(-0.75, -1.24, 0), P(0.05, 0.11, 0)),
                          0, 1)},
-        {"a segment with a NaN end has every point off its line",
-         isPointOnLineSeg(n, n, n, 1e-6) == kSegOffLine &&
-             isPointOnLineSeg(o, n, o, 1e-6) == kSegOffLine &&
-             isPointOnLineSeg(o, P(10, 0, 0), P(5, kNaN, 0), 1e-6) == kSegOffLine},
-        {"ConvexIdentify refuses a ring with a NaN or 1e154 corner, the ring left whole",
-         refusedWhole},
     };
     for (const auto& r : rows)
         EXPECT_TRUE(r.holds) << r.id;

@@ -29,6 +29,8 @@ TEST(IsPointOnLineSeg, CodesAlongAndAroundTheSegment) {
                  {a, a, a, kSegOn | kSegAtStart | kSegAtEnd},
                  {a, a, b, kSegOffLine},
                  {a, b, n, kSegOffLine},
+                 {a, b, {5, kNaN, 0}, kSegOffLine},
+                 {a, n, a, kSegOffLine},
                  {n, n, n, kSegOffLine}};
     for (const auto& c : cases)
         EXPECT_EQ(isPointOnLineSeg(c.s, c.e, c.p, 1e-6), c.code) << c.p.x << " " << c.p.y;

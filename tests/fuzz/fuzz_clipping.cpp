@@ -6,81 +6,11 @@
 #include <vector>
 
 #include "VoGeBasic.h"
+#include "tests/clipping/clip_test_support.h"
 #include "tests/fuzz/fuzz_support.h"
 
-namespace {
-
 using namespace geolib;
-
 using vgtest::kTwoPi;
-
-// Convex by the splitting's own measure: with edges shorter than 0.001 merged away, no corner
-// turns right (unit directions' cross product below -0.001) or back, and the ring turns once.
-bool convexRing(std::vector<VoGePoint3D> c) {
-    std::vector<VoGePoint3D> m;
-    if (!c.empty())  // merged as the splitting merges them: from the head edge's end
-        std::rotate(c.begin(), c.begin() + 1, c.end());
-    for (const VoGePoint3D& p : c) {
-        if (m.empty() || std::hypot(p.x - m.back().x, p.y - m.back().y) >= 0.001)
-            m.push_back(p);
-    }
-    while (m.size() > 1 && std::hypot(m.back().x - m[0].x, m.back().y - m[0].y) < 0.001)
-        m.pop_back();
-    if (m.size() < 3)
-        return true;
-    double turned = 0.0;
-    for (size_t i = 0, n = m.size(); i < n; ++i) {
-        const VoGePoint3D& a = m[i];
-        const VoGePoint3D& b = m[(i + 1) % n];
-        const VoGePoint3D& d = m[(i + 2) % n];
-        const double l1 = std::hypot(b.x - a.x, b.y - a.y);
-        const double l2 = std::hypot(d.x - b.x, d.y - b.y);
-        const double cross = ((b.x - a.x) * (d.y - b.y) - (b.y - a.y) * (d.x - b.x)) / (l1 * l2);
-        const double dot = ((b.x - a.x) * (d.x - b.x) + (b.y - a.y) * (d.y - b.y)) / (l1 * l2);
-        if (cross < -0.001 || (dot < 0.0 && cross < 0.001))
-            return false;  // a right turn, or the ring turning back on itself
-        turned += std::atan2(cross, dot);
-    }
-    return std::fabs(turned - kTwoPi) < 0.1;
-}
-
-// How far p lies outside the region of the ring (0 inside, by the crossing rule), and the
-// shortest of its edges of any length: trimming measures every edge's side values unscaled
-// against 1e-4, so near an edge of length L, 1e-4 / L counts as on its line (a ring of 1e-5
-// wide hides up to 10 units beyond its ends). The region, not the edges'
-// half-planes: a ring that is convex by the splitting's measure may still carry a tiny notch.
-double outside(const std::vector<VoGePoint3D>& c, double x, double y, double& shortest) {
-    bool in = false;
-    double nearest = HUGE_VAL;
-    shortest = HUGE_VAL;
-    for (size_t i = 0, n = c.size(); i < n; ++i) {
-        const VoGePoint3D& p = c[i];
-        const VoGePoint3D& q = c[(i + 1) % n];
-        if ((p.y > y) != (q.y > y) && x < p.x + (y - p.y) * (q.x - p.x) / (q.y - p.y))
-            in = !in;
-        const double dx = q.x - p.x;
-        const double dy = q.y - p.y;
-        const double l2 = dx * dx + dy * dy;
-        double t = l2 > 0.0 ? ((x - p.x) * dx + (y - p.y) * dy) / l2 : 0.0;
-        t = std::fmin(1.0, std::fmax(0.0, t));
-        nearest = std::fmin(nearest, std::hypot(x - p.x - t * dx, y - p.y - t * dy));
-        if (l2 > 0.0)
-            shortest = std::fmin(shortest, std::sqrt(l2));
-    }
-    return in ? 0.0 : nearest;
-}
-
-void checkIntervals(const paramt* list, double end) {
-    double last = -1.0;
-    for (const paramt* p = list; p != nullptr; p = p->next) {
-        VG_FUZZ_CHECK(p->t0 >= 0.0 && p->t1 <= end && p->t0 <= p->t1,
-                      "visible intervals run forward within the domain");
-        VG_FUZZ_CHECK(p->t0 >= last - 1e-6, "visible intervals sorted and disjoint");
-        last = p->t1;
-    }
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider in(data, size);
@@ -110,7 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             std::vector<VoGePoint3D> corners;
             for (const convex* p = polys; p != nullptr; p = p->next) {
                 transConvex2PtArray(p, corners);
-                VG_FUZZ_CHECK(convexRing(corners), "a split that succeeds gives convex pieces");
+                VG_FUZZ_CHECK(vgtest::convexRing(corners),
+                              "a split that succeeds gives convex pieces");
             }
         }
     }
@@ -134,7 +65,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         double e[3] = {vgfuzz::number(in, 25.0), vgfuzz::number(in, 25.0), 0.0};
         line_cut* piece = polygonTrimLine(polys, s, e);
         VG_FUZZ_CHECK(piece != nullptr, "trimming a piece succeeds");
-        checkIntervals(piece->params, 1.0);
+        VG_FUZZ_CHECK(vgtest::ordered(vgtest::intervalsOf(piece->params), 0.0, 1.0, 1e-6),
+                      "visible intervals sorted, disjoint and within the piece");
         const double len = std::hypot(e[0] - s[0], e[1] - s[1]);
         if (ordinaryRings && vgfuzz::ordinary({s[0], s[1], e[0], e[1]}, 1e4)) {
             paramt* gaps = getHideParamLine(piece);
@@ -146,11 +78,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 const double y = s[1] + t * (e[1] - s[1]);
                 bool inside = false;
                 for (const auto& c : rings) {
-                    double shortest = 0.0;
-                    const double off = outside(c, x, y, shortest);
-                    // Side values are measured unscaled against 1e-4: near an edge of length L
-                    // a point within 1e-4 / L of its line counts as on it.
-                    inside = inside || off <= 2e-4 / std::fmax(shortest, 1e-12) + 1e-3 * len;
+                    const vgtest::RingPlace at = vgtest::placeInRing(c, x, y);
+                    // Trimming measures every edge's side values unscaled against 1e-4: near an
+                    // edge of length L a point within 1e-4 / L of its line counts as on it (a
+                    // ring of 1e-5 wide hides up to 10 units beyond its ends).
+                    inside = inside || at.inside ||
+                             at.nearest <= 2e-4 / std::fmax(at.shortest, 1e-12) + 1e-3 * len;
                 }
                 VG_FUZZ_CHECK(inside, "what trimming removes lies inside an outline");
             }

@@ -143,24 +143,6 @@ _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
     }
 }
 
-bool finite(P p) {
-    return vgfuzz::ordinary({p.x, p.y, p.z}, 1e300);
-}
-
-// Every vertex and line end lies within the box.
-void checkBox(const _s_hd_prof_* obj) {
-    const double* b = obj->box;
-    auto inside = [b](P p) {
-        return !finite(p) || (p.x <= b[0] && p.x >= b[1] && p.y <= b[2] && p.y >= b[3] &&
-                              p.z <= b[4] && p.z >= b[5]);
-    };
-    for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next)
-        for (const _s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
-            VG_FUZZ_CHECK(inside(v->pt), "the box holds every vertex");
-    for (const _s_hd_proline_* l = obj->proline; l != nullptr; l = l->next)
-        VG_FUZZ_CHECK(inside(l->start) && inside(l->end), "the box holds every line");
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -173,7 +155,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         for (int k = 0; k < n; ++k) {
             objs.push_back(primitiveFrom(in));
             if (first && objs.back() != nullptr)
-                checkBox(objs.back());
+                VG_FUZZ_CHECK(enginetest::boxHoldsPoints(objs.back()),
+                              "the box holds every vertex and line end");
         }
         if (in.ConsumeBool())
             enginetest::registerAll(objs);

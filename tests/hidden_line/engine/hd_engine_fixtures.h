@@ -2,6 +2,7 @@
 #ifndef VOGEBASIC_TESTS_HD_ENGINE_FIXTURES_H
 #define VOGEBASIC_TESTS_HD_ENGINE_FIXTURES_H
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -52,6 +53,37 @@ inline geolib::_s_hd_prof_* makeObject(const std::vector<std::vector<P>>& faces,
     for (std::size_t i = 0; i < pts.size(); ++i)
         i == 0 ? draft.seedBox(pts[i]) : draft.extendBox(pts[i]);
     return draft.finish();
+}
+
+/// Whether the box of obj holds each of its vertices and line ends (those with a coordinate
+/// beyond 1e300 or not finite aside); with exact, whether the box is just their extent.
+inline bool boxHoldsPoints(const geolib::_s_hd_prof_* obj, bool exact = false) {
+    double extent[6] = {-HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL};
+    bool any = false;
+    auto take = [&](P p) {
+        const double c[3] = {p.x, p.y, p.z};
+        if (!vgtest::ordinary({p.x, p.y, p.z}, 1e300))
+            return;
+        any = true;
+        for (int a = 0; a < 3; ++a) {
+            extent[2 * a] = std::max(extent[2 * a], c[a]);
+            extent[2 * a + 1] = std::min(extent[2 * a + 1], c[a]);
+        }
+    };
+    for (const geolib::_s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
+        for (const geolib::_s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
+            take(v->pt);
+    }
+    for (const geolib::_s_hd_proline_* l = obj->proline; l != nullptr; l = l->next) {
+        take(l->start);
+        take(l->end);
+    }
+    for (int k = 0; k < 6 && any; ++k) {
+        const double b = obj->box[k], e = extent[k];
+        if (exact ? !(b == e) : k % 2 == 0 ? !(e <= b) : !(e >= b))
+            return false;
+    }
+    return true;
 }
 
 /// Registers the objects for face intersection one by one, as a caller adding them in turn does.

@@ -25,6 +25,7 @@
 #include "clip_records.h"
 #include "hd_engine.h"
 #include "hd_records.h"
+#include "hidden_line/engine/hd_engine_fixtures.h"
 #include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/hd_points.h"
 #include "support/alloc_hook.h"
@@ -35,6 +36,8 @@ namespace hdtest {
 using P = geolib::_s_hd_point_;
 using geolib::vecCross;
 using geolib::vecDot;
+using geolib::vecNormalize;
+using geolib::vecScale;
 using geolib::vecSub;
 /// A true edge as a dense polyline; a single point is an apex.
 using Curve = std::vector<P>;
@@ -45,18 +48,12 @@ using vgtest::kTwoPi;
 inline P add(P a, P b, double s = 1.0) {
     return {a.x + s * b.x, a.y + s * b.y, a.z + s * b.z};
 }
-inline P scaled(double s, P a) {
-    return {s * a.x, s * a.y, s * a.z};
-}
 inline double norm(P a) {
     return std::sqrt(vecDot(a, a));
 }
-inline P unit(P a) {
-    return scaled(1.0 / norm(a), a);
-}
 /// Unit vectors u, v square to the unit n, with u x v = n.
 inline void squareTo(P n, P& u, P& v) {
-    u = unit(vecCross(n, std::fabs(n.x) < 0.6 ? P{1, 0, 0} : P{0, 1, 0}));
+    u = vecNormalize(vecCross(n, std::fabs(n.x) < 0.6 ? P{1, 0, 0} : P{0, 1, 0}));
     v = vecCross(n, u);
 }
 inline double distToSeg(P p, P a, P b) {
@@ -89,8 +86,8 @@ Curve curve(F f, double from = 0.0, double to = kTwoPi) {
 /// The circle of radius r about c square to n, as a function of the angle.
 inline std::function<P(double)> circleAt(P c, double r, P n) {
     P u, v;
-    squareTo(unit(n), u, v);
-    return [=](double t) { return add(c, add(scaled(std::cos(t), u), v, std::sin(t)), r); };
+    squareTo(vecNormalize(n), u, v);
+    return [=](double t) { return add(c, add(vecScale(std::cos(t), u), v, std::sin(t)), r); };
 }
 
 /// The contour generators in the view along Z of the surface f(u, v) over [u0, u1] x [v0, v1]:
@@ -170,7 +167,7 @@ inline std::vector<P> randomUnitVectors(int count, unsigned seed) {
     }
     out.resize(count);
     for (P& v : out)
-        v = unit(v);
+        v = vecNormalize(v);
     return out;
 }
 /// The chords round a ring of radius r about c: the curves' count made even.
@@ -254,17 +251,10 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
     }
     if (!s.surface)
         s.surface = [&](P p) { return distToCurves(p, all); };
-    double want[6] = {-HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL}, off = 0.0;
-    for (const P p : pts) {
-        const double c[3] = {p.x, p.y, p.z};
-        for (int a = 0; a < 3; ++a) {
-            want[2 * a] = std::max(want[2 * a], c[a]);
-            want[2 * a + 1] = std::min(want[2 * a + 1], c[a]);
-        }
+    double off = 0.0;
+    for (const P p : pts)
         off = std::max(off, std::fabs(s.surface(p)));
-    }
-    for (int k = 0; k < 6; ++k)
-        EXPECT_EQ(box[k], want[k]) << "box value " << k;
+    EXPECT_TRUE(enginetest::boxHoldsPoints(obj, true)) << "the box is not the points' extent";
     EXPECT_LE(off, s.surfaceTol * size) << "a vertex lies off the surface";
     using Key = std::array<double, 6>;
     auto key = [](P a, P b) { return Key{a.x, a.y, a.z, b.x, b.y, b.z}; };
@@ -312,7 +302,7 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
     for (const auto& [a, b] : lines) {
         const Key k = std::min(key(a, b), key(b, a));
         EXPECT_EQ(++drawn[k], 1) << "a line is drawn twice";
-        const P mid = scaled(0.5, add(a, b));
+        const P mid = vecScale(0.5, add(a, b));
         bool sharp = flat;
         double own = HUGE_VAL;  // the sagitta to the curve the line was cut from
         for (std::size_t c = 0; c < all.size(); ++c) {

@@ -16,7 +16,7 @@ TEST(FlatFacedSolids, TurnedEveryWayAreClosedAndDrawnByTheirEdges) {
     const auto dirs = randomUnitVectors(40, 7);
     for (std::size_t i = 0; i + 1 < dirs.size(); ++i) {
         const P u = dirs[i], w = add(dirs[i + 1], dirs[i], -vecDot(dirs[i], dirs[i + 1]));
-        const P v = unit(w), o{1, -2, 5};
+        const P v = vecNormalize(w), o{1, -2, 5};
         if (norm(w) < 0.1)
             continue;
         expectTrueSolid(ep_divide_box(3, 2, 1, o, u, v, 1), Solid{}, "box " + std::to_string(i));
@@ -24,6 +24,18 @@ TEST(FlatFacedSolids, TurnedEveryWayAreClosedAndDrawnByTheirEdges) {
         if (std::fabs(vecCross(u, v).z) > 0.1)
             expectTrueSolid(ep_divide_wed(add(o, u, 2), o, add(o, v, 1.5), -2), Solid{},
                             "wedge " + std::to_string(i));
+    }
+    // Prisms of whatever ring count their radius takes, up to 1e15 long: the box is the extent
+    // of their points.
+    for (double len : {1.0, 1e9, 1e15}) {
+        for (double r : {0.1, 1.0, 2.9, 3.1, 100.0}) {
+            const P a{0.3, -0.2, 0.1};
+            _s_hd_prof_* pri =
+                ep_divide_pri(a, add(a, {0.6, 0.48, 0.64}, len), add(a, {0.8, -0.6, 0}, r), 0);
+            ASSERT_NE(pri, nullptr) << len << " " << r;
+            EXPECT_TRUE(enginetest::boxHoldsPoints(pri, true)) << len << " " << r;
+            freeHDProfObjectPointer(pri);
+        }
     }
 }
 

@@ -38,24 +38,24 @@ TEST(RuledSolids, RandomConesAreClosedAndDrawnByRimsAndSilhouettes) {
                             "con " + id + " " + std::to_string(k[1] / r));
         // Eccentric cones: one straight side (offset |ra - rb|), or any offset off the normal.
         const double ra = logUniform(gen, 0.05, 300), rb = logUniform(gen, 0.05, 300);
-        const P side = unit(add(sides[i], d, -vecDot(sides[i], d) + 1e-3));
-        for (const P off : {add(scaled(len, d), side, std::fabs(ra - rb)),
-                            add(scaled(len, d), sides[i], gen(0.01, 1) * len)}) {
+        const P side = vecNormalize(add(sides[i], d, -vecDot(sides[i], d) + 1e-3));
+        for (const P off : {add(vecScale(len, d), side, std::fabs(ra - rb)),
+                            add(vecScale(len, d), sides[i], gen(0.01, 1) * len)}) {
             if (vecDot(off, d) >= 0.05 * norm(off))
-                expectTrueSolid(ep_divide_ecn(a, add(a, off), ra, rb, scaled(3, d)),
+                expectTrueSolid(ep_divide_ecn(a, add(a, off), ra, rb, vecScale(3, d)),
                                 ruled(circleAt(a, ra, d), circleAt(add(a, off), rb, d)),
                                 "ecn " + id);
         }
         // A snout in the frame x, y in the bottom plane, z off square to it; radii within 5 : 1.
         P u, v;
         squareTo(d, u, v);
-        const P z = unit(add(d, u, 0.3));
+        const P z = vecNormalize(add(d, u, 0.3));
         const double xoff = gen(0.01, 1) * len, yoff = -gen(0.01, 1) * len, rt = ra * gen(0.2, 1);
         const P top = add(add(add(a, z, len), u, xoff), v, yoff);
         expectTrueSolid(ep_divide_scn(ra, rt, len, xoff, yoff, a, u, v, z, gen(1e-3, 1) * ra),
                         ruled(circleAt(a, ra, d), circleAt(top, rt, d)), "scn " + id);
         // A cylinder cut by planes square to n at both ends.
-        const P n = i % 4 == 0 ? d : unit(add(d, sides[i], 0.9));
+        const P n = i % 4 == 0 ? d : vecNormalize(add(d, sides[i], 0.9));
         const double rc = logUniform(gen, 0.05, 0.3 * len + 0.05);
         auto cut = [&](P c) {
             return [=](double t) {

@@ -18,7 +18,7 @@ using vgtest::kPi;
 Solid headSolid(double r, double h, double f, P c, P a) {
     P e1, e2;
     squareTo(a, e1, e2);
-    auto round = [=](double psi) { return add(scaled(std::cos(psi), e1), e2, std::sin(psi)); };
+    auto round = [=](double psi) { return add(vecScale(std::cos(psi), e1), e2, std::sin(psi)); };
     auto flange = [=](double psi, double t) { return add(add(c, round(psi), r), a, t * f); };
     auto dome = [=](double psi, double beta) {
         return add(add(c, round(psi), r * std::sin(beta)), a, f + h * std::cos(beta));
@@ -54,7 +54,7 @@ TEST(DishedHead, GeneratedHeadsAreClosedOnTheSurfaceAndDrawTheirOutline) {
     for (std::size_t i = 0; i < axes.size(); ++i) {
         const double r = 0.05 * std::pow(10.0, 3 * next()), h = r * (0.2 + next());
         const double f = i % 3 == 0 ? 0.0 : r * 0.5 * next();
-        const P c = {next(-50, 50), next(-50, 50), next(-50, 50)}, a = unit(axes[i]);
+        const P c = {next(-50, 50), next(-50, 50), next(-50, 50)}, a = vecNormalize(axes[i]);
         expectTrueSolid(ep_divide_ova(r, h, f, c, a), headSolid(r, h, f, c, a),
                         "head " + std::to_string(i));
     }
@@ -70,7 +70,7 @@ TEST(DishedHead, BadInputGivesNullAndFailedAllocationsLeakNothing) {
                    ep_divide_ova(1, 1, kNaN, c, z), ep_divide_ova(1, 1, -0.1, c, z),
                    ep_divide_ova(1, 1, 1, c, {0, 0, 0}), ep_divide_ova(1, 1, 1, c, {kNaN, 0, 1}),
                    ep_divide_ova(1, 1, 1, {0, kInf, 0}, z)});
-    const P at{1, 2, 3}, tilted = unit({1, 2, 2});
+    const P at{1, 2, 3}, tilted = vecNormalize({1, 2, 2});
     expectAllocFailuresGiveNull({[&] { return ep_divide_ova(2, 1, 0.5, at, tilted); },
                                  [&] { return ep_divide_ova(2, 1, 0.5, at, z); }});
 }

@@ -35,10 +35,10 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
         const P c{gen(1, 100), gen(-50, 50), gen(-70, 30)};
         // The frame: x the projection of +X (of +Y for an axis along X), y = k x x.
         const P ref = std::fabs(k.x) < 0.5 ? P{1, 0, 0} : P{0, 1, 0};
-        const P x = unit(add(ref, k, -vecDot(ref, k))), y = vecCross(k, x);
+        const P x = vecNormalize(add(ref, k, -vecDot(ref, k))), y = vecCross(k, x);
         auto at = [&](double r, double depth) {
             return [=](double a) {
-                return add(add(c, k, depth), add(scaled(std::cos(a), x), y, std::sin(a)), r);
+                return add(add(c, k, depth), add(vecScale(std::cos(a), x), y, std::sin(a)), r);
             };
         };
         Solid s;
@@ -55,7 +55,7 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
             const auto walls = contourGenerators(at(r, 0), at(r, t), a0, end);
             s.contours.insert(s.contours.end(), walls.begin(), walls.end());
         }
-        expectTrueSolid(ep_divide_sad(ri, ro, t, c, a0, a1, scaled(3, k)), s,
+        expectTrueSolid(ep_divide_sad(ri, ro, t, c, a0, a1, vecScale(3, k)), s,
                         "plate " + std::to_string(i));
     }
 }

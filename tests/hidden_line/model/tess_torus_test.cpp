@@ -22,8 +22,8 @@ struct Elbow {
     int n;
     double bend() const { return norm(vecSub(s, c)); }
     P radial(double phi) const {
-        const P u = unit(vecSub(s, c));
-        return add(scaled(std::cos(phi), u), vecCross(a, u), std::sin(phi));
+        const P u = vecNormalize(vecSub(s, c));
+        return add(vecScale(std::cos(phi), u), vecCross(a, u), std::sin(phi));
     }
     P centre(double phi) const { return add(c, radial(phi), bend()); }
     bool full() const { return angle >= kTwoPi - 1e-9; }
@@ -42,7 +42,8 @@ double elbowSagitta(const Elbow& e) {
 
 Solid elbowSolid(const Elbow& e, bool drawing = true) {
     auto at = [e](double phi, double th) {
-        return add(e.centre(phi), add(scaled(std::cos(th), e.radial(phi)), e.a, std::sin(th)), e.r);
+        return add(e.centre(phi), add(vecScale(std::cos(th), e.radial(phi)), e.a, std::sin(th)),
+                   e.r);
     };
     Solid s;
     for (double phi : e.full() ? std::vector<double>{} : std::vector<double>{0, e.angle})
@@ -79,7 +80,7 @@ Elbow randomElbow(P a, vgtest::Lcg& next, bool overlap) {
     const double sweeps[] = {0.05 + 6 * next(), kPi / 2, kPi, kTwoPi};
     const double angle = sweeps[next.below(4)];
     const int n = next.below(5) == 0 ? 1 + next.below(17) : 0;
-    return {r, angle, c, add(c, unit(add(any, a, -vecDot(any, a))), bend), a, n};
+    return {r, angle, c, add(c, vecNormalize(add(any, a, -vecDot(any, a))), bend), a, n};
 }
 
 TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
@@ -115,7 +116,7 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
          {0.76466260928371244, 0.6429066870489224, -0.044295436685999875}},
     };
     for (const auto& v : views) {
-        const Elbow e{v.r, v.angle, o, v.s, unit(v.a), 0};
+        const Elbow e{v.r, v.angle, o, v.s, vecNormalize(v.a), 0};
         expectTrueSolid(e.make(), elbowSolid(e), v.id);
     }
     // A full ring of one chosen step seen along the bend axis, and of two seen across it.
@@ -145,7 +146,7 @@ TEST(Elbow, TheInsideIsNeverSeenThroughTheEnds) {
             if (look == 1) {  // the axis in the drawing plane, the start tangent along Z
                 const double bend = e.bend();
                 const P h = {e.a.x, e.a.y, 0};
-                e.a = vecDot(h, h) > 1e-12 ? unit(h) : P{1, 0, 0};
+                e.a = vecDot(h, h) > 1e-12 ? vecNormalize(h) : P{1, 0, 0};
                 e.s = add(e.c, vecCross({0, 0, 1}, e.a), bend);
             }
             _s_hd_prof_* objs[2] = {e.make(), nullptr};
@@ -187,7 +188,7 @@ TEST(Elbow, BadInputGivesNullAndFailedAllocationsLeakNothing) {
              return ep_divide_tor(0.5, 2, {1, 2, 3}, {1, 4, 3}, {1, 0, 0}, 3);
          },
          [] {
-             return ep_divide_tor(0.5, kTwoPi, {1, 2, 3}, {1, 4, 3}, unit({1, 0, 1}), 0);
+             return ep_divide_tor(0.5, kTwoPi, {1, 2, 3}, {1, 4, 3}, vecNormalize({1, 0, 1}), 0);
          }});
 }
 
