@@ -323,6 +323,20 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
             << "line (" << a.x << ", " << a.y << ", " << a.z << ") -> (" << b.x << ", " << b.y
             << ", " << b.z << ") is no sharp edge nor contour edge of the faces";
     }
+    // A straight sharp edge is drawn end to end, in the drawing: a line over it may stand for an
+    // edge straight behind it, and an edge seen end-on is no line.
+    auto flatten = [](P p) { return P{p.x, p.y, 0}; };
+    for (const Curve& c : s.rims) {
+        if (c.size() != 2)
+            continue;
+        const P e0 = flatten(c[0]), e1 = flatten(c[1]);
+        double covered = 0.0;
+        for (const auto& [a, b] : lines) {
+            if (distToSeg(flatten(a), e0, e1) <= tol && distToSeg(flatten(b), e0, e1) <= tol)
+                covered += norm(vecSub(flatten(a), flatten(b)));
+        }
+        EXPECT_GE(covered, norm(vecSub(e0, e1)) - tol) << "a straight sharp edge not drawn";
+    }
     int missing = 0;
     for (const auto& [k, sides] : facing)
         missing += s.facesOutline && contour(sides) && drawn.count(k) == 0;
