@@ -112,6 +112,13 @@ bool appendHiddenPiece(const HideLine& line, const HDFace& face, ProlineChain& h
 bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
                     ProlineChain& hidden);
 
+/// Folds the piece B into A when the two overlap or touch: B starting on A extends A to B's end,
+/// B ending on A extends A back to B's start; B inside A adds nothing, A inside B becomes B.
+/// Returns true when B is to be dropped; false, changing nothing, otherwise. aReach and bReach
+/// are the pieces' segmentReach, as isPointOnSeg works them out. One step of the merge.
+bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, const SegmentReach& aReach,
+                 _s_hd_point_ bStart, _s_hd_point_ bEnd, const SegmentReach& bReach);
+
 /// A line's hidden pieces in reused working room, for merging them without retrying the pairs
 /// that provably stay apart; it grows to the most pieces a line has. Not copyable.
 class MergeScratch {

@@ -8,12 +8,6 @@
 
 namespace geolib {
 
-namespace {
-
-// Folds B into A when the two overlap or touch: B starting on A extends A to B's end, B ending
-// on A extends A back to B's start; B inside A adds nothing, A inside B becomes B. Returns true
-// when B is to be dropped.
-// aReach and bReach are the pieces' segmentReach, as isPointOnSeg works them out.
 bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, const SegmentReach& aReach,
                  _s_hd_point_ bStart, _s_hd_point_ bEnd, const SegmentReach& bReach) {
     const bool startOn = onSegWithin(bStart, aStart, aEnd, aReach);
@@ -35,6 +29,9 @@ bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, const SegmentReach& a
     }
     return false;
 }
+
+namespace {
+
 bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
     return absorbPiece(a->start, a->end, segmentReach(a->start, a->end), b->start, b->end,
                        segmentReach(b->start, b->end));
