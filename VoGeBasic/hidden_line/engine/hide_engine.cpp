@@ -639,7 +639,9 @@ bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
 // same test; p and q themselves pass as ends, so the line's ends must be finite), so A's row
 // drops every piece left, those appended now and any appended later, one by one, and A is the
 // only piece left: the same visible result whatever faces are tested after that. The line
-// stops there.
+// stops there, and nothing of it is visible: the gaps getVisibleProline leaves before p and
+// after q are empty, as finite ends are the same point as themselves by isSamePointFine, so the
+// merge need not run.
 class WholeLineWatch {
 public:
     /// Starts on the line p -> q with no piece appended.
@@ -794,6 +796,10 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                 }
             }
             orientNearFirst(line->start, line->end);
+            if (whole) {
+                visible = nullptr;
+                return true;
+            }
             return getVisibleProline(hidden, line->start, line->end, visible);
         });
     std::free(near);
