@@ -149,6 +149,9 @@ struct CachedFace {
     /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
     /// bounded coordinates give no NaN.
     signed char edgeSide[kMaxFaceVertices];
+    /// Each edge's normal in the drawing plane at the edge's length: -(b.y - a.y), b.x - a.x
+    /// for the edge a -> b.
+    double edgeNormalX[kMaxFaceVertices], edgeNormalY[kMaxFaceVertices];
     double outlineMargin;
     double size;        ///< faceSize(face)
     FaceSpread spread;  ///< the face's XY box as centre and half sizes
@@ -197,6 +200,12 @@ void prepareFace(CachedFace& c) {
     c.gy = sloped ? -n.y / n.z : nan;
     c.slopeFactor = sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
     c.outlineMargin = outlineOf(f, c.size, c.flatLength, c.edgeSide);
+    for (int k = 0; k < f.count; ++k) {
+        const _s_hd_point_ a = f.v[k];
+        const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+        c.edgeNormalX[k] = -(b.y - a.y);
+        c.edgeNormalY[k] = b.x - a.x;
+    }
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -204,7 +213,6 @@ void prepareFace(CachedFace& c) {
 // one with a coordinate that is not bounded.
 struct LinePrune {
     bool prunable;
-    double xmin, xmax, ymin, ymax;
     double px, py;  ///< the near end in the drawing plane
     double qx, qy;  ///< the far end in the drawing plane
     double pz, qz;  ///< the ends' depths
@@ -220,10 +228,6 @@ LinePrune prepareLine(const HideLine& line) {
     l.prunable = isBoundedPoint(p) && isBoundedPoint(q) && !line.endOn;
     if (!l.prunable)
         return l;
-    l.xmin = p.x < q.x ? p.x : q.x;
-    l.xmax = p.x < q.x ? q.x : p.x;
-    l.ymin = p.y < q.y ? p.y : q.y;
-    l.ymax = p.y < q.y ? q.y : p.y;
     l.px = p.x;
     l.py = p.y;
     l.qx = q.x;
@@ -244,17 +248,15 @@ LinePrune prepareLine(const HideLine& line) {
 }
 
 // True when the face provably hides no piece of the line: the projected segment stays farther
-// than the margin from the face's XY extents, either along X or Y (the segment's range misses
-// the widened box) or across the line (the box's spread along the normal misses it). See
-// kCullMarginAbs for why no hidden piece can come from such a face.
+// than the margin from the face's XY extents across the line (the box's spread along the
+// line's normal misses it). See kCullMarginAbs for why no hidden piece can come from such a
+// face. Along X and Y there is nothing to ask: the scan tests only faces whose extents meet the
+// line's range, unwidened.
 bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable)
         return false;
-    const HDFace& f = c.face;
     const FaceSpread& s = c.spread;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    if (f.xmin - m > l.xmax || f.xmax + m < l.xmin || f.ymin - m > l.ymax || f.ymax + m < l.ymin)
-        return true;
     const double offset = (s.cx - l.px) * l.nx + (s.cy - l.py) * l.ny;
     const double spread = s.hx * std::fabs(l.nx) + s.hy * std::fabs(l.ny);
     return std::fabs(offset) > spread + m;
@@ -295,16 +297,15 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
     if (lo > m || hi < -m)
         return true;
     for (int k = 0; k < f.count; ++k) {
-        const _s_hd_point_ a = f.v[k];
-        const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
         // Only an edge the face lies wholly inside of separates (worked out once a face).
         const signed char side = c.edgeSide[k];
         if (side == 0)
             continue;
         // The edge's normal left at the edge's length, and the margin with it, spare two
         // divisions a face.
-        const double ex = -(b.y - a.y);
-        const double ey = b.x - a.x;
+        const _s_hd_point_ a = f.v[k];
+        const double ex = c.edgeNormalX[k];
+        const double ey = c.edgeNormalY[k];
         const double mLen = m * c.flatLength[k];
         const double op = (l.px - a.x) * ex + (l.py - a.y) * ey;
         const double oq = (l.qx - a.x) * ex + (l.qy - a.y) * ey;
@@ -312,6 +313,14 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
             return true;
     }
     return false;
+}
+
+// True when the face's projection provably lies apart from the line's: for a flat face by its
+// outline (faceOutlineApartFromLine), whose first step, every vertex beyond the margin on one
+// side of the line, passes over every face the spread of its XY box would (the vertices lie in
+// the box), and for any other face by that spread (faceTooFarFromLine).
+bool faceApartFromLine(const CachedFace& c, const LinePrune& l) {
+    return c.flat ? faceOutlineApartFromLine(c, l) : faceTooFarFromLine(c, l);
 }
 
 // True when a flat face's plane lies behind both ends of the line, with the margin to spare:
@@ -774,8 +783,9 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                           e->extents.xmin <= r.xmax && e->extents.ymin <= r.ymax))
                         continue;
                     const CachedFace* f = e->face;
-                    if (faceBehindLine(*f, prune) || faceTooFarFromLine(*f, prune) ||
-                        lineInFrontOfFace(*f, prune) || faceOutlineApartFromLine(*f, prune))
+                    // The culls in the order of what each passes over for its cost.
+                    if (faceBehindLine(*f, prune) || lineInFrontOfFace(*f, prune) ||
+                        faceApartFromLine(*f, prune))
                         continue;
                     if (stats != nullptr)
                         ++stats->faceTests;
