@@ -82,6 +82,7 @@ struct HideLine {
     FlatRun run;         ///< flatRunOf(p, q)
     LineRange range;     ///< lineRangeOf(p, q)
     double len2;         ///< pointDist2(p, q)
+    bool bounded;        ///< boundedEnds(p, q)
 };
 HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q);
 
