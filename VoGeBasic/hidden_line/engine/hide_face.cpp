@@ -79,6 +79,10 @@ bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
 // True when the point straight behind or in front of e on the face's plane lies in the face
 // and e is behind that point or level with it.
 bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
+    // The point i below has e's X and Y (e + t (0, 0, dz) adds t times zero to them) or, where t
+    // or the run is not finite, NaN in them: outside the extents when e is.
+    if (!withinXYExtents(e, f, hd::kBehindExtentTol))
+        return false;
     const _s_hd_point_ up = {e.x, e.y, e.z + 1.0};
     const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up);
     // The cheap tests first: most faces fail them and never reach the angle sum.
