@@ -627,85 +627,20 @@ bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-// Follows the first row of the merge (mergePieces) while the pieces of the line p -> q are
-// appended, to stop the line once no face tested later can change what is visible.
-//
-// Each sweep of the merge starts with the first piece A, which is never dropped, against every
-// later piece in list order. While A's row finds a piece to absorb, every sweep is A's row: the
-// merges are those of A with the first piece it absorbs each time, in list order. Pieces appended
-// later come after every piece appended now, so while A absorbs a piece appended now, A's row
-// finds that piece before any later one, whatever is appended later: up to the point where A's
-// row would find nothing among the pieces appended so far, the merge of the final list makes
-// the same merges as the merge of the list now. The watch plays those merges on a copy of A,
-// marking the absorbed pieces (Piece::dropped, which the merge sets afresh when it runs). Once
-// it finds nothing, the unmarked pieces all fail against the copy (absorbPiece depends only on
-// the two pieces), so the next piece appended is the only one to try; if A absorbs it, the row
-// is played again from the first unmarked piece.
-//
-// When the copy of A becomes the whole line, its ends p and q to the bit (on the first piece,
-// or after merges), its reach is the line's. Every piece's ends lie on the line by isPointOnSeg
+// True when the merge provably leaves the line p -> q hidden whole by the pieces appended so
+// far, whatever faces are tested after them, after the merge's first row has been played over
+// them (MergeScratch::playFirstRow): its first piece A is then the whole line, its ends p and q
+// to the bit. A's reach is then the line's. Every piece's ends lie on the line by isPointOnSeg
 // with that reach (they are p, q, or points hideLineByFace accepted with the line's reach, the
 // same test; p and q themselves pass as ends, so the line's ends must be finite), so A's row
 // drops every piece left, those appended now and any appended later, one by one, and A is the
-// only piece left: the same visible result whatever faces are tested after that. The line
-// stops there, and nothing of it is visible: the gaps getVisibleProline leaves before p and
-// after q are empty, as finite ends are the same point as themselves by isSamePointFine, so the
-// merge need not run.
-class WholeLineWatch {
-public:
-    /// Starts on the line p -> q with no piece appended.
-    void start(_s_hd_point_ p, _s_hd_point_ q) {
-        p_ = p;
-        q_ = q;
-        active_ = boundedEnds(p, q);
-        seen_ = 0;
-    }
-
-    /// Plays A's row over the pieces appended since the last call; true once A is the whole
-    /// line.
-    bool hiddenWhole(MergeScratch& hidden) {
-        if (!active_ || hidden.size() == seen_)
-            return false;
-        MergeScratch::Piece* pieces = hidden.pieces();
-        size_t from = seen_;
-        if (seen_ == 0) {
-            start_ = pieces[0].start;
-            end_ = pieces[0].end;
-            reach_ = segmentReach(start_, end_);
-            from = 1;
-        }
-        const size_t n = hidden.size();
-        for (size_t k = from; k < n; ++k)
-            pieces[k].dropped = false;
-        seen_ = n;
-        bool changed = whole();
-        for (size_t k = from; k < n && !changed; ++k)
-            changed = absorb(pieces[k]);
-        while (changed && !whole()) {
-            changed = false;
-            for (size_t k = 1; k < n && !changed; ++k)
-                changed = !pieces[k].dropped && absorb(pieces[k]);
-        }
-        return changed;
-    }
-
-private:
-    bool whole() const { return sameBits(start_, p_) && sameBits(end_, q_); }
-
-    bool absorb(MergeScratch::Piece& b) {
-        if (!absorbPiece(start_, end_, reach_, b.start, b.end, segmentReach(b.start, b.end)))
-            return false;
-        b.dropped = true;
-        reach_ = segmentReach(start_, end_);
-        return true;
-    }
-
-    _s_hd_point_ p_, q_;
-    _s_hd_point_ start_, end_;  ///< the copy of A
-    SegmentReach reach_;        ///< segmentReach(start_, end_)
-    size_t seen_ = 0;           ///< the pieces looked at so far
-    bool active_ = false;
-};
+// only piece left. Nothing of the line is visible then: the gaps getVisibleProline leaves before
+// p and after q are empty, as finite ends are the same point as themselves by isSamePointFine,
+// so the merge need not run.
+bool hiddenWhole(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q) {
+    return boundedEnds(p, q) && sameBits(hidden.pieces()[0].start, p) &&
+           sameBits(hidden.pieces()[0].end, q);
+}
 
 }  // namespace
 
@@ -730,7 +665,6 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
     BehindMemo memo;
     // The hidden pieces of one line at a time, in room reused from line to line.
     MergeScratch hidden;
-    WholeLineWatch watch;
     bool gathered = true;
     _s_hd_proline_* result = runHidePass(
         objs, n,
@@ -763,8 +697,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             const HideLine prepared = hideLineOf(p, q);
             const LinePrune prune = prepareLine(prepared);
             hidden.clear();
-            // The line stops once the merge provably leaves it hidden whole (WholeLineWatch).
-            watch.start(p, q);
+            // The line stops once the merge provably leaves it hidden whole (hiddenWhole).
             bool whole = false;
             for (int c = 0; c < candidates && !whole; ++c) {
                 const int j = table[c].index;
@@ -798,7 +731,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     if (hides) {
                         if (stats != nullptr)
                             ++stats->hidingTests;
-                        if (watch.hiddenWhole(hidden)) {
+                        if (hidden.playFirstRow() && hiddenWhole(hidden, p, q)) {
                             whole = true;
                             break;
                         }

@@ -8,6 +8,12 @@
 
 namespace geolib {
 
+namespace {
+
+// Folds B into A when the two overlap or touch: B starting on A extends A to B's end, B ending
+// on A extends A back to B's start; B inside A adds nothing, A inside B becomes B. Returns true
+// when B is to be dropped.
+// aReach and bReach are the pieces' segmentReach, as isPointOnSeg works them out.
 bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, const SegmentReach& aReach,
                  _s_hd_point_ bStart, _s_hd_point_ bEnd, const SegmentReach& bReach) {
     const bool startOn = onSegWithin(bStart, aStart, aEnd, aReach);
@@ -29,9 +35,6 @@ bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, const SegmentReach& a
     }
     return false;
 }
-
-namespace {
-
 bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
     return absorbPiece(a->start, a->end, segmentReach(a->start, a->end), b->start, b->end,
                        segmentReach(b->start, b->end));
@@ -99,7 +102,51 @@ bool MergeScratch::reserve(size_t n) {
 bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
     if (count_ == capacity_ && !reserve(count_ + 1))
         return false;
-    pieces_[count_++] = {from, to, {}, 0, 0, false};
+    pieces_[count_++] = {from, to, segmentReach(from, to), 0, 0, false};
+    return true;
+}
+
+namespace {
+
+// absorbPiece on two pieces of the scratch, keeping A's reach up to date and marking B dropped
+// when it is absorbed.
+bool absorbInto(MergeScratch::Piece& a, MergeScratch::Piece& b) {
+    if (!absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
+        return false;
+    b.dropped = true;
+    a.reach = segmentReach(a.start, a.end);
+    return true;
+}
+
+}  // namespace
+
+// Each sweep of the merge (mergePieces) starts with the first piece A, which is never dropped,
+// against every later piece in list order. While A's row finds a piece to absorb, every sweep is
+// A's row: the merges are those of A with the first piece it absorbs each time, in list order.
+// Pieces appended later come after every piece appended now, so while A absorbs a piece
+// appended now, A's row finds that piece before any later one, whatever is appended later: up
+// to the point where A's row would find nothing among the pieces appended so far, the merge of
+// the final list makes the same merges as the merge of the list now. Once A's row finds nothing,
+// the pieces left all fail against A (absorbPiece depends only on the two pieces), so the next
+// piece appended is the only one to try; if A absorbs it, the row is played again from the
+// first piece left.
+bool MergeScratch::playFirstRow() {
+    if (count_ == seen_)
+        return false;
+    const bool fresh = seen_ == 0;
+    size_t k = fresh ? 1 : seen_;
+    seen_ = count_;
+    Piece& a = pieces_[0];
+    while (k < count_ && !absorbInto(a, pieces_[k]))
+        ++k;
+    if (k == count_)
+        return fresh;
+    for (bool again = true; again;) {
+        ++played_;
+        again = false;
+        for (size_t j = 1; j < count_ && !again; ++j)
+            again = !pieces_[j].dropped && absorbInto(a, pieces_[j]);
+    }
     return true;
 }
 
@@ -132,6 +179,13 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
 //
 // The merge works through an index of the pieces, dropping a piece from the index only, and
 // leaves the pieces that remain at the front in their order.
+//
+// It starts after the merges the first row has already made (MergeScratch::playFirstRow, the
+// merge's own first merges): up to there every merge was the first piece's, in a full row (its
+// changed stays at or above its rowDone of 0, so it is never settled), no row ran without a
+// merge (every rowDone is 0), the first piece's changed is the count of merges and the log
+// names it for each, its reach was worked out again after each, and the pieces it absorbed are
+// out of the index.
 void mergePiecesSkippingSettled(MergeScratch& scratch) {
     // A settled row since which at most this many merges were counted tries only the pieces they
     // changed; after more, its full row runs (with the same skips), which gives the same merge.
@@ -139,15 +193,18 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
     MergeScratch::Piece* pieces = scratch.pieces();
     size_t* order = scratch.order();
     size_t* changes = scratch.changes();
-    size_t n = scratch.size();
-    for (size_t k = 0; k < n; ++k) {
-        pieces[k].reach = segmentReach(pieces[k].start, pieces[k].end);
+    size_t n = 0;
+    for (size_t k = 0; k < scratch.size(); ++k) {
         pieces[k].rowDone = 0;
         pieces[k].changed = 0;
-        pieces[k].dropped = false;
-        order[k] = k;
+        if (!pieces[k].dropped)
+            order[n++] = k;
     }
-    size_t merges = 0;
+    const size_t merges0 = scratch.firstRowMerges();
+    for (size_t t = 0; t < merges0; ++t)
+        changes[t] = 0;
+    pieces[0].changed = merges0;
+    size_t merges = merges0;
     bool changed = true;
     while (changed) {
         changed = false;
