@@ -623,10 +623,6 @@ private:
     size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
 };
 
-bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
 // True when the merge provably leaves the line p -> q hidden whole by the pieces appended so
 // far, whatever faces are tested after them, after the merge's first row has been played over
 // them (MergeScratch::playFirstRow): its first piece A is then the whole line, its ends p and q
@@ -638,8 +634,7 @@ bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
 // p and after q are empty, as finite ends are the same point as themselves by isSamePointFine,
 // so the merge need not run.
 bool hiddenWhole(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q) {
-    return boundedEnds(p, q) && sameBits(hidden.pieces()[0].start, p) &&
-           sameBits(hidden.pieces()[0].end, q);
+    return hidden.playFirstRow(p, q) && boundedEnds(p, q);
 }
 
 }  // namespace
@@ -731,7 +726,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     if (hides) {
                         if (stats != nullptr)
                             ++stats->hidingTests;
-                        if (hidden.playFirstRow() && hiddenWhole(hidden, p, q)) {
+                        if (hiddenWhole(hidden, p, q)) {
                             whole = true;
                             break;
                         }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 #include "hidden_line/engine/hd_pass.h"
 
@@ -108,6 +109,10 @@ bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
 
 namespace {
 
+bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
 // absorbPiece on two pieces of the scratch, keeping A's reach up to date and marking B dropped
 // when it is absorbed.
 bool absorbInto(MergeScratch::Piece& a, MergeScratch::Piece& b) {
@@ -129,25 +134,36 @@ bool absorbInto(MergeScratch::Piece& a, MergeScratch::Piece& b) {
 // the final list makes the same merges as the merge of the list now. Once A's row finds nothing,
 // the pieces left all fail against A (absorbPiece depends only on the two pieces), so the next
 // piece appended is the only one to try; if A absorbs it, the row is played again from the
-// first piece left.
-bool MergeScratch::playFirstRow() {
+// first piece left. When the play stops early (the first piece runs from p to q), the row is
+// played from the first piece left at the next call.
+bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
     if (count_ == seen_)
         return false;
+    Piece& a = pieces_[0];
+    auto spans = [&] { return sameBits(a.start, p) && sameBits(a.end, q); };
     const bool fresh = seen_ == 0;
     size_t k = fresh ? 1 : seen_;
     seen_ = count_;
-    Piece& a = pieces_[0];
+    if (fresh && spans()) {
+        seen_ = 1;
+        return true;
+    }
     while (k < count_ && !absorbInto(a, pieces_[k]))
         ++k;
     if (k == count_)
-        return fresh;
-    for (bool again = true; again;) {
+        return false;
+    for (;;) {
         ++played_;
-        again = false;
+        if (spans()) {
+            seen_ = 1;
+            return true;
+        }
+        bool again = false;
         for (size_t j = 1; j < count_ && !again; ++j)
             again = !pieces_[j].dropped && absorbInto(a, pieces_[j]);
+        if (!again)
+            return false;
     }
-    return true;
 }
 
 namespace {
