@@ -113,10 +113,17 @@ bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
+// True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach and an end of
+// A outside B's, so every isPointOnSeg it would ask answers 0 at once.
+bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) {
+    return a.reach.excludes(b.end) && a.reach.excludes(b.start) &&
+           (b.reach.excludes(a.start) || b.reach.excludes(a.end));
+}
+
 // absorbPiece on two pieces of the scratch, keeping A's reach up to date and marking B dropped
-// when it is absorbed.
+// when it is absorbed; pieces lying far apart are not tried.
 bool absorbInto(MergeScratch::Piece& a, MergeScratch::Piece& b) {
-    if (!absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
+    if (piecesFarApart(a, b) || !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
         return false;
     b.dropped = true;
     a.reach = segmentReach(a.start, a.end);
@@ -167,13 +174,6 @@ bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
 }
 
 namespace {
-
-// True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach and an end of
-// A outside B's, so every isPointOnSeg it would ask answers 0 at once.
-bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) {
-    return a.reach.excludes(b.end) && a.reach.excludes(b.start) &&
-           (b.reach.excludes(a.start) || b.reach.excludes(a.end));
-}
 
 // mergePieces on the scratch's pieces with the same merges in the same order, but without trying
 // the pairs that provably stay apart. absorbPiece depends only on the two pieces and changes
