@@ -683,7 +683,6 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             _s_hd_proline_*& visible) {
             if (!gathered)
                 return false;
-            const LineRange range = lineRangeOf(line->start, line->end);
             if (stats != nullptr)
                 ++stats->lines;
             _s_hd_point_ p = line->start;
@@ -698,7 +697,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                 const int j = table[c].index;
                 if (stats != nullptr)
                     ++stats->candidatesScanned;
-                if (!boxOverlapsLineRange(objs[j]->box, range))
+                if (!boxOverlapsLineRange(objs[j]->box, prepared.range))
                     continue;
                 for (NearFaces::Entry* e = nearFaces.begin(c); e != nearFaces.end(c); ++e) {
                     // First what the reference asks first (appendHiddenPiece): a face whose XY

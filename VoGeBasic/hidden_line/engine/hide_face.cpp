@@ -186,17 +186,26 @@ bool faceMeetsLineRange(const HDFace& face, const LineRange& range) {
            face.ymin <= range.ymax;
 }
 
-bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
-    const _s_hd_point_ dir = unitDir(q, p);
+namespace {
+
+// isSeenEndOn on the line's unit direction.
+bool isEndOnDir(_s_hd_point_ dir) {
     return std::fabs(dir.x) < hd::kEndOnTol && std::fabs(dir.y) < hd::kEndOnTol &&
            std::fabs(std::fabs(dir.z) - 1.0) < hd::kEndOnTol;
 }
 
+}  // namespace
+
+bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
+    return isEndOnDir(unitDir(q, p));
+}
+
 HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q) {
+    const _s_hd_point_ dir = unitDir(q, p);
     return {p,
             q,
-            unitDir(q, p),
-            isSeenEndOn(p, q),
+            dir,
+            isEndOnDir(dir),
             segmentReach(p, q),
             flatRunOf(p, q),
             lineRangeOf(p, q),

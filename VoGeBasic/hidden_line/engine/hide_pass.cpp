@@ -430,8 +430,10 @@ bool xyBoxesTouch(const double* a, const double* b) {
     return !(a[1] > b[0]) && !(a[0] < b[1]) && !(a[3] > b[2]) && !(a[2] < b[3]);
 }
 
+// minOf and maxOf give what fmin and fmax give (the other value where one is NaN), but for the
+// sign of a zero, which no comparison sees.
 LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b) {
-    return {std::fmin(a.x, b.x), std::fmax(a.x, b.x), std::fmin(a.y, b.y), std::fmax(a.y, b.y)};
+    return {minOf(a.x, b.x), maxOf(a.x, b.x), minOf(a.y, b.y), maxOf(a.y, b.y)};
 }
 
 void VisibleCollector::add(_s_hd_proline_* visible, int owner) {
