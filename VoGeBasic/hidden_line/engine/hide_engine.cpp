@@ -287,15 +287,17 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
         return false;
     const HDFace& f = c.face;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    double lo = 0.0;
-    double hi = 0.0;
-    for (int k = 0; k < f.count; ++k) {
-        const double o = (f.v[k].x - l.px) * l.nx + (f.v[k].y - l.py) * l.ny;
-        lo = k == 0 || o < lo ? o : lo;
-        hi = k == 0 || o > hi ? o : hi;
+    // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
+    // that is not ends the look.
+    auto offset = [&](int k) { return (f.v[k].x - l.px) * l.nx + (f.v[k].y - l.py) * l.ny; };
+    const double o0 = offset(0);
+    if (o0 > m || o0 < -m) {
+        int k = 1;
+        while (k < f.count && (o0 > m ? offset(k) > m : offset(k) < -m))
+            ++k;
+        if (k == f.count)
+            return true;
     }
-    if (lo > m || hi < -m)
-        return true;
     for (int k = 0; k < f.count; ++k) {
         // Only an edge the face lies wholly inside of separates (worked out once a face).
         const signed char side = c.edgeSide[k];
