@@ -99,6 +99,7 @@ void prepareEdgeTests(const HDFace& f, FacePrep& prep, const double* flatLengths
         const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
         prep.reach[k] = segmentReach(a, b);
         prep.len2[k] = pointDist2(a, b);
+        prep.bounded = (k == 0 || prep.bounded) && boundedEnds(a, b);
         if (flatLengths == nullptr)
             prep.run[k] = flatRunOf(a, b);
         else

@@ -47,6 +47,7 @@ struct FacePrep {
     /// edge's side.
     double outlineMargin;
     signed char side[kMaxFaceVertices];
+    bool bounded;  ///< every vertex within kCullCoordLimit: boundedEnds holds for every edge
 };
 /// Per edge k (run length lengths[k], flatRunOf), the side of the edge's drawing-plane normal
 /// (-(b.y - a.y), b.x - a.x) that the whole face lies on: 1 or -1; 0 when the edge has no run,
@@ -56,8 +57,8 @@ struct FacePrep {
 /// inside or outside the face by its sides alone; 0 for any other face.
 double outlineOf(const HDFace& face, double size, const double* lengths, signed char* sides);
 void prepareFaceTests(const HDFace& face, FacePrep& prep);
-/// The edges' part of prepareFaceTests alone (reach, len2, run), the same to the bit; dir and
-/// area are left unset. flatLengths, when given, holds each edge's run length (flatRunOf).
+/// The edges' part of prepareFaceTests alone (reach, len2, run, bounded), the same to the bit; dir
+/// and area are left unset. flatLengths, when given, holds each edge's run length (flatRunOf).
 void prepareEdgeTests(const HDFace& face, FacePrep& prep, const double* flatLengths = nullptr);
 /// The face's unit area normal, as prepareFaceTests sets prep.area.
 _s_hd_point_ faceAreaNormal(const HDFace& face);

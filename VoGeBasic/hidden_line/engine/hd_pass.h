@@ -82,6 +82,7 @@ struct HideLine {
     FlatRun run;         ///< flatRunOf(p, q)
     LineRange range;     ///< lineRangeOf(p, q)
     double len2;         ///< pointDist2(p, q)
+    bool bounded;        ///< boundedEnds(p, q)
 };
 HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q);
 
@@ -118,7 +119,7 @@ class MergeScratch {
 public:
     struct Piece {
         _s_hd_point_ start, end;
-        SegmentReach reach;  ///< segmentReach(start, end), kept up to date while merging
+        SegmentReach reach;  ///< segmentReach(start, end), kept up to date
         /// Merges counted from the start of merging: 1 + the count when its row of a sweep last
         /// ran without a merge (0: never), and the count just after it last changed (0: never).
         size_t rowDone, changed;
@@ -133,9 +134,21 @@ public:
     bool reserve(size_t n);
     /// Appends the piece from -> to; false, changing nothing, if the room cannot grow.
     bool append(_s_hd_point_ from, _s_hd_point_ to);
-    void clear() { count_ = 0; }
-    void truncate(size_t n) { count_ = n < count_ ? n : count_; }
+    /// Plays the merge's first row over the pieces appended since it last ran: the first piece
+    /// absorbs, in list order and from the start again after each merge, every piece it can,
+    /// and the pieces it absorbs are marked dropped. These are the first merges the merge of the
+    /// pieces makes, whatever is appended later, and the merge goes on from them. Stops, and
+    /// returns true, once the first piece runs from p to q to the bit.
+    bool playFirstRow(_s_hd_point_ p, _s_hd_point_ q);
+    void clear() { count_ = seen_ = played_ = 0; }
+    /// Keeps the first n pieces (as merged: the first row is played afresh).
+    void truncate(size_t n) {
+        count_ = n < count_ ? n : count_;
+        seen_ = played_ = 0;
+    }
     size_t size() const { return count_; }
+    /// The merges playFirstRow has made since the last clear().
+    size_t firstRowMerges() const { return played_; }
     Piece* pieces() { return pieces_; }
     /// Room for an index of each piece, for merging without moving the pieces.
     size_t* order() { return order_; }
@@ -150,6 +163,8 @@ private:
     size_t* changes_ = nullptr;
     size_t capacity_ = 0;
     size_t count_ = 0;
+    size_t seen_ = 0;    ///< the pieces the first row has been played over
+    size_t played_ = 0;  ///< the merges the first row has made
 };
 
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement

@@ -156,6 +156,14 @@ inline bool boundedEnds(_s_hd_point_ a, _s_hd_point_ b) {
            std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
 }
 
+/// surelyOnSegment's test of t alone: t leaves at least kSureOnEdgeEnd and kSureOnEdgeRel of
+/// the segment (of squared length len2) on either side.
+inline bool surelyWithinSegment(double t, double len2) {
+    const double end2 = hd::kSureOnEdgeEnd * hd::kSureOnEdgeEnd;
+    const double u = 1.0 - t;
+    return t >= hd::kSureOnEdgeRel && u >= hd::kSureOnEdgeRel && t * t * len2 >= end2 &&
+           u * u * len2 >= end2;
+}
 /// True when the point x = linComb(1, a, t, b - a), as linePlaneInter and crossProjections work
 /// it out from t, lies on the segment a -> b (of squared length len2) by isPointOnSeg, t leaving
 /// at least kSureOnEdgeEnd and kSureOnEdgeRel of the segment on either side. x lies within
@@ -167,10 +175,7 @@ inline bool boundedEnds(_s_hd_point_ a, _s_hd_point_ b) {
 /// inside the segment's reach. Rounding of the squares here moves the ends' distances by parts
 /// in 1e15. NaN fails.
 inline bool surelyOnSegment(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
-    const double end2 = hd::kSureOnEdgeEnd * hd::kSureOnEdgeEnd;
-    const double u = 1.0 - t;
-    return t >= hd::kSureOnEdgeRel && u >= hd::kSureOnEdgeRel && t * t * len2 >= end2 &&
-           u * u * len2 >= end2 && boundedEnds(a, b);
+    return surelyWithinSegment(t, len2) && boundedEnds(a, b);
 }
 
 /// onSegWithin for the point p = linComb(1, a, t, b - a) worked out from t (len2 the segment's
@@ -178,6 +183,11 @@ inline bool surelyOnSegment(double t, double len2, _s_hd_point_ a, _s_hd_point_ 
 inline bool onSegAt(_s_hd_point_ p, double t, double len2, _s_hd_point_ a, _s_hd_point_ b,
                     const SegmentReach& reach) {
     return surelyOnSegment(t, len2, a, b) || onSegWithin(p, a, b, reach);
+}
+/// The same with bounded = boundedEnds(a, b) known already.
+inline bool onSegAt(_s_hd_point_ p, double t, double len2, _s_hd_point_ a, _s_hd_point_ b,
+                    const SegmentReach& reach, bool bounded) {
+    return (surelyWithinSegment(t, len2) && bounded) || onSegWithin(p, a, b, reach);
 }
 
 /// The vertex after vertex k (0 <= k < count) of a closed polygon: (k + 1) mod count, without

@@ -149,6 +149,9 @@ struct CachedFace {
     /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
     /// bounded coordinates give no NaN.
     signed char edgeSide[kMaxFaceVertices];
+    /// Each edge's normal in the drawing plane at the edge's length: -(b.y - a.y), b.x - a.x
+    /// for the edge a -> b.
+    double edgeNormalX[kMaxFaceVertices], edgeNormalY[kMaxFaceVertices];
     double outlineMargin;
     double size;        ///< faceSize(face)
     FaceSpread spread;  ///< the face's XY box as centre and half sizes
@@ -197,6 +200,12 @@ void prepareFace(CachedFace& c) {
     c.gy = sloped ? -n.y / n.z : nan;
     c.slopeFactor = sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
     c.outlineMargin = outlineOf(f, c.size, c.flatLength, c.edgeSide);
+    for (int k = 0; k < f.count; ++k) {
+        const _s_hd_point_ a = f.v[k];
+        const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
+        c.edgeNormalX[k] = -(b.y - a.y);
+        c.edgeNormalY[k] = b.x - a.x;
+    }
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -204,7 +213,6 @@ void prepareFace(CachedFace& c) {
 // one with a coordinate that is not bounded.
 struct LinePrune {
     bool prunable;
-    double xmin, xmax, ymin, ymax;
     double px, py;  ///< the near end in the drawing plane
     double qx, qy;  ///< the far end in the drawing plane
     double pz, qz;  ///< the ends' depths
@@ -220,10 +228,6 @@ LinePrune prepareLine(const HideLine& line) {
     l.prunable = isBoundedPoint(p) && isBoundedPoint(q) && !line.endOn;
     if (!l.prunable)
         return l;
-    l.xmin = p.x < q.x ? p.x : q.x;
-    l.xmax = p.x < q.x ? q.x : p.x;
-    l.ymin = p.y < q.y ? p.y : q.y;
-    l.ymax = p.y < q.y ? q.y : p.y;
     l.px = p.x;
     l.py = p.y;
     l.qx = q.x;
@@ -244,17 +248,15 @@ LinePrune prepareLine(const HideLine& line) {
 }
 
 // True when the face provably hides no piece of the line: the projected segment stays farther
-// than the margin from the face's XY extents, either along X or Y (the segment's range misses
-// the widened box) or across the line (the box's spread along the normal misses it). See
-// kCullMarginAbs for why no hidden piece can come from such a face.
+// than the margin from the face's XY extents across the line (the box's spread along the
+// line's normal misses it). See kCullMarginAbs for why no hidden piece can come from such a
+// face. Along X and Y there is nothing to ask: the scan tests only faces whose extents meet the
+// line's range, unwidened.
 bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable)
         return false;
-    const HDFace& f = c.face;
     const FaceSpread& s = c.spread;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    if (f.xmin - m > l.xmax || f.xmax + m < l.xmin || f.ymin - m > l.ymax || f.ymax + m < l.ymin)
-        return true;
     const double offset = (s.cx - l.px) * l.nx + (s.cy - l.py) * l.ny;
     const double spread = s.hx * std::fabs(l.nx) + s.hy * std::fabs(l.ny);
     return std::fabs(offset) > spread + m;
@@ -285,26 +287,27 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
         return false;
     const HDFace& f = c.face;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    double lo = 0.0;
-    double hi = 0.0;
-    for (int k = 0; k < f.count; ++k) {
-        const double o = (f.v[k].x - l.px) * l.nx + (f.v[k].y - l.py) * l.ny;
-        lo = k == 0 || o < lo ? o : lo;
-        hi = k == 0 || o > hi ? o : hi;
+    // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
+    // that is not ends the look.
+    auto offset = [&](int k) { return (f.v[k].x - l.px) * l.nx + (f.v[k].y - l.py) * l.ny; };
+    const double o0 = offset(0);
+    if (o0 > m || o0 < -m) {
+        int k = 1;
+        while (k < f.count && (o0 > m ? offset(k) > m : offset(k) < -m))
+            ++k;
+        if (k == f.count)
+            return true;
     }
-    if (lo > m || hi < -m)
-        return true;
     for (int k = 0; k < f.count; ++k) {
-        const _s_hd_point_ a = f.v[k];
-        const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
         // Only an edge the face lies wholly inside of separates (worked out once a face).
         const signed char side = c.edgeSide[k];
         if (side == 0)
             continue;
         // The edge's normal left at the edge's length, and the margin with it, spare two
         // divisions a face.
-        const double ex = -(b.y - a.y);
-        const double ey = b.x - a.x;
+        const _s_hd_point_ a = f.v[k];
+        const double ex = c.edgeNormalX[k];
+        const double ey = c.edgeNormalY[k];
         const double mLen = m * c.flatLength[k];
         const double op = (l.px - a.x) * ex + (l.py - a.y) * ey;
         const double oq = (l.qx - a.x) * ex + (l.qy - a.y) * ey;
@@ -312,6 +315,14 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
             return true;
     }
     return false;
+}
+
+// True when the face's projection provably lies apart from the line's: for a flat face by its
+// outline (faceOutlineApartFromLine), whose first step, every vertex beyond the margin on one
+// side of the line, passes over every face the spread of its XY box would (the vertices lie in
+// the box), and for any other face by that spread (faceTooFarFromLine).
+bool faceApartFromLine(const CachedFace& c, const LinePrune& l) {
+    return c.flat ? faceOutlineApartFromLine(c, l) : faceTooFarFromLine(c, l);
 }
 
 // True when a flat face's plane lies behind both ends of the line, with the margin to spare:
@@ -614,19 +625,18 @@ private:
     size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
 };
 
-bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-// True when the first hidden piece of the line p -> q is the whole line, its ends p and q to the
-// bit: no face tested after that can change what is visible, which is nothing. Every piece's
-// ends lie on the line by isPointOnSeg (they are p, q, or points hideLineByFace accepted with
-// the line's reach, the same test), so when the merge tries the first piece against a later
-// one, both of the later one's ends lie on it and the later one is dropped; the first piece,
-// never changed, is the only one left, and the gaps before p and after q are empty.
+// True when the merge provably leaves the line p -> q hidden whole by the pieces appended so
+// far, whatever faces are tested after them, after the merge's first row has been played over
+// them (MergeScratch::playFirstRow): its first piece A is then the whole line, its ends p and q
+// to the bit. A's reach is then the line's. Every piece's ends lie on the line by isPointOnSeg
+// with that reach (they are p, q, or points hideLineByFace accepted with the line's reach, the
+// same test; p and q themselves pass as ends, so the line's ends must be finite), so A's row
+// drops every piece left, those appended now and any appended later, one by one, and A is the
+// only piece left. Nothing of the line is visible then: the gaps getVisibleProline leaves before
+// p and after q are empty, as finite ends are the same point as themselves by isSamePointFine,
+// so the merge need not run.
 bool hiddenWhole(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q) {
-    return hidden.size() > 0 && sameBits(hidden.pieces()[0].start, p) &&
-           sameBits(hidden.pieces()[0].end, q);
+    return hidden.playFirstRow(p, q) && boundedEnds(p, q);
 }
 
 }  // namespace
@@ -675,7 +685,6 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             _s_hd_proline_*& visible) {
             if (!gathered)
                 return false;
-            const LineRange range = lineRangeOf(line->start, line->end);
             if (stats != nullptr)
                 ++stats->lines;
             _s_hd_point_ p = line->start;
@@ -684,14 +693,13 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             const HideLine prepared = hideLineOf(p, q);
             const LinePrune prune = prepareLine(prepared);
             hidden.clear();
-            // Only the first piece can make the line hidden whole (hiddenWhole), and it is
-            // never changed while faces are tested: the line stops once it is appended whole.
+            // The line stops once the merge provably leaves it hidden whole (hiddenWhole).
             bool whole = false;
             for (int c = 0; c < candidates && !whole; ++c) {
                 const int j = table[c].index;
                 if (stats != nullptr)
                     ++stats->candidatesScanned;
-                if (!boxOverlapsLineRange(objs[j]->box, range))
+                if (!boxOverlapsLineRange(objs[j]->box, prepared.range))
                     continue;
                 for (NearFaces::Entry* e = nearFaces.begin(c); e != nearFaces.end(c); ++e) {
                     // First what the reference asks first (appendHiddenPiece): a face whose XY
@@ -704,12 +712,12 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                           e->extents.xmin <= r.xmax && e->extents.ymin <= r.ymax))
                         continue;
                     const CachedFace* f = e->face;
-                    if (faceBehindLine(*f, prune) || faceTooFarFromLine(*f, prune) ||
-                        lineInFrontOfFace(*f, prune) || faceOutlineApartFromLine(*f, prune))
+                    // The culls in the order of what each passes over for its cost.
+                    if (faceBehindLine(*f, prune) || lineInFrontOfFace(*f, prune) ||
+                        faceApartFromLine(*f, prune))
                         continue;
                     if (stats != nullptr)
                         ++stats->faceTests;
-                    const size_t before = hidden.size();
                     _s_hd_point_ from;
                     _s_hd_point_ to;
                     const bool hides =
@@ -719,7 +727,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     if (hides) {
                         if (stats != nullptr)
                             ++stats->hidingTests;
-                        if (before == 0 && hiddenWhole(hidden, p, q)) {
+                        if (hiddenWhole(hidden, p, q)) {
                             whole = true;
                             break;
                         }
@@ -727,6 +735,10 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                 }
             }
             orientNearFirst(line->start, line->end);
+            if (whole) {
+                visible = nullptr;
+                return true;
+            }
             return getVisibleProline(hidden, line->start, line->end, visible);
         });
     std::free(near);

@@ -19,13 +19,17 @@ bool onEdge(_s_hd_point_ p, const HDFace& f, int k, const FaceTestAids& aids) {
     return aids.prep != nullptr ? onSegWithin(p, a, b, aids.prep->reach[k])
                                 : isPointOnSeg(p, a, b) != 0;
 }
+// boundedEnds of edge k, from the face's prepared data when every edge is bounded.
+bool edgeBounded(const HDFace& f, int k, const FaceTestAids& aids) {
+    return (aids.prep != nullptr && aids.prep->bounded) ||
+           boundedEnds(f.v[k], f.v[nextVertex(k, f.count)]);
+}
 // onEdge for the point c + t (d - c) of edge k's line (c -> d the edge), as crossProjections
 // works it out: well inside the edge it is on it without measuring (surelyOnSegment).
 bool onEdgeAt(_s_hd_point_ p, double t, const HDFace& f, int k, const FaceTestAids& aids) {
-    const _s_hd_point_ a = f.v[k];
-    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
-    const double len2 = aids.prep != nullptr ? aids.prep->len2[k] : pointDist2(a, b);
-    return surelyOnSegment(t, len2, a, b) || onEdge(p, f, k, aids);
+    const double len2 =
+        aids.prep != nullptr ? aids.prep->len2[k] : pointDist2(f.v[k], f.v[nextVertex(k, f.count)]);
+    return (surelyWithinSegment(t, len2) && edgeBounded(f, k, aids)) || onEdge(p, f, k, aids);
 }
 ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
     const _s_hd_point_ a = f.v[k];
@@ -75,6 +79,10 @@ bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
 // True when the point straight behind or in front of e on the face's plane lies in the face
 // and e is behind that point or level with it.
 bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
+    // The point i below has e's X and Y (e + t (0, 0, dz) adds t times zero to them) or, where t
+    // or the run is not finite, NaN in them: outside the extents when e is.
+    if (!withinXYExtents(e, f, hd::kBehindExtentTol))
+        return false;
     const _s_hd_point_ up = {e.x, e.y, e.z + 1.0};
     const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up);
     // The cheap tests first: most faces fail them and never reach the angle sum.
@@ -123,13 +131,12 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
     double side[kMaxFaceVertices];
     for (int k = 0; k < f.count; ++k)
         side[k] = det2(f.v[k].x - p.x, f.v[k].y - p.y, line.run.dx, line.run.dy);
-    const bool bounded = boundedEnds(p, q);
     int found = 0;
     for (int k = 0; k < f.count; ++k) {
         const int next = nextVertex(k, f.count);
         if (((side[k] > apart && side[next] > apart) ||
              (side[k] < -apart && side[next] < -apart)) &&
-            bounded && boundedEnds(f.v[k], f.v[next]))
+            line.bounded && edgeBounded(f, k, aids))
             continue;
         const ProjCrossing x = crossEdge(line, f, k, aids);
         if (x.parallel)
@@ -142,7 +149,7 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
         // Only where the edge crosses the segment itself: a crossing of its extension would
         // give a piece that leaves the line.
         if (!onEdgeAt(x.onEdge, x.edgeAt, f, k, aids) ||
-            !onSegAt(k3, x.lineAt, line.len2, p, q, line.reach))
+            !onSegAt(k3, x.lineAt, line.len2, p, q, line.reach, line.bounded))
             continue;
         if (found == 0) {
             c1 = k3;
@@ -179,21 +186,31 @@ bool faceMeetsLineRange(const HDFace& face, const LineRange& range) {
            face.ymin <= range.ymax;
 }
 
-bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
-    const _s_hd_point_ dir = unitDir(q, p);
+namespace {
+
+// isSeenEndOn on the line's unit direction.
+bool isEndOnDir(_s_hd_point_ dir) {
     return std::fabs(dir.x) < hd::kEndOnTol && std::fabs(dir.y) < hd::kEndOnTol &&
            std::fabs(std::fabs(dir.z) - 1.0) < hd::kEndOnTol;
 }
 
+}  // namespace
+
+bool isSeenEndOn(_s_hd_point_ p, _s_hd_point_ q) {
+    return isEndOnDir(unitDir(q, p));
+}
+
 HideLine hideLineOf(_s_hd_point_ p, _s_hd_point_ q) {
+    const _s_hd_point_ dir = unitDir(q, p);
     return {p,
             q,
-            unitDir(q, p),
-            isSeenEndOn(p, q),
+            dir,
+            isEndOnDir(dir),
             segmentReach(p, q),
             flatRunOf(p, q),
             lineRangeOf(p, q),
-            pointDist2(p, q)};
+            pointDist2(p, q),
+            boundedEnds(p, q)};
 }
 
 bool hideLineByFace(_s_hd_point_ p, _s_hd_point_ q, const HDFace& f, _s_hd_point_& from,
@@ -234,7 +251,7 @@ bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _
         double t = 0.0;
         x = linePlaneInter(n, f.v[0], p, q, t);
         if (withinXYExtents(x, f, hd::kPierceExtentTol) &&
-            onSegAt(x, t, line.len2, p, q, line.reach) && inFace(x, f, aids)) {
+            onSegAt(x, t, line.len2, p, q, line.reach, line.bounded) && inFace(x, f, aids)) {
             bool usable = true;
             for (int k = 0; k < f.count; ++k) {
                 if (onEdge(x, f, k, aids)) {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 #include "hidden_line/engine/hd_pass.h"
 
@@ -102,11 +103,15 @@ bool MergeScratch::reserve(size_t n) {
 bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
     if (count_ == capacity_ && !reserve(count_ + 1))
         return false;
-    pieces_[count_++] = {from, to, {}, 0, 0, false};
+    pieces_[count_++] = {from, to, segmentReach(from, to), 0, 0, false};
     return true;
 }
 
 namespace {
+
+bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
 
 // True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach and an end of
 // A outside B's, so every isPointOnSeg it would ask answers 0 at once.
@@ -114,6 +119,61 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
     return a.reach.excludes(b.end) && a.reach.excludes(b.start) &&
            (b.reach.excludes(a.start) || b.reach.excludes(a.end));
 }
+
+// absorbPiece on two pieces of the scratch, keeping A's reach up to date and marking B dropped
+// when it is absorbed; pieces lying far apart are not tried.
+bool absorbInto(MergeScratch::Piece& a, MergeScratch::Piece& b) {
+    if (piecesFarApart(a, b) || !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
+        return false;
+    b.dropped = true;
+    a.reach = segmentReach(a.start, a.end);
+    return true;
+}
+
+}  // namespace
+
+// Each sweep of the merge (mergePieces) starts with the first piece A, which is never dropped,
+// against every later piece in list order. While A's row finds a piece to absorb, every sweep is
+// A's row: the merges are those of A with the first piece it absorbs each time, in list order.
+// Pieces appended later come after every piece appended now, so while A absorbs a piece
+// appended now, A's row finds that piece before any later one, whatever is appended later: up
+// to the point where A's row would find nothing among the pieces appended so far, the merge of
+// the final list makes the same merges as the merge of the list now. Once A's row finds nothing,
+// the pieces left all fail against A (absorbPiece depends only on the two pieces), so the next
+// piece appended is the only one to try; if A absorbs it, the row is played again from the
+// first piece left. When the play stops early (the first piece runs from p to q), the row is
+// played from the first piece left at the next call.
+bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
+    if (count_ == seen_)
+        return false;
+    Piece& a = pieces_[0];
+    auto spans = [&] { return sameBits(a.start, p) && sameBits(a.end, q); };
+    const bool fresh = seen_ == 0;
+    size_t k = fresh ? 1 : seen_;
+    seen_ = count_;
+    if (fresh && spans()) {
+        seen_ = 1;
+        return true;
+    }
+    while (k < count_ && !absorbInto(a, pieces_[k]))
+        ++k;
+    if (k == count_)
+        return false;
+    for (;;) {
+        ++played_;
+        if (spans()) {
+            seen_ = 1;
+            return true;
+        }
+        bool again = false;
+        for (size_t j = 1; j < count_ && !again; ++j)
+            again = !pieces_[j].dropped && absorbInto(a, pieces_[j]);
+        if (!again)
+            return false;
+    }
+}
+
+namespace {
 
 // mergePieces on the scratch's pieces with the same merges in the same order, but without trying
 // the pairs that provably stay apart. absorbPiece depends only on the two pieces and changes
@@ -135,6 +195,13 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
 //
 // The merge works through an index of the pieces, dropping a piece from the index only, and
 // leaves the pieces that remain at the front in their order.
+//
+// It starts after the merges the first row has already made (MergeScratch::playFirstRow, the
+// merge's own first merges): up to there every merge was the first piece's, in a full row (its
+// changed stays at or above its rowDone of 0, so it is never settled), no row ran without a
+// merge (every rowDone is 0), the first piece's changed is the count of merges and the log
+// names it for each, its reach was worked out again after each, and the pieces it absorbed are
+// out of the index.
 void mergePiecesSkippingSettled(MergeScratch& scratch) {
     // A settled row since which at most this many merges were counted tries only the pieces they
     // changed; after more, its full row runs (with the same skips), which gives the same merge.
@@ -142,15 +209,18 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
     MergeScratch::Piece* pieces = scratch.pieces();
     size_t* order = scratch.order();
     size_t* changes = scratch.changes();
-    size_t n = scratch.size();
-    for (size_t k = 0; k < n; ++k) {
-        pieces[k].reach = segmentReach(pieces[k].start, pieces[k].end);
+    size_t n = 0;
+    for (size_t k = 0; k < scratch.size(); ++k) {
         pieces[k].rowDone = 0;
         pieces[k].changed = 0;
-        pieces[k].dropped = false;
-        order[k] = k;
+        if (!pieces[k].dropped)
+            order[n++] = k;
     }
-    size_t merges = 0;
+    const size_t merges0 = scratch.firstRowMerges();
+    for (size_t t = 0; t < merges0; ++t)
+        changes[t] = 0;
+    pieces[0].changed = merges0;
+    size_t merges = merges0;
     bool changed = true;
     while (changed) {
         changed = false;
@@ -360,8 +430,10 @@ bool xyBoxesTouch(const double* a, const double* b) {
     return !(a[1] > b[0]) && !(a[0] < b[1]) && !(a[3] > b[2]) && !(a[2] < b[3]);
 }
 
+// minOf and maxOf give what fmin and fmax give (the other value where one is NaN), but for the
+// sign of a zero, which no comparison sees.
 LineRange lineRangeOf(_s_hd_point_ a, _s_hd_point_ b) {
-    return {std::fmin(a.x, b.x), std::fmax(a.x, b.x), std::fmin(a.y, b.y), std::fmax(a.y, b.y)};
+    return {minOf(a.x, b.x), maxOf(a.x, b.x), minOf(a.y, b.y), maxOf(a.y, b.y)};
 }
 
 void VisibleCollector::add(_s_hd_proline_* visible, int owner) {
