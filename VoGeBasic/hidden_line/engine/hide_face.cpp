@@ -250,16 +250,19 @@ bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _
     if (!parallel) {
         double t = 0.0;
         x = linePlaneInter(n, f.v[0], p, q, t);
-        if (withinXYExtents(x, f, hd::kPierceExtentTol) &&
-            onSegAt(x, t, line.len2, p, q, line.reach, line.bounded) && inFace(x, f, aids)) {
-            bool usable = true;
+        // The tests depend on nothing but their arguments, so their order changes no answer: a
+        // point at an end of the line (a line ending on the face's plane) opens nothing, and
+        // that is asked before the costly inside test.
+        if (withinXYExtents(x, f, hd::kPierceExtentTol) && !isSamePointFine(x, p) &&
+            !isSamePointFine(x, q) && onSegAt(x, t, line.len2, p, q, line.reach, line.bounded) &&
+            inFace(x, f, aids)) {
+            opened = true;
             for (int k = 0; k < f.count; ++k) {
                 if (onEdge(x, f, k, aids)) {
-                    usable = crossEdge(line, f, k, aids).parallel;
+                    opened = crossEdge(line, f, k, aids).parallel;
                     break;
                 }
             }
-            opened = usable && !isSamePointFine(x, p) && !isSamePointFine(x, q);
         }
     }
 
