@@ -272,6 +272,14 @@ bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _
         to = q;
         return true;
     }
+    // With both ends behind and no piercing point the piece is the whole line, whatever the
+    // outline's crossings: they are looked for only where they can count. The near end's test
+    // is made here instead of after them, and the crossings touch nothing it reads or keeps.
+    if (!opened && qBehind && endBehindFace(p, f, aids)) {
+        from = p;
+        to = q;
+        return true;
+    }
 
     _s_hd_point_ c1 = p;
     _s_hd_point_ c2 = p;
@@ -297,16 +305,17 @@ bool hideLineByFace(const HideLine& line, const HDFace& f, _s_hd_point_& from, _
         to = x;
         return true;
     }
-    if (!qBehind && crossings == 0)
-        return false;
-    const bool pBehind = endBehindFace(p, f, aids);
     if (qBehind) {
-        if (crossings == 0 && !pBehind)
+        // The near end is not behind (asked above).
+        if (crossings == 0)
             return false;
-        from = pBehind ? p : c1;
+        from = c1;
         to = q;
         return true;
     }
+    if (crossings == 0)
+        return false;
+    const bool pBehind = endBehindFace(p, f, aids);
     if (crossings == 2) {
         from = pBehind ? p : c1;
         to = c2;
