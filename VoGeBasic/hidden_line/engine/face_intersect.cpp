@@ -547,6 +547,105 @@ bool samePair(const _s_hd_point_* p, const _s_hd_point_* q) {
     return (same(p[0], q[0]) && same(p[1], q[1])) || (same(p[0], q[1]) && same(p[1], q[0]));
 }
 
+// Neighbouring faces of one object share a vertex, or the two ends of an edge, to the bit; where
+// every other vertex of each lies well to one side of the other's plane, the two meet only at what
+// they share, and cutAlong finds no line for them in either order (meetOnlyAtShared).
+//
+// A shared vertex counts as on the other face's plane within this distance (linePlaneInter's
+// numerator): it then moves a piercing point off the vertex by at most 2100 times as much.
+constexpr double kSharedOnPlane = 1e-9;
+// The faces' common span at most this keeps the rounding of a piercing's parameter, 7e-12 of the
+// span, below 7e-6 of the vertex.
+constexpr double kSharedSpanLimit = 1e6;
+
+bool samePoint(_s_hd_point_ u, _s_hd_point_ v) {
+    return u.x == v.x && u.y == v.y && u.z == v.z;
+}
+
+// Marks in shared the vertices of e equal to a vertex of the face `plane` (bit k: v[k]). True
+// when each of those lies within kSharedOnPlane of plane's plane, measured as linePlaneInter
+// measures it for an edge from it, and every other one lies farther than m from it on one side,
+// measured as planeDistances measures it. NaN fails.
+bool sharedOnPlaneRestBeyond(const HDFace& e, const HDFace& plane, double m, unsigned& shared) {
+    shared = 0u;
+    bool above = true;
+    bool below = true;
+    for (int k = 0; k < e.count; ++k) {
+        bool same = false;
+        for (int j = 0; j < plane.count; ++j)
+            same = same || samePoint(e.v[k], plane.v[j]);
+        if (same) {
+            shared |= 1u << k;
+            const double num = vecDot(plane.normal, vecSub(plane.v[0], e.v[k]));
+            if (!(std::fabs(num) <= kSharedOnPlane))
+                return false;
+            continue;
+        }
+        const double d = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
+        above = above && d > m;
+        below = below && d < -m;
+    }
+    return above || below;
+}
+
+int sharedCount(unsigned shared) {
+    return static_cast<int>(shared & 1u) + static_cast<int>(shared >> 1 & 1u) +
+           static_cast<int>(shared >> 2 & 1u) + static_cast<int>(shared >> 3 & 1u);
+}
+
+// True when two of e's vertices are shared (shared: sharedOnPlaneRestBeyond) and are the ends of
+// one edge of e, which does not cross the plane of normal n (the test piercesAt makes first).
+bool sharedEdgeOffCrossing(const PreparedFace& e, unsigned shared, _s_hd_point_ n) {
+    for (int k = 0; k < e.face.count; ++k) {
+        if ((shared >> k & 1u) != 0 && (shared >> nextVertex(k, e.face.count) & 1u) != 0)
+            return !crossesPlane(e.prep.dir[k], n);
+    }
+    return false;
+}
+
+// True when cutAlong finds no line for the faces f and g of one object (pairSides leaving the
+// pair open), in either order: they share one vertex, or the two ends of one edge of both, to the
+// bit; each shared vertex lies within kSharedOnPlane of the other face's plane; and the other
+// vertices of each lie on one side of the other's plane, farther than M = apartMargin(D) (D the
+// faces' commonSpan, at most kSharedSpanLimit). Proof, for the edges of f piercing g (g's
+// edges piercing f alike), n being g's unit normal (its length within 1e-15 of 1) and v0 its
+// first vertex:
+// - An edge between two shared vertices is the shared edge, which does not cross g's plane:
+//   piercesAt keeps nothing from it, asking the same test first.
+// - An edge between two other vertices has both ends beyond M, above offPlaneEdges' margin, on
+//   one side: piercesAt keeps nothing from it (see offPlaneEdges).
+// - An edge from a shared vertex P to another R: n . (R - v0) lies beyond M - 1e-15 D, so
+//   n . (R - P) beyond M - kSharedOnPlane - 3e-15 D > M / 2, and worked out to within 1e-15 D
+//   (every vector here is a difference of two points of the common box, at most D long). From P,
+//   t = n . (v0 - P) / n . (R - P), whose numerator is the one measured, so |t| < 2.1e-9 / M and
+//   the point x = P + t (R - P) lies within 2100 kSharedOnPlane (M >= 0.001 D >= 0.001 |R - P|)
+//   plus the rounding of the sum, 4e-16 of the coordinates (below 4e-7 within
+//   kCullCoordLimit), of P. From R, 1 - t = n . (P - v0) / n . (P - R) within the parameter's
+//   rounding, 4e-12, so x lies within 2100 kSharedOnPlane + 2e-12 D + 4e-12 D + 4e-7 of P.
+//   Either way x, if kept, lies within 1e-5 of P.
+// So every point kept lies within 1e-5 of a shared vertex, closer than kOnSegEndDist2 (3.2e-5)
+// and far inside every edge's reach: two distinct ones, near one shared vertex or near the two
+// ends of the shared edge, lie on an edge of f and of g by isPointOnSeg (the edges at that vertex;
+// the shared edge), and alongEdge drops them. Fewer than two give no line either.
+bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g) {
+    if (!f.facts.bounded || !g.facts.bounded)
+        return false;
+    const double span = commonSpan(f.face, g.face, true);
+    if (!(span <= kSharedSpanLimit))
+        return false;
+    const double m = apartMargin(span);
+    unsigned fShared = 0u;
+    unsigned gShared = 0u;
+    if (!sharedOnPlaneRestBeyond(f.face, g.face, m, fShared) ||
+        !sharedOnPlaneRestBeyond(g.face, f.face, m, gShared))
+        return false;
+    const int count = sharedCount(fShared);
+    if (count != sharedCount(gShared) || count < 1 || count > 2)
+        return false;
+    return count == 1 || (sharedEdgeOffCrossing(f, fShared, g.face.normal) &&
+                          sharedEdgeOffCrossing(g, gShared, f.face.normal));
+}
+
 // The result for the pair (f, g) of one object's own faces, g before f, kept from when the pair
 // (g, f) was met; the next one kept for f is at index next (-1: none).
 struct OwnCut {
@@ -625,6 +724,9 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
                     ok = found.append(a, b);
                 continue;
             }
+            // No line either way: nothing to append, nothing to keep for (g, f).
+            if (meetOnlyAtShared(f, g))
+                continue;
             _s_hd_point_ fromF[kMaxFaceVertices];
             _s_hd_point_ fromG[kMaxFaceVertices];
             const int nf = allPiercings(f.face, g.face, f.prep, g.prep, sides.fOff, fromF);

@@ -133,7 +133,7 @@ TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
 }
 
 TEST(KestFaceIntersect, FacesCutAsEachPairDoes) {
-    // A larger object of flat faces (every other one round a prism of quads sharing edges) and a
+    // A larger object of flat faces (and round part of a prism of quads sharing edges) and a
     // cluster of small flat faces beside, across or inside it, none flat along an axis. Each
     // object's own faces meet pair by pair, in face order, as getFaceInterLine finds them; a face
     // whose plane leaves the other object's faces well to one side is not met with them one by
@@ -165,8 +165,12 @@ TEST(KestFaceIntersect, FacesCutAsEachPairDoes) {
     std::size_t own = 0, met = 0;
     for (int trial = 0; trial < 30; ++trial) {
         auto big = faceSet({0, 0, 0}, 2.0, 1.5, 12);
-        for (int k = 0; k < 12 && trial % 2 == 0; ++k) {
-            const double a = 0.5236 * k + 0.1, b = a + 0.5236;
+        // Neighbours turned by 30 degrees, or (odd trials) by so little that their far edges
+        // lie short of, about at or beyond the margin that settles a pair met only at what it
+        // shares.
+        const double step = trial % 2 == 0 ? 0.5236 : 0.1 + 0.05 * (trial / 2 % 3);
+        for (int k = 0; k < 12; ++k) {
+            const double a = step * k + 0.1, b = a + step;
             big.push_back({{3 * std::cos(a), 3 * std::sin(a), -4.3},
                            {3 * std::cos(b), 3 * std::sin(b), -4.1},
                            {3 * std::cos(b), 3 * std::sin(b), 4.2},
