@@ -155,7 +155,9 @@ bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
         seen_ = 1;
         return true;
     }
-    while (k < count_ && !absorbInto(a, pieces_[k]))
+    // After an early stop the row runs again from the second piece: the pieces A has absorbed
+    // are out of the list and are passed over, as in the loop below.
+    while (k < count_ && (pieces_[k].dropped || !absorbInto(a, pieces_[k])))
         ++k;
     if (k == count_)
         return false;
