@@ -137,8 +137,8 @@ public:
     /// Plays the merge's first row over the pieces appended since it last ran: the first piece
     /// absorbs, in list order and from the start again after each merge, every piece it can,
     /// and the pieces it absorbs are marked dropped. These are the first merges the merge of the
-    /// pieces makes, whatever is appended later, and the merge goes on from them. Stops, and
-    /// returns true, once the first piece runs from p to q to the bit.
+    /// pieces makes, whatever is appended later, and the merge goes on from them. Returns true,
+    /// playing no further, once the first piece runs from p to q to the bit.
     bool playFirstRow(_s_hd_point_ p, _s_hd_point_ q);
     void clear() { count_ = seen_ = played_ = 0; }
     /// Keeps the first n pieces (as merged: the first row is played afresh).

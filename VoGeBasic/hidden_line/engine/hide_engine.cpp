@@ -625,18 +625,19 @@ private:
     size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
 };
 
-// True when the merge provably leaves the line p -> q hidden whole by the pieces appended so
-// far, whatever faces are tested after them, after the merge's first row has been played over
-// them (MergeScratch::playFirstRow): its first piece A is then the whole line, its ends p and q
-// to the bit. A's reach is then the line's. Every piece's ends lie on the line by isPointOnSeg
-// with that reach (they are p, q, or points hideLineByFace accepted with the line's reach, the
-// same test; p and q themselves pass as ends, so the line's ends must be finite), so A's row
-// drops every piece left, those appended now and any appended later, one by one, and A is the
+// True when the merge provably leaves the line p -> q (its ends within kCullCoordLimit, which
+// is asked first: the first row is played only for such a line) hidden whole by the pieces
+// appended so far, whatever faces are tested after them, after the merge's first row has been
+// played over them (MergeScratch::playFirstRow): its first piece A is then the whole line, its ends
+// p and q to the bit. A's reach is then the line's. Every piece's ends lie on the line by
+// isPointOnSeg with that reach (they are p, q, or points hideLineByFace accepted with the line's
+// reach, the same test; p and q themselves pass as ends, so the line's ends must be finite), so A's
+// row drops every piece left, those appended now and any appended later, one by one, and A is the
 // only piece left. Nothing of the line is visible then: the gaps getVisibleProline leaves before
 // p and after q are empty, as finite ends are the same point as themselves by isSamePointFine,
 // so the merge need not run.
-bool hiddenWhole(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q) {
-    return hidden.playFirstRow(p, q) && boundedEnds(p, q);
+bool hiddenWhole(MergeScratch& hidden, const HideLine& line) {
+    return line.bounded && hidden.playFirstRow(line.p, line.q);
 }
 
 }  // namespace
@@ -727,7 +728,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     if (hides) {
                         if (stats != nullptr)
                             ++stats->hidingTests;
-                        if (hiddenWhole(hidden, p, q)) {
+                        if (hiddenWhole(hidden, prepared)) {
                             whole = true;
                             break;
                         }

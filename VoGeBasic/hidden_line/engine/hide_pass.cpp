@@ -141,37 +141,23 @@ bool absorbInto(MergeScratch::Piece& a, MergeScratch::Piece& b) {
 // the final list makes the same merges as the merge of the list now. Once A's row finds nothing,
 // the pieces left all fail against A (absorbPiece depends only on the two pieces), so the next
 // piece appended is the only one to try; if A absorbs it, the row is played again from the
-// first piece left. When the play stops early (the first piece runs from p to q), the row is
-// played from the first piece left at the next call.
+// first piece left. Once A runs from p to q the play makes no more merges (A no longer changes
+// while it does): the merge makes the rest.
 bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
     if (count_ == seen_)
         return false;
     Piece& a = pieces_[0];
-    auto spans = [&] { return sameBits(a.start, p) && sameBits(a.end, q); };
-    const bool fresh = seen_ == 0;
-    size_t k = fresh ? 1 : seen_;
+    size_t k = seen_ == 0 ? 1 : seen_;
     seen_ = count_;
-    if (fresh && spans()) {
-        seen_ = 1;
-        return true;
-    }
-    // After an early stop the row runs again from the second piece: the pieces A has absorbed
-    // are out of the list and are passed over, as in the loop below.
-    while (k < count_ && (pieces_[k].dropped || !absorbInto(a, pieces_[k])))
-        ++k;
-    if (k == count_)
-        return false;
     for (;;) {
-        ++played_;
-        if (spans()) {
-            seen_ = 1;
+        if (sameBits(a.start, p) && sameBits(a.end, q))
             return true;
-        }
-        bool again = false;
-        for (size_t j = 1; j < count_ && !again; ++j)
-            again = !pieces_[j].dropped && absorbInto(a, pieces_[j]);
-        if (!again)
+        while (k < count_ && (pieces_[k].dropped || !absorbInto(a, pieces_[k])))
+            ++k;
+        if (k == count_)
             return false;
+        ++played_;
+        k = 1;
     }
 }
 
