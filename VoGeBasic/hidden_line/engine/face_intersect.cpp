@@ -267,10 +267,6 @@ struct PreparedFace {
     FaceFacts facts;
 };
 
-// The faces of one object, read and prepared for intersection (readFaces). ext[k] repeats the
-// extents of faces[k] in one short run of memory, so that the scans that look for the faces whose
-// extents overlap a given face's read a few cache lines rather than one per face; faces and ext
-// share one allocation, released by freeing faces.
 // The common box of one object's faces (the extents of those that have them), with what
 // clearOfObject asks of it.
 struct ObjectBox {
@@ -302,6 +298,10 @@ ObjectBox objectBox(const PreparedFace* faces, const Extents* ext, int count) {
         {0.5 * (all.xmax - all.xmin), 0.5 * (all.ymax - all.ymin), 0.5 * (all.zmax - all.zmin)}};
 }
 
+// The faces of one object, read and prepared for intersection (readFaces). ext[k] repeats the
+// extents of faces[k] in one short run of memory, so that the scans that look for the faces whose
+// extents overlap a given face's read a few cache lines rather than one per face; faces and ext
+// share one allocation, released by freeing faces.
 struct ObjectFaces {
     PreparedFace* faces;
     int count;
@@ -543,8 +543,8 @@ bool firstTwo(const _s_hd_point_* s, int ns, const _s_hd_point_* t, int nt, _s_h
 
 // True when p and q hold the same two points, to the bit, in either order.
 bool samePair(const _s_hd_point_* p, const _s_hd_point_* q) {
-    auto same = [](_s_hd_point_ u, _s_hd_point_ v) { return std::memcmp(&u, &v, sizeof u) == 0; };
-    return (same(p[0], q[0]) && same(p[1], q[1])) || (same(p[0], q[1]) && same(p[1], q[0]));
+    return (sameBits(p[0], q[0]) && sameBits(p[1], q[1])) ||
+           (sameBits(p[0], q[1]) && sameBits(p[1], q[0]));
 }
 
 // Neighbouring faces of one object share a vertex, or the two ends of an edge, to the bit; where
@@ -558,10 +558,6 @@ constexpr double kSharedOnPlane = 1e-9;
 // span, below 7e-6 of the vertex.
 constexpr double kSharedSpanLimit = 1e6;
 
-bool samePoint(_s_hd_point_ u, _s_hd_point_ v) {
-    return u.x == v.x && u.y == v.y && u.z == v.z;
-}
-
 // Marks in shared the vertices of e equal to a vertex of the face `plane` (bit k: v[k]). True
 // when each of those lies within kSharedOnPlane of plane's plane, measured as linePlaneInter
 // measures it for an edge from it, and every other one lies farther than m from it on one side,
@@ -573,7 +569,7 @@ bool sharedOnPlaneRestBeyond(const HDFace& e, const HDFace& plane, double m, uns
     for (int k = 0; k < e.count; ++k) {
         bool same = false;
         for (int j = 0; j < plane.count; ++j)
-            same = same || samePoint(e.v[k], plane.v[j]);
+            same = same || sameBits(e.v[k], plane.v[j]);
         if (same) {
             shared |= 1u << k;
             const double num = vecDot(plane.normal, vecSub(plane.v[0], e.v[k]));

@@ -7,6 +7,7 @@
 #define VOGEBASIC_HD_PREDICATES_H
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "core/angles.h"
@@ -154,6 +155,11 @@ inline bool boundedEnds(_s_hd_point_ a, _s_hd_point_ b) {
     const double lim = hd::kCullCoordLimit;
     return std::fabs(a.x) <= lim && std::fabs(a.y) <= lim && std::fabs(a.z) <= lim &&
            std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
+}
+
+/// The same point to the bit (a NaN coordinate the same as itself, -0 apart from 0).
+inline bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
 /// surelyOnSegment's test of t alone: t leaves at least kSureOnEdgeEnd and kSureOnEdgeRel of

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 
 #include "hidden_line/engine/hd_pass.h"
 
@@ -108,10 +107,6 @@ bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
 }
 
 namespace {
-
-bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 // True when absorbPiece(a, b) provably fails: both ends of B lie outside A's reach and an end of
 // A outside B's, so every isPointOnSeg it would ask answers 0 at once.

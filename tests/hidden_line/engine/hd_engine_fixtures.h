@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -95,9 +94,7 @@ inline void registerAll(std::vector<geolib::_s_hd_prof_*>& objs) {
 }
 
 /// The same point to the bit.
-inline bool sameBits(const P& a, const P& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
+using geolib::sameBits;
 
 /// The index of the first node where two lists of pieces differ (start, end or owner not the
 /// same to the bit, or one list ending first); -1 when they are the same node for node.
