@@ -31,6 +31,7 @@
 #include <cmath>
 #include <initializer_list>
 
+#include "core/plan.h"
 #include "hd_tessellators.h"
 #include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/hd_tolerances.h"
@@ -661,9 +662,8 @@ private:
     static double beyondChord(const RimView& rim, int k, _s_hd_point_ p) {
         const _s_hd_point_ a = rim.pts[k];
         const _s_hd_point_ b = rim.pts[(k + 1) % rim.count];
-        const double ex = b.x - a.x, ey = b.y - a.y;
-        const double len = std::hypot(ex, ey);
-        return len > 0.0 ? -rim.orient * (ex * (p.y - a.y) - ey * (p.x - a.x)) / len : 0.0;
+        const double len = std::hypot(b.x - a.x, b.y - a.y);
+        return len > 0.0 ? -rim.orient * core::planTurn(a, b, p) / len : 0.0;
     }
 
     // How far p seen along Z lies outside the rim's chords: the most it lies beyond one of them.
@@ -685,7 +685,7 @@ private:
             rim.pts[k] = pts[k];
             const _s_hd_point_ a = pts[k];
             const _s_hd_point_ b = pts[(k + 1) % count];
-            area += a.x * b.y - a.y * b.x;
+            area += core::planCross(a.x, a.y, b.x, b.y);
         }
         rim.orient = area < 0.0 ? -1.0 : 1.0;
         rim.usable = std::fabs(st.tangent.z) >= kRimSeenSlant;
