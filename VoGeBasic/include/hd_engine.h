@@ -35,7 +35,10 @@ VOGEBASIC_API _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n);
 /// segments along which its faces cut the faces of every registered object, obj itself last.
 /// Faces that share an edge, or whose edges overlap, add no segment along it: a solid's own
 /// edges are not drawn again, and the seams between the faces of a curved surface not at all.
-/// Faces that cut through each other, of two objects or of one, add theirs.
+/// Faces that cut through each other, of two objects or of one, add theirs, also where an edge
+/// of one crosses an edge of the other on the line along which they meet (a nozzle entering a
+/// sphere or a head about the same axis): the two points worked out there, one from each edge,
+/// differ by rounding and are taken for one point, not for a meeting along an edge.
 /// Nothing changes when count is below 0 or above max (or is the largest int). Segments are
 /// kept only when obj already has a line; an object without faces is registered only.
 /// The new lines (owner -1) belong to obj. If an allocation fails, obj is registered but gets

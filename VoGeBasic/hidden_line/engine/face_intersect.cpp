@@ -239,13 +239,13 @@ bool collectPiercings(const HDFace& e, const HDFace& plane, _s_hd_point_* pts, i
 
 // Every point where an edge of e pierces the face `plane`, in edge order, as collectPiercings
 // finds them but without passing over repeats or stopping at two; returns how many (out: room
-// for four).
-int allPiercings(const HDFace& e, const HDFace& plane, const FacePrep& ep, const FacePrep& pp,
+// for four). ep and pp as for collectPiercings.
+int allPiercings(const HDFace& e, const HDFace& plane, const FacePrep* ep, const FacePrep* pp,
                  unsigned offEdges, _s_hd_point_* out) {
     int n = 0;
     for (int k = 0; k < e.count; ++k) {
         if ((offEdges >> k & 1u) == 0)
-            n += piercesAt(e, k, plane, &ep, &pp, nullptr, out[n]) ? 1 : 0;
+            n += piercesAt(e, k, plane, ep, pp, nullptr, out[n]) ? 1 : 0;
     }
     return n;
 }
@@ -490,7 +490,38 @@ bool alongEdge(const _s_hd_point_* pts, const HDFace& f, const FacePrep* fp, con
     return runsAlongEdge(pts[0], pts[1], f, fp) && runsAlongEdge(pts[0], pts[1], g, gp);
 }
 
-// faceInterLine for a pair that pairSides leaves open.
+// True when the two points kept are one point to isPointOnSeg, which takes a point this near
+// for a segment's end: where an edge of one face runs across an edge of the other on the line
+// along which the faces meet, both edges pierce the other face there, and the two points, worked
+// out from different edges, differ by the rounding of the vertices (the edges of two solids
+// placed about one axis, a nozzle on a sphere or a head, lie in one plane to within a few
+// millionths). They run along an edge of both faces, and alongEdge would drop the line the
+// faces meet along.
+bool oneCrossing(const _s_hd_point_* pts) {
+    return pointDist2(pts[0], pts[1]) < hd::kOnSegEndDist2;  // false for NaN
+}
+
+// For two points kept (pts, the first from s or t) that are one crossing found twice
+// (oneCrossing): the segment from the first to the first piercing after it, of s (the edges of
+// f) and then t (those of g), that lies apart from it, unless that pair too runs along an edge of
+// both faces. True with the segment in pts.
+bool lookOn(const _s_hd_point_* s, int ns, const _s_hd_point_* t, int nt, _s_hd_point_* pts,
+            const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp) {
+    for (int k = 0; k < ns + nt; ++k) {
+        const _s_hd_point_ x = k < ns ? s[k] : t[k - ns];
+        if (!(pointDist2(x, pts[0]) < hd::kOnSegEndDist2)) {
+            pts[1] = x;
+            return !alongEdge(pts, f, fp, g, gp);
+        }
+    }
+    return false;
+}
+
+// faceInterLine for a pair that pairSides leaves open: the first two distinct points where the
+// edges of f and then those of g pierce the other face, unless they run along an edge of both.
+// Two points that are one crossing found twice (oneCrossing) are no such pair: the first and the
+// next point apart from it give the segment. The first kept point is the first of all the
+// piercings in that order, so the next apart from it is the one the collection would come to.
 bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
               const PairSides& sides, _s_hd_point_& a, _s_hd_point_& b) {
     const unsigned fOff = sides.fOff;
@@ -500,8 +531,16 @@ bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePr
     if (!collectPiercings(f, g, pts, kept, fp, gp, fOff) &&
         !collectPiercings(g, f, pts, kept, gp, fp, gOff))
         return false;
-    if (alongEdge(pts, f, fp, g, gp))
-        return false;
+    if (alongEdge(pts, f, fp, g, gp)) {
+        if (!oneCrossing(pts))
+            return false;
+        _s_hd_point_ fromF[kMaxFaceVertices];
+        _s_hd_point_ fromG[kMaxFaceVertices];
+        const int nf = allPiercings(f, g, fp, gp, fOff, fromF);
+        const int ng = allPiercings(g, f, gp, fp, gOff, fromG);
+        if (!lookOn(fromF, nf, fromG, ng, pts, f, fp, g, gp))
+            return false;
+    }
     a = pts[0];
     b = pts[1];
     return true;
@@ -622,7 +661,9 @@ bool sharedEdgeOffCrossing(const PreparedFace& e, unsigned shared, _s_hd_point_ 
 // So every point kept lies within 1e-5 of a shared vertex, closer than kOnSegEndDist2 (3.2e-5)
 // and far inside every edge's reach: two distinct ones, near one shared vertex or near the two
 // ends of the shared edge, lie on an edge of f and of g by isPointOnSeg (the edges at that vertex;
-// the shared edge), and alongEdge drops them. Fewer than two give no line either.
+// the shared edge), and alongEdge drops them. Two near one vertex are one crossing (oneCrossing);
+// a point apart from the first (lookOn) then lies near the other end of the shared edge, and the
+// pair runs along it, or there is none. Fewer than two give no line either.
 bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g) {
     if (!f.facts.bounded || !g.facts.bounded)
         return false;
@@ -725,20 +766,25 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
                 continue;
             _s_hd_point_ fromF[kMaxFaceVertices];
             _s_hd_point_ fromG[kMaxFaceVertices];
-            const int nf = allPiercings(f.face, g.face, f.prep, g.prep, sides.fOff, fromF);
-            const int ng = allPiercings(g.face, f.face, g.prep, f.prep, sides.gOff, fromG);
+            const int nf = allPiercings(f.face, g.face, &f.prep, &g.prep, sides.fOff, fromF);
+            const int ng = allPiercings(g.face, f.face, &g.prep, &f.prep, sides.gOff, fromG);
             _s_hd_point_ p[2];
             _s_hd_point_ q[2];
             const bool twoP = firstTwo(fromF, nf, fromG, ng, p);
             const bool alongP = twoP && alongEdge(p, f.face, &f.prep, g.face, &g.prep);
-            const bool line = twoP && !alongP;
             // runsAlongEdge takes its two points either way round: the same two points run
             // along an edge of both faces in either order or in neither.
             const bool twoQ = firstTwo(fromG, ng, fromF, nf, q);
             const bool alongQ =
                 twoQ &&
                 (twoP && samePair(p, q) ? alongP : alongEdge(q, g.face, &g.prep, f.face, &f.prep));
-            const bool back = twoQ && !alongQ;
+            // As cutAlong goes on past one crossing found twice.
+            const bool line =
+                twoP && (!alongP || (oneCrossing(p) && lookOn(fromF, nf, fromG, ng, p, f.face,
+                                                              &f.prep, g.face, &g.prep)));
+            const bool back =
+                twoQ && (!alongQ || (oneCrossing(q) && lookOn(fromG, ng, fromF, nf, q, g.face,
+                                                              &g.prep, f.face, &f.prep)));
             if (line)
                 ok = found.append(p[0], p[1]);
             if (!ok || !extentsOverlap(own.ext[gi], all))

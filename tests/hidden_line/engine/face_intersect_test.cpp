@@ -64,22 +64,36 @@ TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo
     for (const _s_hd_prof_* box : boxes)
         EXPECT_EQ(segmentsOf(box->proline).size(), 12u);
     vgscene::releaseAll(boxes);
-    // Two faces of one object that pass through each other meet along their crossing, found
-    // from each face's side.
-    std::vector<_s_hd_prof_*> cross = {
-        makeObject({{{-1, 0, -1}, {1, 0, -1}, {1, 0, 1}, {-1, 0, 1}},
-                    {{0, -1, -1}, {0, 1, -1}, {0, 1, 1}, {0, -1, 1}}},
-                   {{{-1, 0, -1}, {1, 0, -1}}})};
-    registerAll(cross);
-    auto near = [](P p, double z) {
-        return std::fabs(p.x) + std::fabs(p.y) + std::fabs(p.z - z) < 1e-12;
-    };
-    int crossings = 0;
-    for (const Seg& s : segmentsOf(cross[0]->proline))
-        crossings += near(s.first, -s.second.z) && near(s.second, s.second.z > 0 ? 1 : -1);
-    EXPECT_EQ(segmentsOf(cross[0]->proline).size(), 3u);
-    EXPECT_EQ(crossings, 2);
-    vgscene::releaseAll(cross);
+    // Two faces that pass through each other meet along their crossing, found from each face's
+    // side where they are faces of one object, from the later object's where they are of two.
+    // The triangle's lower edge crosses the quadrilateral's where the two meet, or a hair below
+    // it: then the first two points, one from each edge, are one crossing found twice.
+    const std::vector<P> upright = {{-1, 0, -1}, {1, 0, -1}, {0, 0, 3}};
+    const Seg first = {{-1, 0, -1}, {1, 0, -1}};
+    for (const double lift : {0.0, 2e-6}) {
+        const std::vector<P> across = {{0, -1, lift - 1}, {0, 1, lift - 1}, {0, 1, 1}, {0, -1, 1}};
+        std::vector<_s_hd_prof_*> one = {makeObject({upright, across}, {first})};
+        std::vector<_s_hd_prof_*> two = {makeObject({upright}, {first}),
+                                         makeObject({across}, {first})};
+        registerAll(one);
+        registerAll(two);
+        auto crossings = [](const _s_hd_prof_* obj) {
+            int found = 0;
+            for (const Seg& s : segmentsOf(obj->proline)) {
+                const P lo = s.first.z < s.second.z ? s.first : s.second;
+                const P hi = s.first.z < s.second.z ? s.second : s.first;
+                found += vecLength(vecSub(lo, {0, 0, -1})) < 1e-5 &&
+                         vecLength(vecSub(hi, {0, 0, 1})) < 1e-12;
+            }
+            return found;
+        };
+        EXPECT_EQ(segmentsOf(one[0]->proline).size(), 3u) << lift;
+        EXPECT_EQ(crossings(one[0]), 2) << lift;
+        EXPECT_EQ(segmentsOf(two[0]->proline).size(), 1u) << lift;
+        EXPECT_EQ(crossings(two[1]), 1) << lift;
+        vgscene::releaseAll(one);
+        vgscene::releaseAll(two);
+    }
 }
 
 TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
