@@ -37,8 +37,8 @@ VOGEBASIC_API _s_hd_proline_* kestHideObject(_s_hd_prof_** objs, int n);
 /// edges are not drawn again, and the seams between the faces of a curved surface not at all.
 /// Faces that cut through each other, of two objects or of one, add theirs, also where an edge
 /// of one crosses an edge of the other on the line along which they meet (a nozzle entering a
-/// sphere or a head about the same axis): the two points worked out there, one from each edge,
-/// differ by rounding and are taken for one point, not for a meeting along an edge.
+/// sphere or a head about the same axis): the first two points found there, one from each edge,
+/// lie on an edge of both faces, but the segment runs on to the next point that does not.
 /// Nothing changes when count is below 0 or above max (or is the largest int). Segments are
 /// kept only when obj already has a line; an object without faces is registered only.
 /// The new lines (owner -1) belong to obj. If an allocation fails, obj is registered but gets

@@ -490,38 +490,45 @@ bool alongEdge(const _s_hd_point_* pts, const HDFace& f, const FacePrep* fp, con
     return runsAlongEdge(pts[0], pts[1], f, fp) && runsAlongEdge(pts[0], pts[1], g, gp);
 }
 
-// True when the two points kept are one point to isPointOnSeg, which takes a point this near
-// for a segment's end: where an edge of one face runs across an edge of the other on the line
-// along which the faces meet, both edges pierce the other face there, and the two points, worked
-// out from different edges, differ by the rounding of the vertices (the edges of two solids
-// placed about one axis, a nozzle on a sphere or a head, lie in one plane to within a few
-// millionths). They run along an edge of both faces, and alongEdge would drop the line the
-// faces meet along.
-bool oneCrossing(const _s_hd_point_* pts) {
-    return pointDist2(pts[0], pts[1]) < hd::kOnSegEndDist2;  // false for NaN
+// True when two points kept that run along an edge of both faces f and g may not mark a meeting
+// along an edge: they lie within kRunTogetherRel of the smaller face's size (faceSize) of each
+// other. Faces that share an edge meet only along the line through it, so every piercing lies on
+// that edge. But the first two points can run along an edge of both without the faces sharing
+// one: where an edge of one face crosses an edge of the other on the line along which they meet
+// (a nozzle entering a sphere or a head about the same axis, whose edges lie in the meridian
+// planes of the other's), both edges pierce the other face there, and the two points, worked out
+// from different edges, differ by the rounding of the vertices; and near a vertex of one face
+// lying close to the other, the points found there lie within isPointOnSeg's tolerance of an
+// edge of each. Points farther apart mark a stretch along which an edge of each runs: the faces
+// meet along its line, and every other piercing lies on those edges too.
+bool mayLookOn(const _s_hd_point_* pts, const HDFace& f, const HDFace& g) {
+    // On a generated plant the pairs lookOn finds a segment for lie within a thousandth of the
+    // smaller face's size; nine in ten of those it finds none for lie farther apart than a
+    // hundredth.
+    constexpr double kRunTogetherRel = 0.01;
+    const double close = kRunTogetherRel * minOf(faceSize(f), faceSize(g));
+    return pointDist2(pts[0], pts[1]) < close * close;  // false for NaN
 }
 
-// For two points kept (pts, the first from s or t) that are one crossing found twice
-// (oneCrossing): the segment from the first to the first piercing after it, of s (the edges of
-// f) and then t (those of g), that lies apart from it, unless that pair too runs along an edge of
-// both faces. True with the segment in pts.
+// For two points kept (pts, the first the first of the piercings s (the edges of f) and then t
+// (those of g)) that run along an edge of both faces and may not mark a meeting along it
+// (mayLookOn): the segment from the first to the first piercing in that order with which it runs
+// along no edge of both, if there is one; the line along which the faces meet runs on from the
+// first point. True with the segment in pts.
 bool lookOn(const _s_hd_point_* s, int ns, const _s_hd_point_* t, int nt, _s_hd_point_* pts,
             const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp) {
     for (int k = 0; k < ns + nt; ++k) {
-        const _s_hd_point_ x = k < ns ? s[k] : t[k - ns];
-        if (!(pointDist2(x, pts[0]) < hd::kOnSegEndDist2)) {
-            pts[1] = x;
-            return !alongEdge(pts, f, fp, g, gp);
-        }
+        pts[1] = k < ns ? s[k] : t[k - ns];
+        if (!alongEdge(pts, f, fp, g, gp))
+            return true;
     }
     return false;
 }
 
 // faceInterLine for a pair that pairSides leaves open: the first two distinct points where the
-// edges of f and then those of g pierce the other face, unless they run along an edge of both.
-// Two points that are one crossing found twice (oneCrossing) are no such pair: the first and the
-// next point apart from it give the segment. The first kept point is the first of all the
-// piercings in that order, so the next apart from it is the one the collection would come to.
+// edges of f and then those of g pierce the other face, unless they run along an edge of both;
+// then the segment lookOn finds, if mayLookOn lets it look. The first kept point is the first of
+// all the piercings.
 bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePrep* gp,
               const PairSides& sides, _s_hd_point_& a, _s_hd_point_& b) {
     const unsigned fOff = sides.fOff;
@@ -532,7 +539,7 @@ bool cutAlong(const HDFace& f, const FacePrep* fp, const HDFace& g, const FacePr
         !collectPiercings(g, f, pts, kept, gp, fp, gOff))
         return false;
     if (alongEdge(pts, f, fp, g, gp)) {
-        if (!oneCrossing(pts))
+        if (!mayLookOn(pts, f, g))
             return false;
         _s_hd_point_ fromF[kMaxFaceVertices];
         _s_hd_point_ fromG[kMaxFaceVertices];
@@ -661,9 +668,8 @@ bool sharedEdgeOffCrossing(const PreparedFace& e, unsigned shared, _s_hd_point_ 
 // So every point kept lies within 1e-5 of a shared vertex, closer than kOnSegEndDist2 (3.2e-5)
 // and far inside every edge's reach: two distinct ones, near one shared vertex or near the two
 // ends of the shared edge, lie on an edge of f and of g by isPointOnSeg (the edges at that vertex;
-// the shared edge), and alongEdge drops them. Two near one vertex are one crossing (oneCrossing);
-// a point apart from the first (lookOn) then lies near the other end of the shared edge, and the
-// pair runs along it, or there is none. Fewer than two give no line either.
+// the shared edge), and alongEdge drops them; so does lookOn, every other point kept making such
+// a pair with the first. Fewer than two give no line either.
 bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g) {
     if (!f.facts.bounded || !g.facts.bounded)
         return false;
@@ -778,13 +784,15 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
             const bool alongQ =
                 twoQ &&
                 (twoP && samePair(p, q) ? alongP : alongEdge(q, g.face, &g.prep, f.face, &f.prep));
-            // As cutAlong goes on past one crossing found twice.
+            // As cutAlong goes on where the first two run along an edge of both.
             const bool line =
-                twoP && (!alongP || (oneCrossing(p) && lookOn(fromF, nf, fromG, ng, p, f.face,
-                                                              &f.prep, g.face, &g.prep)));
+                twoP &&
+                (!alongP || (mayLookOn(p, f.face, g.face) &&
+                             lookOn(fromF, nf, fromG, ng, p, f.face, &f.prep, g.face, &g.prep)));
             const bool back =
-                twoQ && (!alongQ || (oneCrossing(q) && lookOn(fromG, ng, fromF, nf, q, g.face,
-                                                              &g.prep, f.face, &f.prep)));
+                twoQ &&
+                (!alongQ || (mayLookOn(q, g.face, f.face) &&
+                             lookOn(fromG, ng, fromF, nf, q, g.face, &g.prep, f.face, &f.prep)));
             if (line)
                 ok = found.append(p[0], p[1]);
             if (!ok || !extentsOverlap(own.ext[gi], all))

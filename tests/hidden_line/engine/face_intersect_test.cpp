@@ -67,10 +67,10 @@ TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo
     // Two faces that pass through each other meet along their crossing, found from each face's
     // side where they are faces of one object, from the later object's where they are of two.
     // The triangle's lower edge crosses the quadrilateral's where the two meet, or a hair below
-    // it: then the first two points, one from each edge, are one crossing found twice.
+    // it: then the first two points, one from each edge, run along an edge of both.
     const std::vector<P> upright = {{-1, 0, -1}, {1, 0, -1}, {0, 0, 3}};
     const Seg first = {{-1, 0, -1}, {1, 0, -1}};
-    for (const double lift : {0.0, 2e-6}) {
+    for (const double lift : {0.0, 2e-6, 1e-4}) {
         const std::vector<P> across = {{0, -1, lift - 1}, {0, 1, lift - 1}, {0, 1, 1}, {0, -1, 1}};
         std::vector<_s_hd_prof_*> one = {makeObject({upright, across}, {first})};
         std::vector<_s_hd_prof_*> two = {makeObject({upright}, {first}),
@@ -82,7 +82,7 @@ TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo
             for (const Seg& s : segmentsOf(obj->proline)) {
                 const P lo = s.first.z < s.second.z ? s.first : s.second;
                 const P hi = s.first.z < s.second.z ? s.second : s.first;
-                found += vecLength(vecSub(lo, {0, 0, -1})) < 1e-5 &&
+                found += vecLength(vecSub(lo, {0, 0, -1})) < 2e-4 &&
                          vecLength(vecSub(hi, {0, 0, 1})) < 1e-12;
             }
             return found;
