@@ -65,6 +65,7 @@ TEST(ArcParameters, CodesAndRoundTripsOnATiltedCircle) {
     // A start a hair below +X stays below the full turn.
     ASSERT_TRUE(getArcParamFromPoints(P(1, -1e-17, 0), P(0, 1, 0), P(-1, 0, 0), untouched, b0, b1));
     EXPECT_LT(b0, 2 * kPi);
+    EXPECT_GE(b0, 0.0);
     P centre(9, 9, 9);
     b0 = -1;
     EXPECT_FALSE(getCircleCenter(P(0, 0, 0), P(1, 1, 1), P(3, 3, 3), centre));
