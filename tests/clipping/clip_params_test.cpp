@@ -38,6 +38,7 @@ TEST(SubParamt, CutsAtTheToleranceBoundaries) {
         {true, {{4, 1}}, 0, .5, true, {{4, 0}, {.5, 1}}},
         {true, {{1, 2}}, 1.5, 1.2, true, {{1.2, 2}}},  // a reversed arc cut is a wrap
         {true, {{3.92699, 0}}, 5.49779, 0, true, {{3.92699, 5.49779}}},
+        {true, {{-1, .5}, {1, 2}}, 3, 4, true, {{kTwoPi - 1, .5}, {1, 2}}},  // into the turn
     };
     for (const auto& c : cases) {
         paramt* list = listOf(c.list);
@@ -49,7 +50,8 @@ TEST(SubParamt, CutsAtTheToleranceBoundaries) {
 
 // Random cuts on lines and circles: line intervals stay sorted, disjoint and in [0, 1], and a
 // cut removes exactly its own stretch (sampled away from the ends, where the tolerance decides);
-// arc intervals stay in [0, 2pi] and their gaps are sorted, disjoint and hidden.
+// arc intervals, whole or through angle 0, stay in [0, 2pi] and their gaps are sorted, disjoint
+// and hidden.
 TEST(IntervalLists, RandomCutsKeepTheListsInOrderAndRemoveOnlyTheCut) {
     vgtest::Lcg next(777);
     auto nearAnEnd = [](const Intervals& iv, double x) {
@@ -76,8 +78,9 @@ TEST(IntervalLists, RandomCutsKeepTheListsInOrderAndRemoveOnlyTheCut) {
             }
         }
         freeParamt(line);
-        paramt* arc = listOf({{0, kTwoPi}});
-        for (int k = 0; k < 4; ++k)
+        paramt* arc = listOf(round % 2 == 0 ? Intervals{{0, kTwoPi}}
+                                            : Intervals{{kTwoPi, kTwoPi / 2 + 5e-7}});
+        for (int k = 0; k < round % 5; ++k)
             subParamt(arc, next(0, kTwoPi), next(0, kTwoPi), true);
         const Intervals iv = intervalsOf(arc);
         for (const auto& i : iv) {

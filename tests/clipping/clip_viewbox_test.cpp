@@ -39,6 +39,10 @@ TEST(ViewBoxTrimLine, RangeInsideTheBoxAndSegmentsMeetingIt) {
         EXPECT_EQ(isLineCrossBox3d(c.p0, c.p1, P(0, 0, 0), P(10, 10, 10)), c.meets) << c.p1.x;
         EXPECT_EQ(isLineCrossBox3d(c.p1, c.p0, P(0, 0, 0), P(10, 10, 10)), c.meets) << c.p1.x;
     }
+    double u0 = 0, u1 = 0;
+    box.set(P(-20, -19.5, -14), P(-14, -13.999, -13.999));  // the views' ranges miss the piece
+    EXPECT_FALSE(viewBoxTrimLine(&box, P(-16, -13.97, 1), P(-13.999, -14, -20), u0, u1));
+    EXPECT_GT(u0, u1);
     const P nan(std::numeric_limits<double>::quiet_NaN(), 5, 5);
     EXPECT_FALSE(isLineCrossBox3d(nan, P(5, 5, 5), P(0, 0, 0), P(10, 10, 10)));
 }

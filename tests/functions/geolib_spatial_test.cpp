@@ -60,9 +60,14 @@ TEST(ArcParameters, CodesAndRoundTripsOnATiltedCircle) {
         EXPECT_NEAR(back.radius + b0 + b1, c.radius + arc.first + arc.second, 1e-11);
         EXPECT_NEAR(back.normal.x, c.normal.x, 1e-12);
     }
-    P centre(9, 9, 9);
     VoGeCircle3d untouched;
     double b0 = -1, b1 = -1;
+    // A start a hair below +X stays below the full turn.
+    ASSERT_TRUE(getArcParamFromPoints(P(1, -1e-17, 0), P(0, 1, 0), P(-1, 0, 0), untouched, b0, b1));
+    EXPECT_LT(b0, 2 * kPi);
+    EXPECT_GE(b0, 0.0);
+    P centre(9, 9, 9);
+    b0 = -1;
     EXPECT_FALSE(getCircleCenter(P(0, 0, 0), P(1, 1, 1), P(3, 3, 3), centre));
     EXPECT_FALSE(getCircleCenter(P(0, 0, 0), P(0.5e-4, 0, 0), P(3, 1, 0), centre));
     EXPECT_FALSE(getCircleCenter(P(0, 0, 0), P(kNaN, 0, 0), P(3, 1, 0), centre));

@@ -18,6 +18,8 @@ TEST(VoGeCircle3d, AnglesRoundTripAndTheTiltedFormula) {
         EXPECT_NEAR(c.getParam(c.getPt(a), 1e-6), a, 1e-12);
         EXPECT_TRUE(c.isOn(c.getPt(a), 1e-11));
     }
+    for (double y : {-1 - 2.3e-16, -2.5})  // a hair below +X, and off the circle beside it
+        EXPECT_LT(c.getParam(VoGePoint3D(5, y, 4), 1e-6), 2 * kPi) << y;
     const VoGeCircle3d x(VoGePoint3D(0, 0, 0), 1.0, VoGeVector3D(1, 0, 0));
     EXPECT_NEAR(x.getParam(VoGePoint3D(0, 0, -1), 1e-6), kPi / 2, 1e-12);
     EXPECT_NEAR(x.getParam(VoGePoint3D(0, -1, 0), 1e-6), 0.0, 1e-12);

@@ -8,7 +8,7 @@
 // merge in reused room. What it does not cover: the face test itself (hideLineByFace), the
 // numeric tests under it and the merge rule, which both passes share; those have their own
 // checks (hide_face_test.cpp: the face test against brute-force sampling; here: the on-segment
-// and inside tests against measuring every angle; hide_pass_test.cpp: the pieces of a plant on
+// and inside tests against measuring every angle, and on every scene compared the pieces on
 // their lines, from their near ends and apart, which checks the merge).
 #include <gtest/gtest.h>
 
@@ -52,6 +52,12 @@ void expectEngineMatchesReference(std::vector<_s_hd_prof_*> forEngine,
         _s_hd_proline_* engine = kestHideObject(forEngine.data(), n);
         _s_hd_proline_* reference = kestHideObjectReference(forReference.data(), n);
         expectSameLists(engine, reference);
+        // What the pass promises of its pieces, and every line left near end first.
+        EXPECT_EQ(enginetest::piecesProblem(forEngine, engine), nullptr);
+        for (const _s_hd_prof_* o : forEngine) {
+            for (const _s_hd_proline_* l = o ? o->proline : nullptr; l != nullptr; l = l->next)
+                ASSERT_FALSE(l->start.z > l->end.z) << "a line is left far end first";
+        }
         releaseProline(engine);
         releaseProline(reference);
     }
