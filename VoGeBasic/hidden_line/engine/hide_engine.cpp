@@ -152,12 +152,21 @@ struct CachedFace {
     /// Each edge's normal in the drawing plane at the edge's length: -(b.y - a.y), b.x - a.x
     /// for the edge a -> b.
     double edgeNormalX[kMaxFaceVertices], edgeNormalY[kMaxFaceVertices];
+    /// Each edge's normal's offset at the drawing plane's origin: the offset of (x, y) along
+    /// it, from the edge's start, is x edgeNormalX + y edgeNormalY - edgeOrigin.
+    double edgeOrigin[kMaxFaceVertices];
     double outlineMargin;
     double size;        ///< faceSize(face)
     FaceSpread spread;  ///< the face's XY box as centre and half sizes
     /// The plane's depth over the drawing plane: v[0].z + gx (x - v[0].x) + gy (y - v[0].y), and
     /// 1 plus its slope; NaN where the face is seen edge-on or has no plane.
     double gx, gy, slopeFactor;
+    /// What the depth culls ask of the face alone, worked out once. zBack: zNear less
+    /// kCullMarginRel times size (faceBehindLine), NaN for a face that is not prunable. plane0:
+    /// the plane's depth over the drawing plane's origin, v[0].z - gx v[0].x - gy v[0].y, NaN
+    /// unless the face is prunable and flat; frontMargin and frontPerLength: lineInFrontOfFace's
+    /// margin is frontMargin plus frontPerLength times the line's length.
+    double zBack, plane0, frontMargin, frontPerLength;
     size_t id;  ///< the face's name for the memo (FaceWindow)
 };
 
@@ -205,7 +214,13 @@ void prepareFace(CachedFace& c) {
         const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
         c.edgeNormalX[k] = -(b.y - a.y);
         c.edgeNormalY[k] = b.x - a.x;
+        c.edgeOrigin[k] = a.x * c.edgeNormalX[k] + a.y * c.edgeNormalY[k];
     }
+    c.zBack = c.prunable ? c.zNear - hd::kCullMarginRel * c.size : nan;
+    c.plane0 = c.prunable && c.flat ? f.v[0].z - c.gx * f.v[0].x - c.gy * f.v[0].y : nan;
+    c.frontMargin = hd::kLevelDepthTol + hd::kCullFlatRel * c.size +
+                    (hd::kCullMarginAbs + hd::kCullMarginRel * c.size) * c.slopeFactor;
+    c.frontPerLength = hd::kCullMarginRel * c.slopeFactor;
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -219,6 +234,11 @@ struct LinePrune {
     double nx, ny;  ///< unit normal of the projected line; zero when it projects to a point
     double length;  ///< 3-D length
     double zFar;    ///< the far end's depth
+    /// The depth a face must lie behind to be behind the line (faceBehindLine): zFar plus
+    /// kLevelDepthTol, kCullMarginAbs and kCullMarginRel times length; +inf for a line that is
+    /// not prunable.
+    double zLimit;
+    double nOrigin;  ///< the near end's offset along the normal: px nx + py ny
 };
 
 LinePrune prepareLine(const HideLine& line) {
@@ -226,6 +246,7 @@ LinePrune prepareLine(const HideLine& line) {
     const _s_hd_point_ q = line.q;
     LinePrune l{};
     l.prunable = isBoundedPoint(p) && isBoundedPoint(q) && !line.endOn;
+    l.zLimit = std::numeric_limits<double>::infinity();
     if (!l.prunable)
         return l;
     l.px = p.x;
@@ -244,6 +265,8 @@ LinePrune prepareLine(const HideLine& line) {
     }
     l.length = std::sqrt(dx * dx + dy * dy + dz * dz);
     l.zFar = maxOf(p.z, q.z);
+    l.zLimit = l.zFar + hd::kLevelDepthTol + hd::kCullMarginAbs + hd::kCullMarginRel * l.length;
+    l.nOrigin = l.px * l.nx + l.py * l.ny;
     return l;
 }
 
@@ -262,16 +285,6 @@ bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
     return std::fabs(offset) > spread + m;
 }
 
-// True when the face lies wholly behind the line: it provably hides no piece of it. A face
-// hides through a point of the line that is behind, or level with, a point of the face: a line
-// end behind the point of the face's plane straight in front of it (that point within the
-// face's XY extents widened by kBehindExtentTol), a piercing point on the plane within
-// kPierceExtentTol of the extents, or a crossing where the face's edge is nearer than the line
-// or level with it (within kLevelDepthTol). Each of these points of the face is no nearer than
-// zNear, and each point of the line no deeper than its far end plus what isPointOnSeg lets a
-// point stray from it (2.5e-4 times its length, 1.2e-4 times the root of it); rounding of the
-// depths, at coordinates within kCullCoordLimit and plane slopes below 1 / kEdgeOnNormalZ, stays
-// below 1e-3. kCullMarginAbs and kCullMarginRel cover all of it.
 // True when the projection of a flat face lies farther than the margin from the projected
 // segment along an axis that separates them: the line's normal (the face's vertices all beyond
 // the margin on one side) or the normal of an edge that the face lies wholly inside of (both
@@ -288,8 +301,10 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
     const HDFace& f = c.face;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
     // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
-    // that is not ends the look.
-    auto offset = [&](int k) { return (f.v[k].x - l.px) * l.nx + (f.v[k].y - l.py) * l.ny; };
+    // that is not ends the look. The offsets are taken from the drawing plane's origin (nOrigin,
+    // edgeOrigin), which at coordinates within kCullCoordLimit moves them by rounding below 1e-6
+    // times the normal's length: the margin (times that length) has far more room to spare.
+    auto offset = [&](int k) { return f.v[k].x * l.nx + f.v[k].y * l.ny - l.nOrigin; };
     const double o0 = offset(0);
     if (o0 > m || o0 < -m) {
         int k = 1;
@@ -305,12 +320,11 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
             continue;
         // The edge's normal left at the edge's length, and the margin with it, spare two
         // divisions a face.
-        const _s_hd_point_ a = f.v[k];
         const double ex = c.edgeNormalX[k];
         const double ey = c.edgeNormalY[k];
         const double mLen = m * c.flatLength[k];
-        const double op = (l.px - a.x) * ex + (l.py - a.y) * ey;
-        const double oq = (l.qx - a.x) * ex + (l.qy - a.y) * ey;
+        const double op = l.px * ex + l.py * ey - c.edgeOrigin[k];
+        const double oq = l.qx * ex + l.qy * ey - c.edgeOrigin[k];
         if (side > 0 ? op < -mLen && oq < -mLen : op > mLen && oq > mLen)
             return true;
     }
@@ -335,25 +349,41 @@ bool faceApartFromLine(const CachedFace& c, const LinePrune& l) {
 // most d (1 + slope), the slope being that of the plane's depth over the drawing plane.
 // Rounding at coordinates within kCullCoordLimit and slopes up to 1 / kEdgeOnNormalZ stays
 // below 1e-3.
+// The plane's depth is taken from the drawing plane's origin (plane0) and the margin's terms of
+// the face alone are gathered (frontMargin, frontPerLength): the sums are the same but for
+// rounding, which at coordinates within kCullCoordLimit stays below 1e-5 times 1 plus the
+// slope. The margin allows for a stray of the whole cull margin, while isPointOnSeg lets a point
+// stray by 2.5e-4 times the length plus 1.2e-4 times its root, more than 0.049 less: 0.049 times
+// 1 plus the slope is left to spare.
 bool lineInFrontOfFace(const CachedFace& c, const LinePrune& l) {
-    if (!c.prunable || !l.prunable || !c.flat)
+    if (!l.prunable)
         return false;
-    const HDFace& f = c.face;
-    const double m =
-        hd::kLevelDepthTol + hd::kCullFlatRel * c.size +
-        (hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size)) * c.slopeFactor;
+    const double m = c.frontMargin + c.frontPerLength * l.length;
     auto behindBy = [&](double x, double y, double z) {
-        return f.v[0].z + c.gx * (x - f.v[0].x) + c.gy * (y - f.v[0].y) - z;
+        return c.plane0 + c.gx * x + c.gy * y - z;
     };
-    // False for a face seen edge-on or without a plane: its NaN slope fails the comparisons.
+    // False for a face that is not prunable or flat (NaN plane0), and for one seen edge-on or
+    // without a plane: its NaN slope fails the comparisons.
     return behindBy(l.px, l.py, l.pz) > m && behindBy(l.qx, l.qy, l.qz) > m;
 }
 
+// True when the face lies wholly behind the line: it provably hides no piece of it. A face
+// hides through a point of the line that is behind, or level with, a point of the face: a line
+// end behind the point of the face's plane straight in front of it (that point within the
+// face's XY extents widened by kBehindExtentTol), a piercing point on the plane within
+// kPierceExtentTol of the extents, or a crossing where the face's edge is nearer than the line
+// or level with it (within kLevelDepthTol). Each of these points of the face is no nearer than
+// zNear, and each point of the line no deeper than its far end plus what isPointOnSeg lets a
+// point stray from it (2.5e-4 times its length, 1.2e-4 times the root of it); rounding of the
+// depths, at coordinates within kCullCoordLimit and plane slopes below 1 / kEdgeOnNormalZ, stays
+// below 1e-3. kCullMarginAbs and kCullMarginRel cover all of it.
+// The test is zNear > zFar + kLevelDepthTol + kCullMarginAbs + kCullMarginRel (length + size)
+// with the face's terms gathered in zBack and the line's in zLimit. Where the two sides come
+// within the margin's room of each other both stay within a few times kCullCoordLimit, and
+// gathering them moves each by rounding below 1e-5: the room left beside the 1e-3 above covers
+// it. False for a face or line that is not prunable (NaN zBack, infinite zLimit).
 bool faceBehindLine(const CachedFace& c, const LinePrune& l) {
-    if (!c.prunable || !l.prunable)
-        return false;
-    const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    return c.zNear > l.zFar + hd::kLevelDepthTol + m;  // false for NaN
+    return c.zBack > l.zLimit;
 }
 
 // Replaces room (what it held is not kept) with room for most items, setting capacity; false,

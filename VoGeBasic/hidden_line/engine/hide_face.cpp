@@ -20,7 +20,7 @@ bool onEdge(_s_hd_point_ p, const HDFace& f, int k, const FaceTestAids& aids) {
                                 : isPointOnSeg(p, a, b) != 0;
 }
 // boundedEnds of edge k, from the face's prepared data when every edge is bounded.
-bool edgeBounded(const HDFace& f, int k, const FaceTestAids& aids) {
+inline bool edgeBounded(const HDFace& f, int k, const FaceTestAids& aids) {
     return (aids.prep != nullptr && aids.prep->bounded) ||
            boundedEnds(f.v[k], f.v[nextVertex(k, f.count)]);
 }

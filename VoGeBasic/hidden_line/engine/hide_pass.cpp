@@ -138,21 +138,32 @@ bool absorbInto(MergeScratch::Piece& a, MergeScratch::Piece& b) {
 // piece appended is the only one to try; if A absorbs it, the row is played again from the
 // first piece left. Once A runs from p to q the play makes no more merges (A no longer changes
 // while it does): the merge makes the rest.
+//
+// Every piece before the one A has just absorbed was dropped or failed against A as it was: the
+// pieces the row passed over now, and, before them, the ones the last play left failing. A merge
+// that leaves A's ends as they were to the bit (a piece lying within A, dropped) leaves A's reach
+// as it was too, so played again from the first piece left, the row would pass over all of those
+// once more; it goes on after the dropped piece instead, and A, still not from p to q, needs no
+// second look.
 bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
     if (count_ == seen_)
         return false;
     Piece& a = pieces_[0];
     size_t k = seen_ == 0 ? 1 : seen_;
     seen_ = count_;
+    bool changed = true;
     for (;;) {
-        if (sameBits(a.start, p) && sameBits(a.end, q))
+        if (changed && sameBits(a.start, p) && sameBits(a.end, q))
             return true;
+        const _s_hd_point_ start = a.start;
+        const _s_hd_point_ end = a.end;
         while (k < count_ && (pieces_[k].dropped || !absorbInto(a, pieces_[k])))
             ++k;
         if (k == count_)
             return false;
         ++played_;
-        k = 1;
+        changed = !sameBits(a.start, start) || !sameBits(a.end, end);
+        k = changed ? 1 : k + 1;
     }
 }
 
