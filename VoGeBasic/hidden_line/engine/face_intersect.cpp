@@ -751,20 +751,29 @@ constexpr double kSharedOnPlane = 1e-9;
 // span, below 7e-6 of the vertex.
 constexpr double kSharedSpanLimit = 1e6;
 
-// Marks in shared the vertices of e equal to a vertex of the face `plane` (bit k: v[k]). True
-// when each of those lies within kSharedOnPlane of plane's plane, measured as linePlaneInter
-// measures it for an edge from it, and every other one lies farther than m from it on one side,
-// measured as planeDistances measures it. NaN fails.
-bool sharedOnPlaneRestBeyond(const HDFace& e, const HDFace& plane, double m, unsigned& shared) {
-    shared = 0u;
+// Marks the vertices of f equal to a vertex of g, to the bit, in fShared (bit k: f.v[k]), and
+// those of g equal to a vertex of f in gShared.
+void sharedVertices(const HDFace& f, const HDFace& g, unsigned& fShared, unsigned& gShared) {
+    fShared = 0u;
+    gShared = 0u;
+    for (int k = 0; k < f.count; ++k) {
+        for (int j = 0; j < g.count; ++j) {
+            const unsigned same = sameBits(f.v[k], g.v[j]) ? 1u : 0u;
+            fShared |= same << k;
+            gShared |= same << j;
+        }
+    }
+}
+
+// True when each vertex of e marked in shared (sharedVertices) lies within kSharedOnPlane of the
+// face `plane`'s plane, measured as linePlaneInter measures it for an edge from it, and every
+// other one lies farther than m from it on one side, measured as planeDistances measures it. NaN
+// fails.
+bool sharedOnPlaneRestBeyond(const HDFace& e, const HDFace& plane, double m, unsigned shared) {
     bool above = true;
     bool below = true;
     for (int k = 0; k < e.count; ++k) {
-        bool same = false;
-        for (int j = 0; j < plane.count; ++j)
-            same = same || sameBits(e.v[k], plane.v[j]);
-        if (same) {
-            shared |= 1u << k;
+        if ((shared >> k & 1u) != 0) {
             const double num = vecDot(plane.normal, vecSub(plane.v[0], e.v[k]));
             if (!(std::fabs(num) <= kSharedOnPlane))
                 return false;
@@ -782,7 +791,7 @@ int sharedCount(unsigned shared) {
            static_cast<int>(shared >> 2 & 1u) + static_cast<int>(shared >> 3 & 1u);
 }
 
-// True when two of e's vertices are shared (shared: sharedOnPlaneRestBeyond) and are the ends of
+// True when two of e's vertices are shared (shared: sharedVertices) and are the ends of
 // one edge of e, which does not cross the plane of normal n (the test piercesAt makes first).
 bool sharedEdgeOffCrossing(const PreparedFace& e, unsigned shared, _s_hd_point_ n) {
     for (int k = 0; k < e.face.count; ++k) {
@@ -826,11 +835,12 @@ bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g) {
     const double m = apartMargin(span);
     unsigned fShared = 0u;
     unsigned gShared = 0u;
-    if (!sharedOnPlaneRestBeyond(f.face, g.face, m, fShared) ||
-        !sharedOnPlaneRestBeyond(g.face, f.face, m, gShared))
-        return false;
+    sharedVertices(f.face, g.face, fShared, gShared);
     const int count = sharedCount(fShared);
     if (count != sharedCount(gShared) || count < 1 || count > 2)
+        return false;
+    if (!sharedOnPlaneRestBeyond(f.face, g.face, m, fShared) ||
+        !sharedOnPlaneRestBeyond(g.face, f.face, m, gShared))
         return false;
     return count == 1 || (sharedEdgeOffCrossing(f, fShared, g.face.normal) &&
                           sharedEdgeOffCrossing(g, gShared, f.face.normal));
