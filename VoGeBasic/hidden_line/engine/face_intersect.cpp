@@ -340,45 +340,49 @@ ObjectFaces readFaces(const _s_hd_prof_* obj, bool& ok) {
 }
 
 // Which faces of one object lie across which of kSlabs slabs of equal width that cut its box
-// along one axis, so that a face met visits only the faces whose runs of slabs meet the run its
-// own extents cross rather than every face: in a plant three in five of the faces visited miss on
-// extents. The slab of a coordinate, slabOf, never decreases as the coordinate grows. Where two
-// faces' extents overlap on the axis (f.min < g.max and g.min < f.max, no NaN), slabOf(g.min) <=
-// slabOf(f.max) and slabOf(f.min) <= slabOf(g.max): every face whose extents overlap f's is among
-// those visited, and the faces visited are asked the full test. A face whose extents on the axis
-// are NaN overlaps nothing and is in no run.
+// along each of two axes, so that a face met visits only the faces whose runs of slabs meet the
+// runs its own extents cross on both, rather than every face: in a plant three in five of the
+// faces visited miss on extents. The slab of a coordinate, slabOf, never decreases as the
+// coordinate grows. Where two faces' extents overlap on an axis (f.min < g.max and g.min < f.max,
+// no NaN), slabOf(g.min) <= slabOf(f.max) and slabOf(f.min) <= slabOf(g.max): every face whose
+// extents overlap f's is among those visited, and the faces visited are asked the full test. A
+// face whose extents on an axis of the index are NaN overlaps nothing and is in no run.
 struct SlabIndex {
     static constexpr int kSlabs = 64;
-    int axis = 0;        ///< 0, 1, 2: X, Y, Z
-    double lo = 0.0;     ///< the box's least coordinate on the axis
-    double scale = 0.0;  ///< slabs per unit length
-    int words = 0;       ///< mask words: one bit a face
-    /// Per slab s, words each: the faces whose runs start at s or before (kSlabs masks), then
-    /// those whose runs end at s or after (kSlabs more), then words of room for the caller's own
-    /// choice of faces (live). Null: no index.
+    int axis[2] = {0, 0};          ///< 0, 1, 2: X, Y, Z (the same twice where one alone is usable)
+    double lo[2] = {0.0, 0.0};     ///< the box's least coordinate on each axis
+    double scale[2] = {0.0, 0.0};  ///< slabs per unit length
+    int words = 0;                 ///< mask words: one bit a face
+    /// Per axis i and slab s, words each: the faces whose runs start at s or before (kSlabs
+    /// masks), then those whose runs end at s or after (kSlabs more); after both axes' masks,
+    /// words of room for the caller's own choice of faces (live). Null: no index.
     uint64_t* bits = nullptr;
 
-    /// Lower and upper extent of e on the axis.
-    double lowOf(const Extents& e) const {
-        return axis == 0 ? e.xmin : axis == 1 ? e.ymin : e.zmin;
+    /// Lower and upper extent of e on axis i of the index.
+    double lowOf(const Extents& e, int i) const {
+        return axis[i] == 0 ? e.xmin : axis[i] == 1 ? e.ymin : e.zmin;
     }
-    double highOf(const Extents& e) const {
-        return axis == 0 ? e.xmax : axis == 1 ? e.ymax : e.zmax;
+    double highOf(const Extents& e, int i) const {
+        return axis[i] == 0 ? e.xmax : axis[i] == 1 ? e.ymax : e.zmax;
     }
-    /// The slab of coordinate v, clamped to the index (NaN: 0; never converted).
-    int slabOf(double v) const {
-        const double t = (v - lo) * scale;
+    /// The slab of coordinate v on axis i, clamped to the index (NaN: 0; never converted).
+    int slabOf(double v, int i) const {
+        const double t = (v - lo[i]) * scale[i];
         return t >= 1.0 ? (t < kSlabs - 1 ? static_cast<int>(t) : kSlabs - 1) : 0;
     }
-    uint64_t* startsBy(int s) const { return bits + static_cast<size_t>(s) * words; }
-    uint64_t* endsFrom(int s) const { return bits + static_cast<size_t>(kSlabs + s) * words; }
-    uint64_t* live() const { return bits + static_cast<size_t>(2 * kSlabs) * words; }
+    uint64_t* startsBy(int i, int s) const {
+        return bits + static_cast<size_t>(2 * kSlabs * i + s) * words;
+    }
+    uint64_t* endsFrom(int i, int s) const {
+        return bits + static_cast<size_t>(2 * kSlabs * i + kSlabs + s) * words;
+    }
+    uint64_t* live() const { return bits + static_cast<size_t>(4 * kSlabs) * words; }
 };
 
 // The SlabIndex of count faces (ext[k] the extents of faces[k]; all their common box), along the
-// axis where the faces' runs are shortest for the box's extent. No index (bits null) when the box
-// is not finite within kCullCoordLimit or is flat on every axis, or if the allocation fails: the
-// faces are then all visited, with the same result.
+// two axes where the faces' runs are shortest for the box's extent. No index (bits null) when the
+// box is not finite within kCullCoordLimit or is flat on every axis, or if the allocation fails:
+// the faces are then all visited, with the same result.
 SlabIndex slabIndex(const Extents* ext, int count, const Extents& all) {
     const double lows[3] = {all.xmin, all.ymin, all.zmin};
     const double spans[3] = {all.xmax - all.xmin, all.ymax - all.ymin, all.zmax - all.zmin};
@@ -391,54 +395,69 @@ SlabIndex slabIndex(const Extents* ext, int count, const Extents& all) {
         runs[1] += ext[g].ymax - ext[g].ymin;
         runs[2] += ext[g].zmax - ext[g].zmin;
     }
-    int axis = -1;
-    double best = 0.0;
+    // The usable axes, the one of the largest share left out.
+    int first = -1;
+    int second = -1;
+    double firstShare = 0.0;
+    double secondShare = 0.0;
     for (int k = 0; k < 3; ++k) {
         const double share = runs[k] / spans[k];
         const bool usable = spans[k] > 0.0 && spans[k] <= hd::kCullCoordLimit &&
                             std::fabs(lows[k]) <= hd::kCullCoordLimit && share >= 0.0;
-        if (usable && (axis < 0 || share < best)) {
-            axis = k;
-            best = share;
+        if (!usable)
+            continue;
+        if (first < 0 || share < firstShare) {
+            second = first;
+            secondShare = firstShare;
+            first = k;
+            firstShare = share;
+        } else if (second < 0 || share < secondShare) {
+            second = k;
+            secondShare = share;
         }
     }
-    if (axis < 0)
+    if (first < 0)
         return SlabIndex{};
     SlabIndex index;
-    index.axis = axis;
-    index.lo = lows[axis];
-    index.scale = SlabIndex::kSlabs / spans[axis];
+    index.axis[0] = first;
+    index.axis[1] = second >= 0 ? second : first;
+    for (int i = 0; i < 2; ++i) {
+        index.lo[i] = lows[index.axis[i]];
+        index.scale[i] = SlabIndex::kSlabs / spans[index.axis[i]];
+    }
     index.words = count / 64 + 1;
     index.bits = static_cast<uint64_t*>(std::calloc(
-        (2 * static_cast<size_t>(SlabIndex::kSlabs) + 1) * static_cast<size_t>(index.words),
+        (4 * static_cast<size_t>(SlabIndex::kSlabs) + 1) * static_cast<size_t>(index.words),
         sizeof(uint64_t)));
     if (index.bits == nullptr)
         return SlabIndex{};
-    for (int g = 0; g < count; ++g) {
-        const double a = index.lowOf(ext[g]);
-        const double b = index.highOf(ext[g]);
-        if (!(a <= b))
-            continue;
-        const uint64_t bit = uint64_t{1} << (g % 64);
-        index.startsBy(index.slabOf(a))[g / 64] |= bit;
-        index.endsFrom(index.slabOf(b))[g / 64] |= bit;
-    }
-    // So far each face is marked in the slab where its run starts and where it ends only.
-    for (int s = 1; s < SlabIndex::kSlabs; ++s) {
-        for (int w = 0; w < index.words; ++w)
-            index.startsBy(s)[w] |= index.startsBy(s - 1)[w];
-    }
-    for (int s = SlabIndex::kSlabs - 2; s >= 0; --s) {
-        for (int w = 0; w < index.words; ++w)
-            index.endsFrom(s)[w] |= index.endsFrom(s + 1)[w];
+    for (int i = 0; i < 2; ++i) {
+        for (int g = 0; g < count; ++g) {
+            const double a = index.lowOf(ext[g], i);
+            const double b = index.highOf(ext[g], i);
+            if (!(a <= b))
+                continue;
+            const uint64_t bit = uint64_t{1} << (g % 64);
+            index.startsBy(i, index.slabOf(a, i))[g / 64] |= bit;
+            index.endsFrom(i, index.slabOf(b, i))[g / 64] |= bit;
+        }
+        // So far each face is marked in the slab where its run starts and where it ends only.
+        for (int s = 1; s < SlabIndex::kSlabs; ++s) {
+            for (int w = 0; w < index.words; ++w)
+                index.startsBy(i, s)[w] |= index.startsBy(i, s - 1)[w];
+        }
+        for (int s = SlabIndex::kSlabs - 2; s >= 0; --s) {
+            for (int w = 0; w < index.words; ++w)
+                index.endsFrom(i, s)[w] |= index.endsFrom(i, s + 1)[w];
+        }
     }
     return index;
 }
 
 // The faces g of an object (count of them, index their SlabIndex) from `from` on, in order, that
-// may overlap the extents e: those whose runs of slabs meet e's (starting by the slab of e's upper
-// extent and ending from that of its lower one) and, when given, are marked in the mask live
-// (index.live()); every one without an index. next() gives each in turn, then -1.
+// may overlap the extents e: those whose runs of slabs meet e's on both axes (starting by the
+// slab of e's upper extent and ending from that of its lower one) and, when given, are marked in
+// the mask live (index.live()); every one without an index. next() gives each in turn, then -1.
 class NearFaces {
 public:
     NearFaces(const SlabIndex& index, const Extents& e, int from, int count,
@@ -446,20 +465,27 @@ public:
         : live_(live), at_(from), count_(count) {
         if (index.bits == nullptr)
             return;
-        const double a = index.lowOf(e);
-        const double b = index.highOf(e);
         words_ = index.words;
-        if (!(a <= b) || from >= count) {
-            count_ = from;  // NaN on the axis: e overlaps nothing
+        bool overlaps = from < count;
+        for (int i = 0; i < 2; ++i) {
+            const double a = index.lowOf(e, i);
+            const double b = index.highOf(e, i);
+            overlaps = overlaps && a <= b;  // NaN on an axis: e overlaps nothing
+            if (overlaps) {
+                starts_[i] = index.startsBy(i, index.slabOf(b, i));
+                ends_[i] = index.endsFrom(i, index.slabOf(a, i));
+            }
+        }
+        if (!overlaps) {
+            count_ = from;
             return;
         }
-        starts_ = index.startsBy(index.slabOf(b));
-        ends_ = index.endsFrom(index.slabOf(a));
+        indexed_ = true;
         word_ = from / 64;
         bits_ = wordAt(word_) & ~uint64_t{0} << (from % 64);
     }
     int next() {
-        if (starts_ == nullptr)
+        if (!indexed_)
             return at_ < count_ ? at_++ : -1;
         while (bits_ == 0u) {
             if (++word_ >= words_)
@@ -473,11 +499,13 @@ public:
 
 private:
     uint64_t wordAt(int w) const {
-        return starts_[w] & ends_[w] & (live_ != nullptr ? live_[w] : ~uint64_t{0});
+        return starts_[0][w] & ends_[0][w] & starts_[1][w] & ends_[1][w] &
+               (live_ != nullptr ? live_[w] : ~uint64_t{0});
     }
     const uint64_t* live_;
-    const uint64_t* starts_ = nullptr;  ///< null: every face from at_ to count_
-    const uint64_t* ends_ = nullptr;
+    bool indexed_ = false;  ///< false: every face from at_ to count_
+    const uint64_t* starts_[2] = {nullptr, nullptr};
+    const uint64_t* ends_[2] = {nullptr, nullptr};
     int at_;
     int count_;
     int word_ = 0;
