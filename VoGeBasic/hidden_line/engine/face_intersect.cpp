@@ -2,6 +2,7 @@
 // faces of the objects registered before it, and its own.
 #include <climits>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -338,6 +339,180 @@ ObjectFaces readFaces(const _s_hd_prof_* obj, bool& ok) {
     return {faces, count, ext, objectBox(faces, ext, count)};
 }
 
+// Which faces of one object lie across which of kSlabs slabs of equal width that cut its box
+// along each of two axes, so that a face met visits only the faces whose runs of slabs meet the
+// runs its own extents cross on both, rather than every face: in a plant three in five of the
+// faces visited miss on extents. The slab of a coordinate, slabOf, never decreases as the
+// coordinate grows. Where two faces' extents overlap on an axis (f.min < g.max and g.min < f.max,
+// no NaN), slabOf(g.min) <= slabOf(f.max) and slabOf(f.min) <= slabOf(g.max): every face whose
+// extents overlap f's is among those visited, and the faces visited are asked the full test. A
+// face whose extents on an axis of the index are NaN overlaps nothing and is in no run.
+struct SlabIndex {
+    static constexpr int kSlabs = 64;
+    int axis[2] = {0, 0};          ///< 0, 1, 2: X, Y, Z (the same twice where one alone is usable)
+    double lo[2] = {0.0, 0.0};     ///< the box's least coordinate on each axis
+    double scale[2] = {0.0, 0.0};  ///< slabs per unit length
+    int words = 0;                 ///< mask words: one bit a face
+    /// Per axis i and slab s, words each: the faces whose runs start at s or before (kSlabs
+    /// masks), then those whose runs end at s or after (kSlabs more); after both axes' masks,
+    /// words of room for the caller's own choice of faces (live). Null: no index.
+    uint64_t* bits = nullptr;
+
+    /// Lower and upper extent of e on axis i of the index.
+    double lowOf(const Extents& e, int i) const {
+        return axis[i] == 0 ? e.xmin : axis[i] == 1 ? e.ymin : e.zmin;
+    }
+    double highOf(const Extents& e, int i) const {
+        return axis[i] == 0 ? e.xmax : axis[i] == 1 ? e.ymax : e.zmax;
+    }
+    /// The slab of coordinate v on axis i, clamped to the index (NaN: 0; never converted).
+    int slabOf(double v, int i) const {
+        const double t = (v - lo[i]) * scale[i];
+        return t >= 1.0 ? (t < kSlabs - 1 ? static_cast<int>(t) : kSlabs - 1) : 0;
+    }
+    uint64_t* startsBy(int i, int s) const {
+        return bits + static_cast<size_t>(2 * kSlabs * i + s) * words;
+    }
+    uint64_t* endsFrom(int i, int s) const {
+        return bits + static_cast<size_t>(2 * kSlabs * i + kSlabs + s) * words;
+    }
+    uint64_t* live() const { return bits + static_cast<size_t>(4 * kSlabs) * words; }
+};
+
+// The SlabIndex of count faces (ext[k] the extents of faces[k]; all their common box), along the
+// two axes where the faces' runs are shortest for the box's extent. No index (bits null) when the
+// box is not finite within kCullCoordLimit or is flat on every axis, or if the allocation fails:
+// the faces are then all visited, with the same result.
+SlabIndex slabIndex(const Extents* ext, int count, const Extents& all) {
+    const double lows[3] = {all.xmin, all.ymin, all.zmin};
+    const double spans[3] = {all.xmax - all.xmin, all.ymax - all.ymin, all.zmax - all.zmin};
+    if (count <= 0)
+        return SlabIndex{};
+    // The faces' extents summed on each axis, each sum a share of the box's extent.
+    double runs[3] = {0.0, 0.0, 0.0};
+    for (int g = 0; g < count; ++g) {
+        runs[0] += ext[g].xmax - ext[g].xmin;
+        runs[1] += ext[g].ymax - ext[g].ymin;
+        runs[2] += ext[g].zmax - ext[g].zmin;
+    }
+    // The usable axes, the one of the largest share left out.
+    int first = -1;
+    int second = -1;
+    double firstShare = 0.0;
+    double secondShare = 0.0;
+    for (int k = 0; k < 3; ++k) {
+        const double share = runs[k] / spans[k];
+        const bool usable = spans[k] > 0.0 && spans[k] <= hd::kCullCoordLimit &&
+                            std::fabs(lows[k]) <= hd::kCullCoordLimit && share >= 0.0;
+        if (!usable)
+            continue;
+        if (first < 0 || share < firstShare) {
+            second = first;
+            secondShare = firstShare;
+            first = k;
+            firstShare = share;
+        } else if (second < 0 || share < secondShare) {
+            second = k;
+            secondShare = share;
+        }
+    }
+    if (first < 0)
+        return SlabIndex{};
+    SlabIndex index;
+    index.axis[0] = first;
+    index.axis[1] = second >= 0 ? second : first;
+    for (int i = 0; i < 2; ++i) {
+        index.lo[i] = lows[index.axis[i]];
+        index.scale[i] = SlabIndex::kSlabs / spans[index.axis[i]];
+    }
+    index.words = count / 64 + 1;
+    index.bits = static_cast<uint64_t*>(std::calloc(
+        (4 * static_cast<size_t>(SlabIndex::kSlabs) + 1) * static_cast<size_t>(index.words),
+        sizeof(uint64_t)));
+    if (index.bits == nullptr)
+        return SlabIndex{};
+    for (int i = 0; i < 2; ++i) {
+        for (int g = 0; g < count; ++g) {
+            const double a = index.lowOf(ext[g], i);
+            const double b = index.highOf(ext[g], i);
+            if (!(a <= b))
+                continue;
+            const uint64_t bit = uint64_t{1} << (g % 64);
+            index.startsBy(i, index.slabOf(a, i))[g / 64] |= bit;
+            index.endsFrom(i, index.slabOf(b, i))[g / 64] |= bit;
+        }
+        // So far each face is marked in the slab where its run starts and where it ends only.
+        for (int s = 1; s < SlabIndex::kSlabs; ++s) {
+            for (int w = 0; w < index.words; ++w)
+                index.startsBy(i, s)[w] |= index.startsBy(i, s - 1)[w];
+        }
+        for (int s = SlabIndex::kSlabs - 2; s >= 0; --s) {
+            for (int w = 0; w < index.words; ++w)
+                index.endsFrom(i, s)[w] |= index.endsFrom(i, s + 1)[w];
+        }
+    }
+    return index;
+}
+
+// The faces g of an object (count of them, index their SlabIndex) from `from` on, in order, that
+// may overlap the extents e: those whose runs of slabs meet e's on both axes (starting by the
+// slab of e's upper extent and ending from that of its lower one) and, when given, are marked in
+// the mask live (index.live()); every one without an index. next() gives each in turn, then -1.
+class NearFaces {
+public:
+    NearFaces(const SlabIndex& index, const Extents& e, int from, int count,
+              const uint64_t* live = nullptr)
+        : live_(live), at_(from), count_(count) {
+        if (index.bits == nullptr)
+            return;
+        words_ = index.words;
+        bool overlaps = from < count;
+        for (int i = 0; i < 2; ++i) {
+            const double a = index.lowOf(e, i);
+            const double b = index.highOf(e, i);
+            overlaps = overlaps && a <= b;  // NaN on an axis: e overlaps nothing
+            if (overlaps) {
+                starts_[i] = index.startsBy(i, index.slabOf(b, i));
+                ends_[i] = index.endsFrom(i, index.slabOf(a, i));
+            }
+        }
+        if (!overlaps) {
+            count_ = from;
+            return;
+        }
+        indexed_ = true;
+        word_ = from / 64;
+        bits_ = wordAt(word_) & ~uint64_t{0} << (from % 64);
+    }
+    int next() {
+        if (!indexed_)
+            return at_ < count_ ? at_++ : -1;
+        while (bits_ == 0u) {
+            if (++word_ >= words_)
+                return -1;
+            bits_ = wordAt(word_);
+        }
+        const int g = word_ * 64 + __builtin_ctzll(bits_);
+        bits_ &= bits_ - 1u;
+        return g;
+    }
+
+private:
+    uint64_t wordAt(int w) const {
+        return starts_[0][w] & ends_[0][w] & starts_[1][w] & ends_[1][w] &
+               (live_ != nullptr ? live_[w] : ~uint64_t{0});
+    }
+    const uint64_t* live_;
+    bool indexed_ = false;  ///< false: every face from at_ to count_
+    const uint64_t* starts_[2] = {nullptr, nullptr};
+    const uint64_t* ends_[2] = {nullptr, nullptr};
+    int at_;
+    int count_;
+    int word_ = 0;
+    int words_ = 0;
+    uint64_t bits_ = 0u;
+};
+
 // True when the segment a -> b runs along one edge of the face (both ends on it). With the
 // face's prepared data the edges' reaches are taken from it.
 bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const FacePrep* prep) {
@@ -604,20 +779,29 @@ constexpr double kSharedOnPlane = 1e-9;
 // span, below 7e-6 of the vertex.
 constexpr double kSharedSpanLimit = 1e6;
 
-// Marks in shared the vertices of e equal to a vertex of the face `plane` (bit k: v[k]). True
-// when each of those lies within kSharedOnPlane of plane's plane, measured as linePlaneInter
-// measures it for an edge from it, and every other one lies farther than m from it on one side,
-// measured as planeDistances measures it. NaN fails.
-bool sharedOnPlaneRestBeyond(const HDFace& e, const HDFace& plane, double m, unsigned& shared) {
-    shared = 0u;
+// Marks the vertices of f equal to a vertex of g, to the bit, in fShared (bit k: f.v[k]), and
+// those of g equal to a vertex of f in gShared.
+void sharedVertices(const HDFace& f, const HDFace& g, unsigned& fShared, unsigned& gShared) {
+    fShared = 0u;
+    gShared = 0u;
+    for (int k = 0; k < f.count; ++k) {
+        for (int j = 0; j < g.count; ++j) {
+            const unsigned same = sameBits(f.v[k], g.v[j]) ? 1u : 0u;
+            fShared |= same << k;
+            gShared |= same << j;
+        }
+    }
+}
+
+// True when each vertex of e marked in shared (sharedVertices) lies within kSharedOnPlane of the
+// face `plane`'s plane, measured as linePlaneInter measures it for an edge from it, and every
+// other one lies farther than m from it on one side, measured as planeDistances measures it. NaN
+// fails.
+bool sharedOnPlaneRestBeyond(const HDFace& e, const HDFace& plane, double m, unsigned shared) {
     bool above = true;
     bool below = true;
     for (int k = 0; k < e.count; ++k) {
-        bool same = false;
-        for (int j = 0; j < plane.count; ++j)
-            same = same || sameBits(e.v[k], plane.v[j]);
-        if (same) {
-            shared |= 1u << k;
+        if ((shared >> k & 1u) != 0) {
             const double num = vecDot(plane.normal, vecSub(plane.v[0], e.v[k]));
             if (!(std::fabs(num) <= kSharedOnPlane))
                 return false;
@@ -635,7 +819,7 @@ int sharedCount(unsigned shared) {
            static_cast<int>(shared >> 2 & 1u) + static_cast<int>(shared >> 3 & 1u);
 }
 
-// True when two of e's vertices are shared (shared: sharedOnPlaneRestBeyond) and are the ends of
+// True when two of e's vertices are shared (shared: sharedVertices) and are the ends of
 // one edge of e, which does not cross the plane of normal n (the test piercesAt makes first).
 bool sharedEdgeOffCrossing(const PreparedFace& e, unsigned shared, _s_hd_point_ n) {
     for (int k = 0; k < e.face.count; ++k) {
@@ -679,11 +863,12 @@ bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g) {
     const double m = apartMargin(span);
     unsigned fShared = 0u;
     unsigned gShared = 0u;
-    if (!sharedOnPlaneRestBeyond(f.face, g.face, m, fShared) ||
-        !sharedOnPlaneRestBeyond(g.face, f.face, m, gShared))
-        return false;
+    sharedVertices(f.face, g.face, fShared, gShared);
     const int count = sharedCount(fShared);
     if (count != sharedCount(gShared) || count < 1 || count > 2)
+        return false;
+    if (!sharedOnPlaneRestBeyond(f.face, g.face, m, fShared) ||
+        !sharedOnPlaneRestBeyond(g.face, f.face, m, gShared))
         return false;
     return count == 1 || (sharedEdgeOffCrossing(f, fShared, g.face.normal) &&
                           sharedEdgeOffCrossing(g, gShared, f.face.normal));
@@ -709,7 +894,8 @@ struct OwnCut {
 // face, are found once, and kept in either order as cutAlong keeps them. A face that does not
 // overlap all is not met, and its pairs are worked out when they come. False if an allocation
 // fails.
-bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
+bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
+                  ProlineChain& found) {
     const int n = own.count;
     if (n == 0)
         return true;
@@ -754,8 +940,9 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, ProlineChain& found) {
             if (!sides.apart && cutAlong(f.face, &f.prep, g.face, &g.prep, sides, a, b))
                 ok = found.append(a, b);
         }
-        // f itself and the faces after it.
-        for (int gi = fi; gi < n && ok; ++gi) {
+        // f itself and the faces after it (those that may overlap it: the others lie apart).
+        NearFaces near(slabs, fe, fi, n);
+        for (int gi = near.next(); gi >= 0 && ok; gi = near.next()) {
             const PreparedFace& g = own.faces[gi];
             const PairSides sides = openPair(f, fe, g, own.ext[gi]);
             if (sides.apart)
@@ -844,6 +1031,8 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
     // well to one side, so that it meets none (clearOfObject). Without the room the faces are
     // all compared.
     auto* clear = own.count > 0 ? static_cast<unsigned char*>(std::malloc(own.count)) : nullptr;
+    // The faces of obj a face met may overlap.
+    const SlabIndex slabs = slabIndex(own.ext, own.count, all);
     ProlineChain found;
     // getFaceInterLine for f and each face of obj, with the faces' prepared data; f, unless
     // prepared already, is prepared only once a pair is left open. A face whose plane leaves
@@ -853,8 +1042,10 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
             return;
         const Extents fe = {f.face.xmax, f.face.xmin, f.face.ymax,
                             f.face.ymin, f.face.zmax, f.face.zmin};
-        for (int g = 0; g < own.count && ok; ++g) {
-            if (passOver != nullptr && passOver[g] != 0)
+        // With the index, the faces passed over are left out of its live mask.
+        NearFaces near(slabs, fe, 0, own.count, passOver != nullptr ? slabs.live() : nullptr);
+        for (int g = near.next(); g >= 0 && ok; g = near.next()) {
+            if (slabs.bits == nullptr && passOver != nullptr && passOver[g] != 0)
                 continue;
             const PreparedFace& h = own.faces[g];
             const PairSides sides = openPair(f, fe, h, own.ext[g]);
@@ -873,12 +1064,18 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
         if (other == nullptr || !boxesTouch(other->box, obj->box))
             return true;
         if (other == obj) {
-            ok = meetOwnFaces(own, all, found);
+            ok = meetOwnFaces(own, all, slabs, found);
             return ok;
         }
         const bool passOver = read.faces != nullptr && read.box.cullable && clear != nullptr;
         for (int g = 0; passOver && g < own.count; ++g)
             clear[g] = clearOfObject(own.faces[g], read.box) ? 1 : 0;
+        for (int w = 0; passOver && slabs.bits != nullptr && w < slabs.words; ++w) {
+            uint64_t live = 0u;
+            for (int g = 64 * w; g < own.count && g < 64 * w + 64; ++g)
+                live |= static_cast<uint64_t>(clear[g] == 0) << (g % 64);
+            slabs.live()[w] = live;
+        }
         for (int k = 0; k < read.count && ok; ++k) {
             if (extentsOverlap(read.faces[k].face, all))
                 meet(read.faces[k], true, passOver ? clear : nullptr);
@@ -895,6 +1092,7 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
         return ok;
     });
     std::free(clear);
+    std::free(slabs.bits);
     if (!ok) {
         releaseProline(found.head);
         return;
