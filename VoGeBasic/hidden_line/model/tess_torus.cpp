@@ -357,6 +357,7 @@ public:
         draft_.seedBox(firstTube_.pts[0]);
         extendBox(firstTube_);
         if (!fullTurn_) {
+            extendBox(prevRing_);
             draft_.addRingLines(prevRing_);
             draft_.addRingDisc(prevRing_, true);
         } else if (first_.endOn) {
@@ -401,6 +402,7 @@ public:
         draft_.addLines(outline_.head);
         outline_ = ProlineChain{};
         if (!fullTurn_ && draft_.ok()) {
+            extendBox(prevRing_);
             draft_.addRingLines(prevRing_);
             draft_.addRingDisc(prevRing_, false);
         }
@@ -420,7 +422,10 @@ private:
         return true;
     }
 
-    void extendBox(const TubeRing& ring) {
+    // The box takes the tube rings' points and the end rims': far from the origin the tube ring
+    // at an end, worked out from the rim's, can differ from it by rounding.
+    template <class Ring>
+    void extendBox(const Ring& ring) {
         for (int k = 0; k < ring.count; ++k)
             draft_.extendBox(ring.pts[k]);
     }
