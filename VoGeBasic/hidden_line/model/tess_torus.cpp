@@ -718,11 +718,11 @@ private:
 
 // The angles in (0, sweep) at which the tangent comes nearest the view axis, when it comes near
 // enough that rings a chosen step apart could miss the silhouette's turn there, and which no
-// chosen ring already holds (at most two: the tangent comes nearest +Z at one and -Z at the
-// other), ascending. The tangent there leans from Z by the slant s = |axis . Z|, and within
-// about s of that angle along the bend the silhouette turns half round the tube (the ring is
-// outline all round, and drawn whole, where s is nil). Seen from two rings on either side, a
-// turn by half a turn less the part outside them looks like a small turn back, so the rings
+// chosen ring already holds or stands for, seen end-on (at most two: the tangent comes nearest
+// +Z at one and -Z at the other), ascending. The tangent there leans from Z by the slant s = |axis
+// . Z|, and within about s of that angle along the bend the silhouette turns half round the tube
+// (the ring is outline all round, and drawn whole, where s is nil). Seen from two rings on either
+// side, a turn by half a turn less the part outside them looks like a small turn back, so the rings
 // would join each silhouette to the wrong one; a ring at the nearest angle itself leaves each
 // side of it a turn below a quarter, which the rings put in between follow.
 int nearAxisAngles(const Bend& b, double sweep, int n, double* out) {
@@ -738,8 +738,10 @@ int nearAxisAngles(const Bend& b, double sweep, int n, double* out) {
         phi = phi - core::kFullTurn * std::floor(phi / core::kFullTurn);
         if (!(phi > hd::kMinRingStep && phi < sweep - hd::kMinRingStep))
             continue;
+        // A chosen ring seen end-on there already is the turn's ring: one put in beside it would
+        // make a band too thin to face either way, and the drawn ring no contour edge.
         const double nearest = std::nearbyint(phi / sweep * n) * sweep / n;
-        if (std::fabs(phi - nearest) > hd::kMinRingStep)
+        if (std::fabs(phi - nearest) > hd::kMinRingStep && !stationAt(b, nearest, nullptr).endOn)
             out[count++] = phi;
     }
     if (count == 2 && out[1] < out[0]) {
