@@ -81,6 +81,9 @@ constexpr double kRimSlackRel = 1e-9;
 /// Where that slack (with the coordinates' rounding) exceeds this share of the outline's
 /// allowance, which side of a chord a point lies on is rounding: rings stay as made.
 constexpr double kRimSlackShare = 0.01;
+/// A ring seen end-on where the tangent comes nearest the view axis takes the place of a chosen
+/// ring within this many chosen steps of it: the bands on either side then span a step or more.
+constexpr double kEndOnStandInSteps = 0.25;
 constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 6;
 
 // The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
@@ -724,8 +727,9 @@ private:
 // (the ring is outline all round, and drawn whole, where s is nil). Seen from two rings on either
 // side, a turn by half a turn less the part outside them looks like a small turn back, so the rings
 // would join each silhouette to the wrong one; a ring at the nearest angle itself leaves each
-// side of it a turn below a quarter, which the rings put in between follow.
-int nearAxisAngles(const Bend& b, double sweep, int n, double* out) {
+// side of it a turn below a quarter, which the rings put in between follow. replaced[i] is the
+// chosen ring (1 to n - 1) that the ring at out[i] stands in for, 0 for none.
+int nearAxisAngles(const Bend& b, double sweep, int n, double* out, int* replaced) {
     const _s_hd_point_ p = linComb(1.0, kViewAxis, -vecDot(kViewAxis, b.a), b.a);
     const double len = std::sqrt(vecDot(p, p));
     if (!(len > 0.0) || !(std::fabs(vecDot(kViewAxis, b.a)) < kNearAxisSlantSteps * sweep / n))
@@ -740,14 +744,24 @@ int nearAxisAngles(const Bend& b, double sweep, int n, double* out) {
             continue;
         // A chosen ring seen end-on there already is the turn's ring: one put in beside it would
         // make a band too thin to face either way, and the drawn ring no contour edge.
-        const double nearest = std::nearbyint(phi / sweep * n) * sweep / n;
-        if (std::fabs(phi - nearest) > hd::kMinRingStep && !stationAt(b, nearest, nullptr).endOn)
+        const double k = std::nearbyint(phi / sweep * n);
+        const double nearest = k * sweep / n;
+        if (std::fabs(phi - nearest) > hd::kMinRingStep && !stationAt(b, nearest, nullptr).endOn) {
+            // A ring seen end-on there stands in for a chosen ring close beside it (not an end
+            // ring): the chosen ring would leave a band too thin to face either way.
+            const bool stands = stationAt(b, phi, nullptr).endOn && k > 0.0 && k < n &&
+                                std::fabs(phi - nearest) <= kEndOnStandInSteps * sweep / n;
+            replaced[count] = stands ? static_cast<int>(k) : 0;
             out[count++] = phi;
+        }
     }
     if (count == 2 && out[1] < out[0]) {
         const double t = out[0];
         out[0] = out[1];
         out[1] = t;
+        const int r = replaced[0];
+        replaced[0] = replaced[1];
+        replaced[1] = r;
     }
     return count;
 }
@@ -785,7 +799,8 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
         n = getArcDivideNum(c, b.bendRadius + r, 0.0, sweep);
 
     double nearAxis[2];
-    const int nearAxisCount = nearAxisAngles(b, sweep, n, nearAxis);
+    int replaced[2] = {0, 0};
+    const int nearAxisCount = nearAxisAngles(b, sweep, n, nearAxis, replaced);
     HDProfDraft draft;
     ElbowBuilder builder(b, sweep, fullTurn, draft);
     builder.start(sweep / n);
@@ -794,7 +809,8 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
         const double phi = k == n ? sweep : sweep * k / n;
         while (nextNearAxis < nearAxisCount && nearAxis[nextNearAxis] < phi)
             builder.advanceTo(nearAxis[nextNearAxis++], false);
-        builder.advanceTo(phi, k == n);
+        if (k != replaced[0] && k != replaced[1])
+            builder.advanceTo(phi, k == n);
     }
     builder.finish();
     return draft.finish();
