@@ -84,6 +84,19 @@ constexpr double kRimSlackShare = 0.01;
 /// A ring seen end-on where the tangent comes nearest the view axis takes the place of a chosen
 /// ring within this many chosen steps of it: the bands on either side then span a step or more.
 constexpr double kEndOnStandInSteps = 0.25;
+/// A ring within this distance of an end rim all round, seen along Z, and not behind it, lies over
+/// the rim's chords closer than the hide pass tells them apart (it takes a point within 1e-4 of a
+/// face's vertex as in the face), and its faces hide them: no ring goes there.
+constexpr double kRimApart = 1e-3;
+/// ... nor farther than this share of the outline's allowance, so that the rim, standing for the
+/// rings there, keeps to the true outline within that allowance even on a tiny elbow (a band up
+/// to a ring beside that stretch stays within four times the distance).
+constexpr double kRimApartShare = 0.25;
+/// A ring farther from the viewer than the rim by less than this lies level with it for the hide
+/// pass (which takes 3e-4 as level), and its faces hide the rim's chords as nearer ones would.
+constexpr double kRimBehind = 1e-3;
+/// The points round the tube at which a ring's distance from a rim is measured.
+constexpr int kRimApartSamples = 16;
 constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 6;
 
 // The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
@@ -314,6 +327,7 @@ struct PendingRing {
     ViewSplitRing ring;
     int offset = 0;
     TubeRing tube;
+    bool alongRim = false;  // the band up to it lies along an end rim (see advanceTo)
 };
 
 // Builds the elbow ring by ring along the bend: faces and box go to the draft as each ring is
@@ -387,16 +401,47 @@ public:
         while (top > 0 && draft_.ok()) {
             const double right = pending[top - 1];
             const Station st = stationAt(bend_, right, &prev_);
+            // A ring that would lie over an end rim is not put in: the band lies along the rim.
+            bool alongRim = false;
             if ((std::fabs(wrapAngle(st.turn - prev_.turn)) > maxTwist_ || chainStraysFrom(st)) &&
                 right - prev_.phi > hd::kMinRingStep && top < kMaxRingDepth &&
                 added_ < hd::kMaxAddedRings) {
-                pending[top++] = 0.5 * (prev_.phi + right);
-                ++added_;
-                continue;
+                const double mid = 0.5 * (prev_.phi + right);
+                alongRim = onRimInDrawing(mid);
+                if (!alongRim) {
+                    pending[top++] = mid;
+                    ++added_;
+                    continue;
+                }
             }
-            addStation(st, last && top == 1);
+            addStation(st, last && top == 1, alongRim);
             --top;
         }
+    }
+
+    // True when the ring at phi would lie, seen along Z, within kRimApart (or kRimApartShare of
+    // the outline's allowance) of an end rim all round, and nowhere farther from the viewer than
+    // it by kRimBehind. Where the tube is seen nearly along its length beside the rim, such
+    // rings would hide its chords; the rim stands for them, and the chains of a band along it
+    // are not drawn (they lie along the rim within that distance).
+    bool onRimInDrawing(double phi) const {
+        const Station st = stationAt(bend_, phi, nullptr);
+        const double apart = std::fmin(kRimApart, kRimApartShare * chainTol_);
+        for (const RimView* rim : {&startRim_, &farRim_}) {
+            if (!rim->usable)
+                continue;
+            const Station end = stationAt(bend_, rim == &startRim_ ? 0.0 : sweep_, nullptr);
+            bool on = true;
+            for (int k = 0; k < kRimApartSamples && on; ++k) {
+                const double a = core::kFullTurn * k / kRimApartSamples;
+                const _s_hd_point_ p = ringPoint(bend_, st, a);
+                const _s_hd_point_ q = ringPoint(bend_, end, a);
+                on = std::hypot(p.x - q.x, p.y - q.y) <= apart && p.z - q.z < kRimBehind;
+            }
+            if (on)
+                return true;
+        }
+        return false;
     }
 
     // Hands the outline to the draft, then closes the far end.
@@ -509,9 +554,10 @@ private:
         }
     }
 
-    void addStation(const Station& st, bool last) {
+    void addStation(const Station& st, bool last, bool alongRim) {
         PendingRing next;
         next.st = st;
+        next.alongRim = alongRim;
         if (last && fullTurn_) {
             // The ring closes on the first one, which may hold the silhouettes the other way
             // round after a full turn.
@@ -544,7 +590,7 @@ private:
             settlePending(next.tube);
         prev_ = st;
         if (last) {
-            addRing(next.tube, false);
+            addRing(next.tube, false, alongRim);
         } else {
             pending_ = next;
             hasPending_ = true;
@@ -579,15 +625,16 @@ private:
                 extras.snapped[side] = underRim(p, side, bandTube_.chain(side), next.chain(side));
         }
         const bool remake = extras.count > 0 || extras.snapped[0] || extras.snapped[1];
-        addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn);
+        addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn,
+                p.alongRim);
     }
 
-    // Adds the band from the last ring added to tube, the chains along it and, for a ring seen
-    // end-on (drawn whole), the ring itself.
-    void addRing(const TubeRing& tube, bool drawnWhole) {
+    // Adds the band from the last ring added to tube, the chains along it (none for a band along
+    // an end rim) and, for a ring seen end-on (drawn whole), the ring itself.
+    void addRing(const TubeRing& tube, bool drawnWhole, bool alongRim) {
         extendBox(tube);
         addBand(bandTube_, tube);
-        for (int side = 0; side < 2; ++side) {
+        for (int side = 0; side < 2 && !alongRim; ++side) {
             if (bandTube_.onSilhouette[side] && tube.onSilhouette[side])
                 addOutline(bandTube_.chain(side), tube.chain(side));
         }
@@ -807,8 +854,11 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
     int nextNearAxis = 0;
     for (int k = 1; k <= n && draft.ok(); ++k) {
         const double phi = k == n ? sweep : sweep * k / n;
-        while (nextNearAxis < nearAxisCount && nearAxis[nextNearAxis] < phi)
-            builder.advanceTo(nearAxis[nextNearAxis++], false);
+        // Beside an end rim, within kRimApart of it, the rim stands for that ring.
+        for (; nextNearAxis < nearAxisCount && nearAxis[nextNearAxis] < phi; ++nextNearAxis) {
+            if (!builder.onRimInDrawing(nearAxis[nextNearAxis]))
+                builder.advanceTo(nearAxis[nextNearAxis], false);
+        }
         if (k != replaced[0] && k != replaced[1])
             builder.advanceTo(phi, k == n);
     }
