@@ -27,7 +27,9 @@
 // nearly over it, and their silhouette points, on the circle between its vertices, would carry
 // faces over its chords: a ring drawn whole takes the points where its neighbours' chains lie
 // outside its chords, and beside an end rim a chain whose point lies under the rim runs through
-// the nearest pattern vertex instead (so each ring's faces wait for the next ring).
+// the nearest pattern vertex instead (so each ring's faces wait for the next ring). A ring that
+// would lie over an end rim in the drawing closer than the hide pass tells its faces from the
+// rim's chords (which they would hide) is left out: the rim stands for it.
 #include <cmath>
 #include <initializer_list>
 
