@@ -195,11 +195,15 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// bend at equal angles (n = 0: getArcDivideNum on the outer radius |s - c| + r for the sweep, 8
 /// to 12 chords), with further rings where the tangent comes nearest the view axis (when it
 /// comes within a chosen ring step of it: the silhouette turns half round the tube about there,
-/// and the tube is seen end-on where it reaches the axis), wherever its silhouette turns round
-/// the tube by more than a quarter of a ring chord between two rings, and wherever the
-/// silhouette drawn between two rings would stray from the one half way between by more than
-/// the larger of the ring chords' and the outer equator's sagittas (the equator's over a step of
-/// at most an eighth of a turn, so that a coarse n still gets the rings a tube needs). Every ring
+/// and the tube is seen end-on where it reaches the axis; none beside a chosen ring seen end-on,
+/// and one seen end-on takes the place of a chosen ring within a quarter step of it), wherever its
+/// silhouette turns round the tube by more than a quarter of a ring chord between two rings, and
+/// wherever the silhouette drawn between two rings would stray from the one half way between by
+/// more than the larger of the ring chords' and the outer equator's sagittas (the equator's over a
+/// step of at most an eighth of a turn, so that a coarse n still gets the rings a tube needs); but
+/// no ring goes where it would lie, seen along Z, within 1e-3 (or a quarter of that allowance, if
+/// less) of an end rim all round and not 1e-3 or more behind it: there the hide pass cannot tell
+/// its faces from the rim's chords, which they would hide, and the rim stands for it. Every ring
 /// holds one pattern of m = 8, 10 or 12 vertices at equal angles round the tube (the disc's rule on
 /// r), measured from the ring's radial direction: the end rings start at the silhouette point
 /// centre + r * unit(Z x tangent), as a disc of their circle does (a ring seen end-on starts on the
@@ -221,27 +225,30 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// between consecutive rings (ring by ring, each band from the first silhouette chain round to the
 /// second, then on round to the first), the far end; tag 0. Lines: the start ring's m chords,
 /// then ring by ring the tube's two silhouettes (the chains of the rings' silhouette points,
-/// edges of the faces on the true outline, but for the stretches along a rim above) and the whole
-/// of any ring seen end-on (its chords through its silhouette points and the points above), then
-/// the far ring's m chords; no end rings for a full ring. The silhouettes are drawn rather than the
-/// faces' own outline, which on the side towards the bend centre can run inside the true one; since
-/// the rings' vertices do not turn with the silhouette and no face reaches across a chain, no face
-/// leans over the drawn outline, and the visible drawing keeps to the true outline within the
-/// sagitta. A ring whose tangent leans less than about 4.5e-5 from Z is taken as seen end-on and
-/// drawn whole; the true outline there leaves it by at most sqrt(2 r R) times the root of that lean
+/// edges of the faces on the true outline, but for the stretches along a rim above and the bands
+/// beside a rim that stands for the rings left out) and the whole of any ring seen end-on (its
+/// chords through its silhouette points and the points above), then the far ring's m chords; no end
+/// rings for a full ring. The silhouettes are drawn rather than the faces' own outline, which on
+/// the side towards the bend centre can run inside the true one; since the rings' vertices do not
+/// turn with the silhouette and no face reaches across a chain, no face leans over the drawn
+/// outline, and the visible drawing keeps to the true outline within the sagitta. A ring whose
+/// tangent leans less than about 4.5e-5 from Z is taken as seen end-on and drawn whole; the true
+/// outline there leaves it by at most sqrt(2 r R) times the root of that lean
 /// (R the bend radius), a hundredth of sqrt(r R). Where the tube is seen nearly along its length,
 /// at an end or about a ring drawn whole, the rings there nearly coincide in the drawing; the
-/// points above keep the faces of the rings beside the drawn one off its chords. One shortcoming is
-/// left: seen within a hair of its length at an end, the rings beside the rim can lie over its
-/// chords closer than the hide pass tells lines from faces, and where the tube beyond is nearer the
-/// viewer their faces hide the rim; and past a cusp of the outline of a fat elbow, a ring whose
-/// silhouette point lies outside the rim's circle still carries faces over a rim chord. In a
-/// few of such views, mostly of fat elbows, a gap of up to about three and a half sagittas
-/// remains.
-/// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
-/// null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c off
-/// the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or
-/// above 100000, or if an allocation fails.
+/// points above keep the faces of the rings beside the drawn one off its chords. Two shortcomings
+/// are left. Seen within about 1e-3 of its length at an end, the rings just beyond the stretch the
+/// rim stands for can still stand over a rim chord by less than the allowance where the tube
+/// beyond is nearer the viewer, and past a cusp of the outline of a fat elbow a ring whose
+/// silhouette point lies outside the rim's circle still carries faces over a rim chord: their
+/// chords, not drawn, are then the visible edge, and in such views (mostly at the far end or of
+/// fat elbows) a gap of up to about four and a half sagittas remains. And where rings are put in
+/// close beside a ring drawn whole (taken as seen end-on though its tangent leans a little from
+/// Z, beside an end rim or on a full ring), the faces beside some of its chords can face the same
+/// way, and those chords are drawn though they are no contour edge. Returns a new object owned by
+/// the caller; release it with freeHDProfObjectPointer. Returns null on non-finite input, when r or
+/// |s - c| is below 0.01, for a null axis, for s - c off the plane normal to the axis, for an angle
+/// not above 0 or above 2 pi, for n below 0 or above 100000, or if an allocation fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ s,
                                          _s_hd_point_ axis, int n);
 

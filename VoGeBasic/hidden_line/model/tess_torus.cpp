@@ -27,7 +27,9 @@
 // nearly over it, and their silhouette points, on the circle between its vertices, would carry
 // faces over its chords: a ring drawn whole takes the points where its neighbours' chains lie
 // outside its chords, and beside an end rim a chain whose point lies under the rim runs through
-// the nearest pattern vertex instead (so each ring's faces wait for the next ring).
+// the nearest pattern vertex instead (so each ring's faces wait for the next ring). A ring that
+// would lie over an end rim in the drawing closer than the hide pass tells its faces from the
+// rim's chords (which they would hide) is left out: the rim stands for it.
 #include <cmath>
 #include <initializer_list>
 
@@ -81,6 +83,22 @@ constexpr double kRimSlackRel = 1e-9;
 /// Where that slack (with the coordinates' rounding) exceeds this share of the outline's
 /// allowance, which side of a chord a point lies on is rounding: rings stay as made.
 constexpr double kRimSlackShare = 0.01;
+/// A ring seen end-on where the tangent comes nearest the view axis takes the place of a chosen
+/// ring within this many chosen steps of it: the bands on either side then span a step or more.
+constexpr double kEndOnStandInSteps = 0.25;
+/// A ring within this distance of an end rim all round, seen along Z, and not behind it, lies over
+/// the rim's chords closer than the hide pass tells them apart (it takes a point within 1e-4 of a
+/// face's vertex as in the face), and its faces hide them: no ring goes there.
+constexpr double kRimApart = 1e-3;
+/// ... nor farther than this share of the outline's allowance, so that the rim, standing for the
+/// rings there, keeps to the true outline within that allowance even on a tiny elbow (a band up
+/// to a ring beside that stretch stays within four times the distance).
+constexpr double kRimApartShare = 0.25;
+/// A ring farther from the viewer than the rim by less than this lies level with it for the hide
+/// pass (which takes 3e-4 as level), and its faces hide the rim's chords as nearer ones would.
+constexpr double kRimBehind = 1e-3;
+/// The points round the tube at which a ring's distance from a rim is measured.
+constexpr int kRimApartSamples = 16;
 constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 6;
 
 // The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
@@ -311,6 +329,7 @@ struct PendingRing {
     ViewSplitRing ring;
     int offset = 0;
     TubeRing tube;
+    bool alongRim = false;  // the band up to it lies along an end rim (see advanceTo)
 };
 
 // Builds the elbow ring by ring along the bend: faces and box go to the draft as each ring is
@@ -385,16 +404,47 @@ public:
         while (top > 0 && draft_.ok()) {
             const double right = pending[top - 1];
             const Station st = stationAt(bend_, right, &prev_);
+            // A ring that would lie over an end rim is not put in: the band lies along the rim.
+            bool alongRim = false;
             if ((std::fabs(wrapAngle(st.turn - prev_.turn)) > maxTwist_ || chainStraysFrom(st)) &&
                 right - prev_.phi > hd::kMinRingStep && top < kMaxRingDepth &&
                 added_ < hd::kMaxAddedRings) {
-                pending[top++] = 0.5 * (prev_.phi + right);
-                ++added_;
-                continue;
+                const double mid = 0.5 * (prev_.phi + right);
+                alongRim = onRimInDrawing(mid);
+                if (!alongRim) {
+                    pending[top++] = mid;
+                    ++added_;
+                    continue;
+                }
             }
-            addStation(st, last && top == 1);
+            addStation(st, last && top == 1, alongRim);
             --top;
         }
+    }
+
+    // True when the ring at phi would lie, seen along Z, within kRimApart (or kRimApartShare of
+    // the outline's allowance) of an end rim all round, and nowhere farther from the viewer than
+    // it by kRimBehind. Where the tube is seen nearly along its length beside the rim, such
+    // rings would hide its chords; the rim stands for them, and the chains of a band along it
+    // are not drawn (they lie along the rim within that distance).
+    bool onRimInDrawing(double phi) const {
+        const Station st = stationAt(bend_, phi, nullptr);
+        const double apart = std::fmin(kRimApart, kRimApartShare * chainTol_);
+        for (const RimView* rim : {&startRim_, &farRim_}) {
+            if (!rim->usable)
+                continue;
+            const Station end = stationAt(bend_, rim == &startRim_ ? 0.0 : sweep_, nullptr);
+            bool on = true;
+            for (int k = 0; k < kRimApartSamples && on; ++k) {
+                const double a = core::kFullTurn * k / kRimApartSamples;
+                const _s_hd_point_ p = ringPoint(bend_, st, a);
+                const _s_hd_point_ q = ringPoint(bend_, end, a);
+                on = std::hypot(p.x - q.x, p.y - q.y) <= apart && p.z - q.z < kRimBehind;
+            }
+            if (on)
+                return true;
+        }
+        return false;
     }
 
     // Hands the outline to the draft, then closes the far end.
@@ -511,9 +561,10 @@ private:
         }
     }
 
-    void addStation(const Station& st, bool last) {
+    void addStation(const Station& st, bool last, bool alongRim) {
         PendingRing next;
         next.st = st;
+        next.alongRim = alongRim;
         if (last && fullTurn_) {
             // The ring closes on the first one, which may hold the silhouettes the other way
             // round after a full turn.
@@ -546,7 +597,7 @@ private:
             settlePending(next.tube);
         prev_ = st;
         if (last) {
-            addRing(next.tube, false);
+            addRing(next.tube, false, alongRim);
         } else {
             pending_ = next;
             hasPending_ = true;
@@ -581,15 +632,16 @@ private:
                 extras.snapped[side] = underRim(p, side, bandTube_.chain(side), next.chain(side));
         }
         const bool remake = extras.count > 0 || extras.snapped[0] || extras.snapped[1];
-        addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn);
+        addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn,
+                p.alongRim);
     }
 
-    // Adds the band from the last ring added to tube, the chains along it and, for a ring seen
-    // end-on (drawn whole), the ring itself.
-    void addRing(const TubeRing& tube, bool drawnWhole) {
+    // Adds the band from the last ring added to tube, the chains along it (none for a band along
+    // an end rim) and, for a ring seen end-on (drawn whole), the ring itself.
+    void addRing(const TubeRing& tube, bool drawnWhole, bool alongRim) {
         extendBox(tube);
         addBand(bandTube_, tube);
-        for (int side = 0; side < 2; ++side) {
+        for (int side = 0; side < 2 && !alongRim; ++side) {
             if (bandTube_.onSilhouette[side] && tube.onSilhouette[side])
                 addOutline(bandTube_.chain(side), tube.chain(side));
         }
@@ -723,14 +775,15 @@ private:
 
 // The angles in (0, sweep) at which the tangent comes nearest the view axis, when it comes near
 // enough that rings a chosen step apart could miss the silhouette's turn there, and which no
-// chosen ring already holds (at most two: the tangent comes nearest +Z at one and -Z at the
-// other), ascending. The tangent there leans from Z by the slant s = |axis . Z|, and within
-// about s of that angle along the bend the silhouette turns half round the tube (the ring is
-// outline all round, and drawn whole, where s is nil). Seen from two rings on either side, a
-// turn by half a turn less the part outside them looks like a small turn back, so the rings
+// chosen ring already holds or stands for, seen end-on (at most two: the tangent comes nearest
+// +Z at one and -Z at the other), ascending. The tangent there leans from Z by the slant s = |axis
+// . Z|, and within about s of that angle along the bend the silhouette turns half round the tube
+// (the ring is outline all round, and drawn whole, where s is nil). Seen from two rings on either
+// side, a turn by half a turn less the part outside them looks like a small turn back, so the rings
 // would join each silhouette to the wrong one; a ring at the nearest angle itself leaves each
-// side of it a turn below a quarter, which the rings put in between follow.
-int nearAxisAngles(const Bend& b, double sweep, int n, double* out) {
+// side of it a turn below a quarter, which the rings put in between follow. replaced[i] is the
+// chosen ring (1 to n - 1) that the ring at out[i] stands in for, 0 for none.
+int nearAxisAngles(const Bend& b, double sweep, int n, double* out, int* replaced) {
     const _s_hd_point_ p = linComb(1.0, kViewAxis, -vecDot(kViewAxis, b.a), b.a);
     const double len = std::sqrt(vecDot(p, p));
     if (!(len > 0.0) || !(std::fabs(vecDot(kViewAxis, b.a)) < kNearAxisSlantSteps * sweep / n))
@@ -743,14 +796,26 @@ int nearAxisAngles(const Bend& b, double sweep, int n, double* out) {
         phi = phi - core::kFullTurn * std::floor(phi / core::kFullTurn);
         if (!(phi > hd::kMinRingStep && phi < sweep - hd::kMinRingStep))
             continue;
-        const double nearest = std::nearbyint(phi / sweep * n) * sweep / n;
-        if (std::fabs(phi - nearest) > hd::kMinRingStep)
+        // A chosen ring seen end-on there already is the turn's ring: one put in beside it would
+        // make a band too thin to face either way, and the drawn ring no contour edge.
+        const double k = std::nearbyint(phi / sweep * n);
+        const double nearest = k * sweep / n;
+        if (std::fabs(phi - nearest) > hd::kMinRingStep && !stationAt(b, nearest, nullptr).endOn) {
+            // A ring seen end-on there stands in for a chosen ring close beside it (not an end
+            // ring): the chosen ring would leave a band too thin to face either way.
+            const bool stands = stationAt(b, phi, nullptr).endOn && k > 0.0 && k < n &&
+                                std::fabs(phi - nearest) <= kEndOnStandInSteps * sweep / n;
+            replaced[count] = stands ? static_cast<int>(k) : 0;
             out[count++] = phi;
+        }
     }
     if (count == 2 && out[1] < out[0]) {
         const double t = out[0];
         out[0] = out[1];
         out[1] = t;
+        const int r = replaced[0];
+        replaced[0] = replaced[1];
+        replaced[1] = r;
     }
     return count;
 }
@@ -788,16 +853,21 @@ _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ 
         n = getArcDivideNum(c, b.bendRadius + r, 0.0, sweep);
 
     double nearAxis[2];
-    const int nearAxisCount = nearAxisAngles(b, sweep, n, nearAxis);
+    int replaced[2] = {0, 0};
+    const int nearAxisCount = nearAxisAngles(b, sweep, n, nearAxis, replaced);
     HDProfDraft draft;
     ElbowBuilder builder(b, sweep, fullTurn, draft);
     builder.start(sweep / n);
     int nextNearAxis = 0;
     for (int k = 1; k <= n && draft.ok(); ++k) {
         const double phi = k == n ? sweep : sweep * k / n;
-        while (nextNearAxis < nearAxisCount && nearAxis[nextNearAxis] < phi)
-            builder.advanceTo(nearAxis[nextNearAxis++], false);
-        builder.advanceTo(phi, k == n);
+        // Beside an end rim, within kRimApart of it, the rim stands for that ring.
+        for (; nextNearAxis < nearAxisCount && nearAxis[nextNearAxis] < phi; ++nextNearAxis) {
+            if (!builder.onRimInDrawing(nearAxis[nextNearAxis]))
+                builder.advanceTo(nearAxis[nextNearAxis], false);
+        }
+        if (k != replaced[0] && k != replaced[1])
+            builder.advanceTo(phi, k == n);
     }
     builder.finish();
     return draft.finish();

@@ -114,6 +114,13 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
          kPi / 2,
          {1.9778475535017748, 0.85714420913082279, 3.2928931833757957},
          {0.76466260928371244, 0.6429066870489224, -0.044295436685999875}},
+        // Fat, seen within 3e-4 of its length at the start: the rings put in where the silhouette
+        // turns would lie over the start rim in the drawing and hide its chords.
+        {"fat, a hair off the tube at the start",
+         1.0960337519645691,
+         3.0006251811981199,
+         {0.43256980872335371, 0.86635713711516793, 3.0001155070006029},
+         {-0.89423498064543383, 0.44759771859536635, 0.00028582911675652614}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, vecNormalize(v.a), 0};
