@@ -170,8 +170,11 @@ private:
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement
 /// on the line, pieces in order from p to q, each with owner -1; null when nothing is visible.
 /// With no hidden piece the whole line is visible. Every pair of pieces is tried again from the
-/// head after each merge. Returns false, having released the pieces and set visible to null, if
-/// an allocation fails.
+/// head after each merge. The complement runs from p to each piece's nearer end and on from its
+/// farther end, over pieces sorted by their starts' distance from p; where two pieces still
+/// overlap after the merge (on a line a few hundredths long, the on-segment test's tolerances
+/// can leave them apart), no gap runs backwards over them. Returns false, having released the
+/// pieces and set visible to null, if an allocation fails.
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
                        _s_hd_proline_*& visible);
 /// The same for pieces held in working room (left merged and sorted): the same merges in the

@@ -323,6 +323,57 @@ bool hideLineByProf(_s_hd_point_ a, _s_hd_point_ b, const _s_hd_prosect_* faces,
     return true;
 }
 
+namespace {
+
+// The complement of the sorted hidden pieces on the line from p, walked piece by piece. A gap
+// runs from the cursor (where the hidden stretch reached so far ends) to a piece's nearer end
+// when that lies beyond the cursor, farther from p, and the cursor moves on to the piece's
+// farther end when that lies beyond it. Merged pieces that overlap or touch become one, so in a
+// drawing the pieces are apart and each starts at its nearer end: then this is the plain walk
+// from each hidden end to the next hidden start. But the merge tells overlapping pieces by the
+// on-segment test, whose end distance and angle leave two pieces of a line a few hundredths
+// long that overlap by less than that unmerged; a gap from the one's end back to the other's
+// start would be a visible piece running backwards over hidden ones.
+class GapWalk {
+public:
+    explicit GapWalk(_s_hd_point_ p) : p_(p), cursor_(p), reached_(0.0) {}
+    /// The gap before the hidden piece a - b, if any (true, in gap); then the cursor moves on.
+    bool gapBefore(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_* gap) {
+        const double da = pointDist2(a, p_);
+        const double db = pointDist2(b, p_);
+        const bool aNear = !(db < da);
+        const _s_hd_point_ nearEnd = aNear ? a : b;
+        const _s_hd_point_ farEnd = aNear ? b : a;
+        // Where a distance is NaN every comparison fails and the walk is the plain one.
+        const bool open = !((aNear ? da : db) <= reached_) && !isSamePointFine(cursor_, nearEnd);
+        if (open) {
+            gap[0] = cursor_;
+            gap[1] = nearEnd;
+        }
+        const double far = aNear ? db : da;
+        if (!(far <= reached_)) {
+            reached_ = far;
+            cursor_ = farEnd;
+        }
+        return open;
+    }
+    /// The last gap, up to q, if any.
+    bool gapTo(_s_hd_point_ q, _s_hd_point_* gap) const {
+        if (pointDist2(q, p_) <= reached_ || isSamePointFine(cursor_, q))
+            return false;
+        gap[0] = cursor_;
+        gap[1] = q;
+        return true;
+    }
+
+private:
+    _s_hd_point_ p_;
+    _s_hd_point_ cursor_;
+    double reached_;  ///< the cursor's squared distance from p
+};
+
+}  // namespace
+
 bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
                        _s_hd_proline_*& visible) {
     visible = nullptr;
@@ -344,25 +395,23 @@ bool getVisibleProline(_s_hd_proline_* hidden, _s_hd_point_ p, _s_hd_point_ q,
         last = write;
         write = write->next;
     };
-    _s_hd_point_ cursor = p;
+    GapWalk walk(p);
+    _s_hd_point_ gap[2];
     for (const _s_hd_proline_* h = hidden; h != nullptr; h = h->next) {
-        const _s_hd_point_ s = h->start;
-        const _s_hd_point_ e = h->end;
-        if (!isSamePointFine(cursor, s))
-            emit(cursor, s);
-        cursor = e;
+        if (walk.gapBefore(h->start, h->end, gap))
+            emit(gap[0], gap[1]);
     }
-    if (!isSamePointFine(cursor, q)) {
+    if (walk.gapTo(q, gap)) {
         if (write == nullptr) {
             // Every piece was used: the gap up to q needs one node more.
-            if (appendProline(cursor, q, last) == nullptr) {
+            if (appendProline(gap[0], gap[1], last) == nullptr) {
                 releaseProline(hidden);
                 return false;
             }
             last = last->next;
             write = nullptr;
         } else {
-            emit(cursor, q);
+            emit(gap[0], gap[1]);
         }
     }
     _s_hd_proline_* unused = last != nullptr ? last->next : hidden;
@@ -404,14 +453,14 @@ bool getVisibleProline(MergeScratch& hidden, _s_hd_point_ p, _s_hd_point_ q,
     // The gaps between the pieces, as getVisibleProline on a list leaves them.
     ProlineChain gaps;
     bool ok = true;
-    _s_hd_point_ cursor = p;
+    GapWalk walk(p);
+    _s_hd_point_ gap[2];
     for (size_t k = 0; k < n && ok; ++k) {
-        if (!isSamePointFine(cursor, pieces[k].start))
-            ok = gaps.append(cursor, pieces[k].start);
-        cursor = pieces[k].end;
+        if (walk.gapBefore(pieces[k].start, pieces[k].end, gap))
+            ok = gaps.append(gap[0], gap[1]);
     }
-    if (ok && !isSamePointFine(cursor, q))
-        ok = gaps.append(cursor, q);
+    if (ok && walk.gapTo(q, gap))
+        ok = gaps.append(gap[0], gap[1]);
     if (!ok) {
         releaseProline(gaps.head);
         return false;
