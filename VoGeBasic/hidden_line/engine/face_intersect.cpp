@@ -458,9 +458,9 @@ SlabIndex slabIndex(const Extents* ext, int count, const Extents& all) {
 // may overlap the extents e: those whose runs of slabs meet e's on both axes (starting by the
 // slab of e's upper extent and ending from that of its lower one) and, when given, are marked in
 // the mask live (index.live()); every one without an index. next() gives each in turn, then -1.
-class NearFaces {
+class SlabVisit {
 public:
-    NearFaces(const SlabIndex& index, const Extents& e, int from, int count,
+    SlabVisit(const SlabIndex& index, const Extents& e, int from, int count,
               const uint64_t* live = nullptr)
         : live_(live), at_(from), count_(count) {
         if (index.bits == nullptr)
@@ -941,7 +941,7 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
                 ok = found.append(a, b);
         }
         // f itself and the faces after it (those that may overlap it: the others lie apart).
-        NearFaces near(slabs, fe, fi, n);
+        SlabVisit near(slabs, fe, fi, n);
         for (int gi = near.next(); gi >= 0 && ok; gi = near.next()) {
             const PreparedFace& g = own.faces[gi];
             const PairSides sides = openPair(f, fe, g, own.ext[gi]);
@@ -1043,7 +1043,7 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
         const Extents fe = {f.face.xmax, f.face.xmin, f.face.ymax,
                             f.face.ymin, f.face.zmax, f.face.zmin};
         // With the index, the faces passed over are left out of its live mask.
-        NearFaces near(slabs, fe, 0, own.count, passOver != nullptr ? slabs.live() : nullptr);
+        SlabVisit near(slabs, fe, 0, own.count, passOver != nullptr ? slabs.live() : nullptr);
         for (int g = near.next(); g >= 0 && ok; g = near.next()) {
             if (slabs.bits == nullptr && passOver != nullptr && passOver[g] != 0)
                 continue;

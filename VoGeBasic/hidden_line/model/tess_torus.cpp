@@ -355,9 +355,9 @@ public:
         // The pattern turns along the bend from the start's silhouette to the far end's (only
         // its angle modulo a chord matters): at most half a chord over the whole bend.
         patternStart_ = first_.turn;
+        far_ = stationAt(bend_, sweep_, nullptr);
         if (!fullTurn_)
-            patternTwist_ =
-                std::remainder(stationAt(bend_, sweep_, nullptr).turn - first_.turn, chord_);
+            patternTwist_ = std::remainder(far_.turn - first_.turn, chord_);
         firstTube_ = tubeRing(bend_, first_, prevRing_, 0);
         maxTwist_ = hd::kMaxRingTwist * chord_;
         // The larger of the sagittas of a ring chord and of a step of the outer equator: what
@@ -384,11 +384,10 @@ public:
         }
         if (!fullTurn_) {
             startRim_ = rimView(first_, prevRing_.pts, prevRing_.count);
-            const Station far = stationAt(bend_, sweep_, nullptr);
             ViewSplitRing farRing;
-            if (!makeRing(far, linComb(1.0, far.centre, r, far.split), farRing))
+            if (!makeRing(far_, linComb(1.0, far_.centre, r, far_.split), farRing))
                 return;
-            farRim_ = rimView(far, farRing.pts, farRing.count);
+            farRim_ = rimView(far_, farRing.pts, farRing.count);
         }
         rimSlack_ = std::fmax(kRimSlackRel * r, kChainRoundingRel * reach);
         prev_ = first_;
@@ -433,7 +432,7 @@ public:
         for (const RimView* rim : {&startRim_, &farRim_}) {
             if (!rim->usable)
                 continue;
-            const Station end = stationAt(bend_, rim == &startRim_ ? 0.0 : sweep_, nullptr);
+            const Station& end = rim == &startRim_ ? first_ : far_;
             bool on = true;
             for (int k = 0; k < kRimApartSamples && on; ++k) {
                 const double a = core::kFullTurn * k / kRimApartSamples;
@@ -761,6 +760,7 @@ private:
     double chainTol_ = 0.0;
     int added_ = 0;
     Station first_{};
+    Station far_{};  ///< the station at the far end (sweep_)
     Station prev_{};
     TubeRing firstTube_;
     TubeRing bandTube_;  // the last ring whose band is added
