@@ -251,8 +251,9 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
     EXPECT_LE(off, s.surfaceTol * size) << "a vertex lies off the surface";
     using Key = std::array<double, 6>;
     auto key = [](P a, P b) { return Key{a.x, a.y, a.z, b.x, b.y, b.z}; };
-    std::map<Key, int> directed;
-    std::map<Key, std::vector<int>> facing;  // the facing of each face along an undirected edge
+    // Along each undirected edge, each face's direction on it and its facing: +1 towards the
+    // viewer (normal towards -Z), -1 away, 0 edge-on.
+    std::map<Key, std::vector<std::pair<bool, int>>> facing;
     double volume6 = 0.0;
     const P o{box[1], box[3], box[5]};
     for (const auto& f : faces) {
@@ -268,25 +269,21 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
             EXPECT_LE(std::fabs(vecDot(vecSub(f[3], f[0]), n3)) / norm(n3), 1e-9 * size)
                 << "not planar";
         }
-        // +1 facing the viewer (normal towards -Z), -1 away, 0 edge-on.
         const int side = !(norm(n) > 0) || std::fabs(n.z) <= 1e-9 * norm(n) ? 0 : n.z < 0 ? 1 : -1;
         for (std::size_t i = 0; i < f.size(); ++i) {
             const P a = f[i], b = f[(i + 1) % f.size()];
-            ++directed[key(a, b)];
-            facing[std::min(key(a, b), key(b, a))].push_back(side);
+            facing[std::min(key(a, b), key(b, a))].push_back({key(a, b) < key(b, a), side});
         }
     }
     int unpaired = 0;
-    for (const auto& [k, count] : directed) {
-        const auto back = directed.find(Key{k[3], k[4], k[5], k[0], k[1], k[2]});
-        unpaired += count != 1 || back == directed.end() || back->second != 1;
-    }
+    for (const auto& [k, along] : facing)
+        unpaired += along.size() != 2 || along[0].first == along[1].first;
     EXPECT_EQ(unpaired, 0) << "edges not shared by exactly two faces";
     EXPECT_GT(volume6, 0.0) << "the faces are not wound outward";
     if (!s.drawing)
         return;
-    auto contour = [](const std::vector<int>& sides) {
-        return sides.size() == 2 && sides[0] * sides[1] < 0;
+    auto contour = [](const std::vector<std::pair<bool, int>>& along) {
+        return along.size() == 2 && along[0].second * along[1].second < 0;
     };
     std::map<Key, int> drawn;
     double sagitta = 0.0;
