@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
 #include <vector>
 
 #include "hd_engine.h"
@@ -15,36 +14,26 @@ using namespace enginetest;
 
 // A convex face about c in the plane of e1 and e2, a triangle or a quadrilateral: its corners at
 // radius r + spread u and a step's angle jittered by 0.3 u, each u uniform in [-1, 1].
-std::vector<P> polygon(std::mt19937& rng, P c, P e1, P e2, double r, double spread, bool tri) {
-    std::uniform_real_distribution<double> u(-1.0, 1.0);
+std::vector<P> polygon(vgtest::Lcg& u, P c, P e1, P e2, double r, double spread, bool tri) {
     std::vector<P> pts;
     for (int k = 0; k < (tri ? 3 : 4); ++k) {
-        const double a = (k + 0.3 * u(rng)) * (tri ? 2.0944 : 1.5708), rk = r + spread * u(rng);
+        const double a = (k + 0.3 * u(-1, 1)) * (tri ? 2.0944 : 1.5708), rk = r + spread * u(-1, 1);
         pts.push_back(linComb(1.0, linComb(1.0, c, rk * std::cos(a), e1), rk * std::sin(a), e2));
     }
     return pts;
 }
 
-using Prepared = std::vector<std::pair<HDFace, FacePrep>>;
-
-// The faces read and prepared.
-Prepared prepareAll(const std::vector<std::vector<P>>& faces) {
-    Prepared out;
-    for (const auto& fv : faces) {
-        out.push_back({faceOf(fv), {}});
-        prepareFaceTests(out.back().first, out.back().second);
-    }
-    return out;
-}
-
 // Appends to out, pair by pair in order (each face of from with each of to), the segments of the
-// pairs whose extents overlap and that getFaceInterLine cuts.
-void pairCuts(const Prepared& from, const Prepared& to, std::vector<Seg>& out) {
-    for (const auto& [f, fp] : from) {
-        for (const auto& [g, gp] : to) {
+// pairs whose extents overlap and that the plain getFaceInterLine cuts.
+void pairCuts(const std::vector<std::vector<P>>& from, const std::vector<std::vector<P>>& to,
+              std::vector<Seg>& out) {
+    for (const auto& fv : from) {
+        const HDFace f = faceOf(fv);
+        for (const auto& gv : to) {
+            const HDFace g = faceOf(gv);
             P a{}, b{};
             if (f.xmax > g.xmin && f.xmin < g.xmax && f.ymax > g.ymin && f.ymin < g.ymax &&
-                f.zmax > g.zmin && f.zmin < g.zmax && getFaceInterLine(f, fp, g, gp, a, b))
+                f.zmax > g.zmin && f.zmin < g.zmax && getFaceInterLine(f, g, a, b))
                 out.emplace_back(a, b);
         }
     }
@@ -102,9 +91,8 @@ TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
     // by that much) across the first's plane or along the line where the planes meet. The
     // prepared test, with its shortcuts for faces lying apart, finds the same segment to the
     // bit as the plain one, or none where it finds none.
-    std::mt19937 rng(7);
-    std::uniform_real_distribution<double> u(-1.0, 1.0);
-    auto unit = [&] { return vecNormalize({u(rng), u(rng), u(rng)}); };
+    vgtest::Lcg rng(7);
+    auto unit = [&] { return vecNormalize({rng(-1, 1), rng(-1, 1), rng(-1, 1)}); };
     // Moves pts along axis so that their least extent along it lies gap beyond the others'
     // greatest.
     auto setGap = [](std::vector<P>& pts, const std::vector<P>& others, P axis, double gap) {
@@ -118,17 +106,18 @@ TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
     };
     int cut = 0;
     for (int trial = 0; trial < 4000; ++trial) {
-        const double r = std::pow(10.0, 2.0 * u(rng) + 1.0);
+        const double r = std::pow(10.0, 2.0 * rng(-1, 1) + 1.0);
         const P n = unit();
         const P e1 = vecNormalize(vecCross(n, unit()));
         const P e2 = vecCross(n, e1);
-        const P o = {1000 * u(rng), 1000 * u(rng), 1000 * u(rng)};
+        const P o = {1000 * rng(-1, 1), 1000 * rng(-1, 1), 1000 * rng(-1, 1)};
         const std::vector<P> gv = polygon(rng, o, e1, e2, r, 0.0, trial % 2 == 0);
-        const double turn = (trial % 3 == 0 ? 0.01 : 1.5) * u(rng);
+        const double turn = (trial % 3 == 0 ? 0.01 : 1.5) * rng(-1, 1);
         const P t2 = linComb(std::cos(turn), e2, std::sin(turn), n);
-        const P c = linComb(1.0, o, r * u(rng), e1);
-        std::vector<P> fv = polygon(rng, c, e1, t2, r * (1.0 + 0.9 * u(rng)), 0.0, trial % 4 < 2);
-        const double gap = std::copysign(std::pow(10.0, 3.5 * u(rng) - 3.5), u(rng));
+        const P c = linComb(1.0, o, r * rng(-1, 1), e1);
+        std::vector<P> fv =
+            polygon(rng, c, e1, t2, r * (1.0 + 0.9 * rng(-1, 1)), 0.0, trial % 4 < 2);
+        const double gap = std::copysign(std::pow(10.0, 3.5 * rng(-1, 1) - 3.5), rng(-1, 1));
         setGap(fv, gv, trial % 5 < 2 ? vecNormalize(vecCross(n, vecCross(e1, t2))) : n, gap);
         const HDFace f = faceOf(fv), g = faceOf(gv);
         FacePrep fp, gp;
@@ -152,14 +141,13 @@ TEST(KestFaceIntersect, FacesCutAsEachPairDoes) {
     // object's own faces meet pair by pair, in face order, as getFaceInterLine finds them; a face
     // whose plane leaves the other object's faces well to one side is not met with them one by
     // one, and the second object's lines are still those of every pair, in order.
-    std::mt19937 rng(13);
-    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    vgtest::Lcg rng(13);
     auto faceSet = [&](P centre, double spread, double r, int count) {
         std::vector<std::vector<P>> faces;
         for (int k = 0; k < count; ++k) {
-            const P c = linComb(1.0, centre, spread, {u(rng), u(rng), u(rng)});
-            const P e = {u(rng), u(rng), u(rng)};
-            const P n = vecNormalize(vecCross(e, {u(rng), u(rng), u(rng)}));
+            const P c = linComb(1.0, centre, spread, {rng(-1, 1), rng(-1, 1), rng(-1, 1)});
+            const P e = {rng(-1, 1), rng(-1, 1), rng(-1, 1)};
+            const P n = vecNormalize(vecCross(e, {rng(-1, 1), rng(-1, 1), rng(-1, 1)}));
             const P e1 = vecNormalize(e);
             faces.push_back(polygon(rng, c, e1, vecCross(n, e1), r, 0.3 * r, k % 2 == 0));
         }
@@ -191,17 +179,16 @@ TEST(KestFaceIntersect, FacesCutAsEachPairDoes) {
                            {3 * std::cos(b), 3 * std::sin(b), 4.2},
                            {3 * std::cos(a), 3 * std::sin(a), 4.4}});
         }
-        const auto small = faceSet({3 * u(rng), 3 * u(rng), 3 * u(rng)}, 0.3, 0.3, 8);
+        const auto small = faceSet({3 * rng(-1, 1), 3 * rng(-1, 1), 3 * rng(-1, 1)}, 0.3, 0.3, 8);
         const Seg first = {{0, 0, 0}, {1, 0, 0}};
         std::vector<_s_hd_prof_*> objs = {makeObject(big, {first}), makeObject(small, {first})};
         kestFaceIntersectAll(objs.data(), 2);
-        const Prepared f = prepareAll(big), g = prepareAll(small);
         std::vector<Seg> expected = {first};
-        pairCuts(f, f, expected);
+        pairCuts(big, big, expected);
         expectLines(objs[0], expected, trial, own);
         expected = {first};
-        pairCuts(f, g, expected);
-        pairCuts(g, g, expected);
+        pairCuts(big, small, expected);
+        pairCuts(small, small, expected);
         expectLines(objs[1], expected, trial, met);
         vgscene::releaseAll(objs);
     }

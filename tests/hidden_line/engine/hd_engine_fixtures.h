@@ -54,28 +54,49 @@ inline geolib::_s_hd_prof_* makeObject(const std::vector<std::vector<P>>& faces,
     return draft.finish();
 }
 
+/// The lines of a list as segments, start to end.
+inline std::vector<Seg> segmentsOf(const geolib::_s_hd_proline_* l) {
+    std::vector<Seg> out;
+    for (; l != nullptr; l = l->next)
+        out.emplace_back(l->start, l->end);
+    return out;
+}
+
+/// The vertices of each face of obj, face by face.
+inline std::vector<std::vector<P>> facesOf(const geolib::_s_hd_prof_* obj) {
+    std::vector<std::vector<P>> out;
+    for (const geolib::_s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
+        out.emplace_back();
+        for (const geolib::_s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
+            out.back().push_back(v->pt);
+    }
+    return out;
+}
+
+/// Every vertex of the faces of obj, then every end of its lines.
+inline std::vector<P> pointsOf(const geolib::_s_hd_prof_* obj) {
+    std::vector<P> out;
+    for (const auto& f : facesOf(obj))
+        out.insert(out.end(), f.begin(), f.end());
+    for (const Seg& l : segmentsOf(obj->proline))
+        out.insert(out.end(), {l.first, l.second});
+    return out;
+}
+
 /// Whether the box of obj holds each of its vertices and line ends (those with a coordinate
 /// beyond 1e300 or not finite aside); with exact, whether the box is just their extent.
 inline bool boxHoldsPoints(const geolib::_s_hd_prof_* obj, bool exact = false) {
     double extent[6] = {-HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL, -HUGE_VAL, HUGE_VAL};
     bool any = false;
-    auto take = [&](P p) {
+    for (const P& p : pointsOf(obj)) {
         const double c[3] = {p.x, p.y, p.z};
         if (!vgtest::ordinary({p.x, p.y, p.z}, 1e300))
-            return;
+            continue;
         any = true;
         for (int a = 0; a < 3; ++a) {
             extent[2 * a] = std::max(extent[2 * a], c[a]);
             extent[2 * a + 1] = std::min(extent[2 * a + 1], c[a]);
         }
-    };
-    for (const geolib::_s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
-        for (const geolib::_s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
-            take(v->pt);
-    }
-    for (const geolib::_s_hd_proline_* l = obj->proline; l != nullptr; l = l->next) {
-        take(l->start);
-        take(l->end);
     }
     for (int k = 0; k < 6 && any; ++k) {
         const double b = obj->box[k], e = extent[k];
@@ -105,14 +126,6 @@ inline long firstDifference(const geolib::_s_hd_proline_* a, const geolib::_s_hd
         if (!sameBits(a->start, b->start) || !sameBits(a->end, b->end) || a->owner != b->owner)
             return k;
     }
-}
-
-/// The lines of a list as segments, start to end.
-inline std::vector<Seg> segmentsOf(const geolib::_s_hd_proline_* l) {
-    std::vector<Seg> out;
-    for (; l != nullptr; l = l->next)
-        out.emplace_back(l->start, l->end);
-    return out;
 }
 
 /// Where p lies against the line a-b: its distance from the infinite line, and how far along it

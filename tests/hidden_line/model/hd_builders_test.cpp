@@ -46,15 +46,15 @@ TEST(HDBuilders, ArcChordsCloseExactlyAndBadInputLeavesTheListAlone) {
     for (int n : {6, 8}) {
         _s_hd_proline_* ring = nullptr;
         ASSERT_TRUE(divideArc2Proline(o, x, z, x, n, ring));
-        int k = 0;
-        for (const _s_hd_proline_* l = ring; l != nullptr; l = l->next, ++k) {
+        const std::vector<enginetest::Seg> chords = enginetest::segmentsOf(ring);
+        ASSERT_EQ(chords.size(), static_cast<std::size_t>(n));
+        for (int k = 0; k < n; ++k) {
             const double a = -6.2831885307179585 * k / n;
-            EXPECT_NEAR(l->start.x, std::cos(a), 1e-12) << k;
-            EXPECT_NEAR(l->start.y, std::sin(a), 1e-12) << k;
-            const P next = l->next != nullptr ? l->next->start : x;
-            EXPECT_EQ(std::memcmp(&l->end, &next, sizeof next), 0) << "chord " << k << " is open";
+            EXPECT_NEAR(chords[k].first.x, std::cos(a), 1e-12) << k;
+            EXPECT_NEAR(chords[k].first.y, std::sin(a), 1e-12) << k;
+            const P next = k + 1 < n ? chords[k + 1].first : x;
+            EXPECT_EQ(std::memcmp(&chords[k].second, &next, sizeof next), 0) << "chord " << k;
         }
-        EXPECT_EQ(k, n);
         releaseProline(ring);
     }
     _s_hd_proline_* list = appendProline({9, 9, 9}, {8, 8, 8}, nullptr);
@@ -71,10 +71,7 @@ TEST(HDBuilders, ArcChordsCloseExactlyAndBadInputLeavesTheListAlone) {
     });
     releaseProline(list);
     ASSERT_TRUE(divideArc2Proline(o, {1e9, 0, 0}, z, {1e9, 0, 0}, 0, list));
-    int count = 0;
-    for (const _s_hd_proline_* l = list; l != nullptr; l = l->next)
-        ++count;
-    EXPECT_EQ(count, 100000);
+    EXPECT_EQ(enginetest::segmentsOf(list).size(), 100000u);
     releaseProline(list);
 }
 

@@ -18,6 +18,7 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -222,19 +223,11 @@ struct Solid {
 inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string& what) {
     SCOPED_TRACE(what);
     ASSERT_NE(obj, nullptr);
-    std::vector<std::vector<P>> faces;
-    std::vector<std::pair<P, P>> lines;
-    std::vector<P> pts;
-    for (const geolib::_s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
-        faces.emplace_back();
-        for (const geolib::_s_hd_sect_* v = f->sect; v != nullptr; v = v->next)
-            faces.back().push_back(v->pt);
-        pts.insert(pts.end(), faces.back().begin(), faces.back().end());
-    }
-    for (const geolib::_s_hd_proline_* l = obj->proline; l != nullptr; l = l->next) {
-        lines.emplace_back(l->start, l->end);
-        pts.insert(pts.end(), {l->start, l->end});
-    }
+    const auto release = [](geolib::_s_hd_prof_* o) { geolib::freeHDProfObjectPointer(o); };
+    const std::unique_ptr<geolib::_s_hd_prof_, decltype(release)> held(obj, release);
+    const std::vector<std::vector<P>> faces = enginetest::facesOf(obj);
+    const std::vector<std::pair<P, P>> lines = enginetest::segmentsOf(obj->proline);
+    const std::vector<P> pts = enginetest::pointsOf(obj);
     const double* box = obj->box;
     const double size = std::hypot(box[0] - box[1], box[2] - box[3], box[4] - box[5]);
     const double tol = 1e-6 * size;
@@ -258,8 +251,9 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
     EXPECT_LE(off, s.surfaceTol * size) << "a vertex lies off the surface";
     using Key = std::array<double, 6>;
     auto key = [](P a, P b) { return Key{a.x, a.y, a.z, b.x, b.y, b.z}; };
-    std::map<Key, int> directed;
-    std::map<Key, std::vector<int>> facing;  // the facing of each face along an undirected edge
+    // Along each undirected edge, each face's direction on it and its facing: +1 towards the
+    // viewer (normal towards -Z), -1 away, 0 edge-on.
+    std::map<Key, std::vector<std::pair<bool, int>>> facing;
     double volume6 = 0.0;
     const P o{box[1], box[3], box[5]};
     for (const auto& f : faces) {
@@ -275,27 +269,21 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
             EXPECT_LE(std::fabs(vecDot(vecSub(f[3], f[0]), n3)) / norm(n3), 1e-9 * size)
                 << "not planar";
         }
-        // +1 facing the viewer (normal towards -Z), -1 away, 0 edge-on.
         const int side = !(norm(n) > 0) || std::fabs(n.z) <= 1e-9 * norm(n) ? 0 : n.z < 0 ? 1 : -1;
         for (std::size_t i = 0; i < f.size(); ++i) {
             const P a = f[i], b = f[(i + 1) % f.size()];
-            ++directed[key(a, b)];
-            facing[std::min(key(a, b), key(b, a))].push_back(side);
+            facing[std::min(key(a, b), key(b, a))].push_back({key(a, b) < key(b, a), side});
         }
     }
     int unpaired = 0;
-    for (const auto& [k, count] : directed) {
-        const auto back = directed.find(Key{k[3], k[4], k[5], k[0], k[1], k[2]});
-        unpaired += count != 1 || back == directed.end() || back->second != 1;
-    }
+    for (const auto& [k, along] : facing)
+        unpaired += along.size() != 2 || along[0].first == along[1].first;
     EXPECT_EQ(unpaired, 0) << "edges not shared by exactly two faces";
     EXPECT_GT(volume6, 0.0) << "the faces are not wound outward";
-    if (!s.drawing) {
-        geolib::freeHDProfObjectPointer(obj);
+    if (!s.drawing)
         return;
-    }
-    auto contour = [](const std::vector<int>& sides) {
-        return sides.size() == 2 && sides[0] * sides[1] < 0;
+    auto contour = [](const std::vector<std::pair<bool, int>>& along) {
+        return along.size() == 2 && along[0].second * along[1].second < 0;
     };
     std::map<Key, int> drawn;
     double sagitta = 0.0;
@@ -346,12 +334,13 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
     const double slack =
         (s.outlineTol > 0 ? s.outlineTol : sagitta) * (1 + 1e-6) + tol + 3e-4 * size;
     geolib::_s_hd_proline_* vis = geolib::kestHideObject(&obj, 1);
-    ASSERT_NE(vis, nullptr) << "nothing visible";
+    const std::vector<std::pair<P, P>> pieces = enginetest::segmentsOf(vis);
+    geolib::releaseProline(vis);
+    ASSERT_FALSE(pieces.empty()) << "nothing visible";
     double worst = 0.0, gap = 0.0;
-    for (const geolib::_s_hd_proline_* l = vis; l != nullptr; l = l->next) {
+    for (const auto& [a, b] : pieces) {
         for (int k = 0; k <= 4; ++k)
-            worst = std::max(worst,
-                             distToCurves(add(l->start, vecSub(l->end, l->start), k / 4.0), all));
+            worst = std::max(worst, distToCurves(add(a, vecSub(b, a), k / 4.0), all));
     }
     EXPECT_LE(worst, slack) << "a visible piece lies off the true edges";
     for (int k = 0; k < 360; ++k) {  // the outline's extreme points in 360 directions
@@ -360,14 +349,11 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
             return a.x * cx + a.y * cy < b.x * cx + b.y * cy;
         });
         double best = HUGE_VAL;
-        for (const geolib::_s_hd_proline_* l = vis; l != nullptr; l = l->next)
-            best = std::min(best, distToSeg({h.x, h.y, 0}, {l->start.x, l->start.y, 0},
-                                            {l->end.x, l->end.y, 0}));
+        for (const auto& [a, b] : pieces)
+            best = std::min(best, distToSeg(flatten(h), flatten(a), flatten(b)));
         gap = std::max(gap, best);
     }
-    geolib::releaseProline(vis);
     EXPECT_LE(gap, slack) << "the drawn outline leaves a gap";
-    geolib::freeHDProfObjectPointer(obj);
 }
 
 /// Each object of the list was refused (null); names the first one that was not, and releases it.

@@ -26,11 +26,9 @@ TEST(Disc, RimChordsCloseOnTheCircleAndTheFacesCoverThem) {
             breaks += l->next != nullptr && norm(vecSub(l->end, l->next->start)) != 0;
             rim += std::fabs(vecDot(vecCross(d, vecSub(l->end, c)), n));
         }
-        for (const _s_hd_prosect_* f = disc->prosect; f != nullptr; f = f->next) {
-            for (const _s_hd_sect_* v = f->sect; v != nullptr; v = v->next) {
-                const P w = (v->next != nullptr ? v->next : f->sect)->pt;
-                faces += vecDot(vecCross(vecSub(v->pt, c), vecSub(w, c)), n);
-            }
+        for (const auto& f : enginetest::facesOf(disc)) {
+            for (std::size_t k = 0; k < f.size(); ++k)
+                faces += vecDot(vecCross(vecSub(f[k], c), vecSub(f[(k + 1) % f.size()], c)), n);
         }
         EXPECT_TRUE(chords == 8 || chords == 10 || chords == 12) << chords;
         EXPECT_EQ(breaks, 1);
