@@ -1,5 +1,6 @@
-// Discs: the rim's chords run round the circle in two halves head to tail and the faces cover
-// the polygon they draw; bad input gives null; failed allocations leak nothing.
+// Discs: the rim's chords run round the circle in two halves head to tail, the faces cover the
+// polygon they draw and the box is their extent; bad input gives null; failed allocations leak
+// nothing.
 #include <gtest/gtest.h>
 
 #include "hd_tessellators.h"
@@ -33,6 +34,7 @@ TEST(Disc, RimChordsCloseOnTheCircleAndTheFacesCoverThem) {
         EXPECT_TRUE(chords == 8 || chords == 10 || chords == 12) << chords;
         EXPECT_EQ(breaks, 1);
         EXPECT_NEAR(std::fabs(faces), rim, 1e-9 * r * r);
+        EXPECT_TRUE(enginetest::boxHoldsPoints(disc, true)) << "the box is not the points' extent";
         freeHDProfObjectPointer(disc);
     }
     const P o{0, 0, 0}, z{0, 0, 1};
