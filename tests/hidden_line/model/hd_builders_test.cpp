@@ -75,4 +75,38 @@ TEST(HDBuilders, ArcChordsCloseExactlyAndBadInputLeavesTheListAlone) {
     releaseProline(list);
 }
 
+// An arc from s through m to e, short or long, on random circles: its chords run head to tail
+// from s exactly to e exactly, round the side m is on, each on the circle, together sweeping the
+// arc's angle.
+TEST(HDBuilders, ArcChordsRunFromStartThroughTheMiddleToTheEndExactly) {
+    vgtest::Lcg gen(21);
+    int half = 0;
+    for (const P n : hdtest::randomUnitVectors(60, 23)) {
+        P u, v;
+        hdtest::squareTo(n, u, v);
+        const double r = hdtest::logUniform(gen, 0.01, 1e4), a0 = gen(-4, 4);
+        const P c{gen(-50, 50), gen(-50, 50), gen(-50, 50)};
+        // Every sixth a half circle, e straight across from s: there m alone tells the side.
+        const double sweep = half++ % 6 == 0 ? vgtest::kPi : gen(0.01, 6.2);
+        auto at = [&](double a) {
+            return hdtest::add(hdtest::add(c, u, r * std::cos(a0 + a)), v, r * std::sin(a0 + a));
+        };
+        const P s = at(0), e = sweep == vgtest::kPi ? vecSub(vecScale(2, c), s) : at(sweep);
+        _s_hd_proline_* arc = nullptr;
+        ASSERT_TRUE(divideArc2Proline(c, s, at(sweep * gen(0.1, 0.9)), e, gen.below(21), arc));
+        const std::vector<enginetest::Seg> chords = enginetest::segmentsOf(arc);
+        EXPECT_EQ(std::memcmp(&chords.front().first, &s, sizeof s), 0);
+        double turned = 0;
+        for (std::size_t k = 0; k < chords.size(); ++k) {
+            const P a = vecSub(chords[k].first, c), b = vecSub(chords[k].second, c);
+            EXPECT_NEAR(hdtest::norm(b), r, 1e-12 * r) << k;
+            const P next = k + 1 < chords.size() ? chords[k + 1].first : e;
+            EXPECT_EQ(std::memcmp(&chords[k].second, &next, sizeof next), 0) << "chord " << k;
+            turned += std::atan2(vecDot(vecCross(a, b), n), vecDot(a, b));
+        }
+        EXPECT_NEAR(turned, sweep, 1e-9) << "sweep " << sweep;
+        releaseProline(arc);
+    }
+}
+
 }  // namespace
