@@ -83,6 +83,14 @@ TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo
         vgscene::releaseAll(one);
         vgscene::releaseAll(two);
     }
+    // Faces whose unit normals' dot product lies within 1e-6 of one are taken as parallel and do
+    // not meet, though they cross: none at 1e-3 rad apart, the crossing at 3e-3.
+    for (const double tilt : {1e-3, 3e-3}) {
+        const HDFace f = faceOf({{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}});
+        const HDFace g = faceOf({{-1, -1, -tilt}, {1, -1, -tilt}, {1, 1, tilt}, {-1, 1, tilt}});
+        P from{}, to{};
+        EXPECT_EQ(getFaceInterLine(f, g, from, to), tilt > 2e-3) << tilt;
+    }
 }
 
 TEST(KestFaceIntersect, PreparedPairsCutWhereThePlainTestDoes) {
