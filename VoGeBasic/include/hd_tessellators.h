@@ -216,8 +216,16 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// ring's pattern vertices there inside that chord and the silhouette points of the rings on
 /// either side no farther outside the rim's chords than the sagitta allowance below, holds the
 /// pattern vertex nearest that point in its place, and that silhouette is not drawn to or from
-/// that ring (it lies along the rim there). Faces between two rings are
-/// stitched from one silhouette chain to the other and back: quadrilaterals where both rings step
+/// that ring (it lies along the rim there). Where the silhouette turns round the tube by more than
+/// a quarter of a chord between an end rim and the ring beside it (the tube seen nearly along its
+/// length there), and both silhouette points of that ring lie nearer the viewer than the rim,
+/// outside one of its chords seen along Z and square beside it, each chain of the band between
+/// them runs to the point from the end of that chord away from the ring (seen along Z) instead of
+/// from the rim's own silhouette point, and is drawn (also along a rim), provided it keeps within
+/// the allowance below of the rim and of the tube's line from the rim to that point: the faces
+/// through the point hide the chord, and the band folds along the chain, which is the outline
+/// there. Faces between two rings are stitched from one silhouette chain to the other and back:
+/// quadrilaterals where both rings step
 /// across the same pattern chord (two triangles along the shorter diagonal where not planar),
 /// triangles elsewhere. A sweep within 1e-9 of 2 pi is a full ring without ends; otherwise flat
 /// ends close the tube, each a strip across its end ring. A tube radius above the bend radius gives
@@ -225,8 +233,9 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// between consecutive rings (ring by ring, each band from the first silhouette chain round to the
 /// second, then on round to the first), the far end; tag 0. Lines: the start ring's m chords,
 /// then ring by ring the tube's two silhouettes (the chains of the rings' silhouette points,
-/// edges of the faces on the true outline, but for the stretches along a rim above and the bands
-/// beside a rim that stands for the rings left out) and the whole of any ring seen end-on (its
+/// edges of the faces on the true outline, from a rim vertex where the band beside the rim takes
+/// one above, but for the stretches along a rim above and the bands beside a rim that stands for
+/// the rings left out) and the whole of any ring seen end-on (its
 /// chords through its silhouette points and the points above), then the far ring's m chords; no end
 /// rings for a full ring. The silhouettes are drawn rather than the faces' own outline, which on
 /// the side towards the bend centre can run inside the true one; since the rings' vertices do not
@@ -237,12 +246,13 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// (R the bend radius), a hundredth of sqrt(r R). Where the tube is seen nearly along its length,
 /// at an end or about a ring drawn whole, the rings there nearly coincide in the drawing; the
 /// points above keep the faces of the rings beside the drawn one off its chords. Two shortcomings
-/// are left. Seen within about 1e-3 of its length at an end, the rings just beyond the stretch the
-/// rim stands for can still stand over a rim chord by less than the allowance where the tube
-/// beyond is nearer the viewer, and past a cusp of the outline of a fat elbow a ring whose
-/// silhouette point lies outside the rim's circle still carries faces over a rim chord: their
-/// chords, not drawn, are then the visible edge, and in such views (mostly at the far end or of
-/// fat elbows) a gap of up to about four and a half sagittas remains. And where rings are put in
+/// are left. Seen within about 1e-3 of its length at an end where the tube beyond is nearer the
+/// viewer, the rings beside the rim can still stand over a rim chord: where the chain from the
+/// rim's vertex above would stray (the ring beside the rim lies too far from it along the tube),
+/// where only one silhouette point of that ring lies beyond a chord square beside it or the
+/// silhouette turns less between them, and where the silhouette points of the rings further on
+/// turn back over that chain. Their chords, not drawn, are then the visible edge, and in such
+/// views a gap of up to about four and a half sagittas remains. And where rings are put in
 /// close beside a ring drawn whole (taken as seen end-on though its tangent leans a little from
 /// Z, beside an end rim or on a full ring), the faces beside some of its chords can face the same
 /// way, and those chords are drawn though they are no contour edge. Returns a new object owned by

@@ -29,7 +29,10 @@
 // outside its chords, and beside an end rim a chain whose point lies under the rim runs through
 // the nearest pattern vertex instead (so each ring's faces wait for the next ring). A ring that
 // would lie over an end rim in the drawing closer than the hide pass tells its faces from the
-// rim's chords (which they would hide) is left out: the rim stands for it.
+// rim's chords (which they would hide) is left out: the rim stands for it. Where the silhouette
+// turns between an end rim and the ring beside it, that ring's silhouette points can lie outside
+// a rim chord in the drawing, nearer the viewer, and the faces through them hide it: the chains
+// of that band then run from that chord's end away from the ring, the outline there.
 #include <cmath>
 #include <initializer_list>
 
@@ -99,6 +102,9 @@ constexpr double kRimApartShare = 0.25;
 constexpr double kRimBehind = 1e-3;
 /// The points round the tube at which a ring's distance from a rim is measured.
 constexpr int kRimApartSamples = 16;
+/// The points along a chain from an end rim's vertex (see ElbowBuilder::besideRim) at which its
+/// distance from the true outline is measured.
+constexpr int kRimChainSamples = 16;
 constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 6;
 
 // The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
@@ -155,6 +161,7 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
 // ElbowBuilder::settlePending).
 struct RingExtras {
     bool snapped[2] = {false, false};
+    int vertex[2] = {-1, -1};  // an end ring's chain runs through this vertex of its pattern ring
     int count = 0;
     double angle[4] = {0.0, 0.0, 0.0, 0.0};  // round the tube (aroundTube)
 };
@@ -170,6 +177,8 @@ struct TubeRing {
     double angle[kMaxTubeRingVertices];   // round the tube from pts[0]: 0 there, pi at pts[half]
     double sil;                           // pts[0]'s angle round the tube (the station's turn)
     bool onSilhouette[2] = {true, true};  // pts[0], pts[half] lie on the true silhouette
+    bool throughRim[2] = {false, false};  // an end ring's chain through a rim vertex, drawn
+    _s_hd_point_ centre{};
 
     // Position count is pts[0] again, at the end of the turn.
     _s_hd_point_ at(int k) const { return pts[k % count]; }
@@ -198,7 +207,8 @@ _s_hd_point_ ringPoint(const Bend& b, const Station& st, double a) {
 // bend's pattern. A silhouette point within kSilhouetteSnapAngle of a pattern vertex is that
 // vertex, so an end ring split at its silhouette keeps exactly its m vertices; other pattern
 // vertices closer than kSilhouetteClearChords of a chord to a silhouette point are left out. A
-// snapped chain takes the nearest pattern vertex instead, and the extras go in at their angles.
+// snapped chain takes the nearest pattern vertex instead, a chain given a vertex takes that one
+// (within a chord of the silhouette point; it is drawn), and the extras go in at their angles.
 TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, int offset,
                   const RingExtras& extras = RingExtras{}) {
     TubeRing out;
@@ -216,8 +226,10 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
         for (int side = 0; side < 2; ++side) {
             const double off =
                 side == 0 ? std::fmin(a, core::kFullTurn - a) : std::fabs(a - core::kPi);
-            if (off <= (extras.snapped[side] ? chord : kSilhouetteSnapAngle) &&
-                off < silOff[side]) {
+            const bool given = extras.vertex[side] >= 0;
+            if (given ? k == extras.vertex[side]
+                      : off <= (extras.snapped[side] ? chord : kSilhouetteSnapAngle) &&
+                            off < silOff[side]) {
                 silVertex[side] = k;
                 silOff[side] = off;
             }
@@ -287,6 +299,11 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
         out.push(ring.pts[k], (k + offset) % m, angle[k]);
     }
     putUpTo(HUGE_VAL);
+    for (int side = 0; side < 2; ++side) {
+        if (extras.vertex[side] >= 0)
+            out.onSilhouette[side] = out.throughRim[side] = true;
+    }
+    out.centre = st.centre;
     return out;
 }
 
@@ -359,6 +376,7 @@ public:
         if (!fullTurn_)
             patternTwist_ = std::remainder(far_.turn - first_.turn, chord_);
         firstTube_ = tubeRing(bend_, first_, prevRing_, 0);
+        startRing_ = prevRing_;
         maxTwist_ = hd::kMaxRingTwist * chord_;
         // The larger of the sagittas of a ring chord and of a step of the outer equator: what
         // the chosen rings already allow the outline, so that chains no worse than that need no
@@ -596,7 +614,7 @@ private:
             settlePending(next.tube);
         prev_ = st;
         if (last) {
-            addRing(next.tube, false, alongRim);
+            addRing(besideRim(st, next.ring, next.offset, next.tube, bandTube_), false, alongRim);
         } else {
             pending_ = next;
             hasPending_ = true;
@@ -635,13 +653,19 @@ private:
                 p.alongRim);
     }
 
-    // Adds the band from the last ring added to tube, the chains along it (none for a band along
-    // an end rim) and, for a ring seen end-on (drawn whole), the ring itself.
+    // Adds the band from the last ring added to tube, the chains along it (for a band along an
+    // end rim only those through a rim vertex) and, for a ring seen end-on (drawn whole), the ring
+    // itself.
     void addRing(const TubeRing& tube, bool drawnWhole, bool alongRim) {
         extendBox(tube);
+        if (startBand_) {
+            startBand_ = false;
+            bandTube_ = besideRim(first_, startRing_, 0, bandTube_, tube);
+        }
         addBand(bandTube_, tube);
-        for (int side = 0; side < 2 && !alongRim; ++side) {
-            if (bandTube_.onSilhouette[side] && tube.onSilhouette[side])
+        for (int side = 0; side < 2; ++side) {
+            const bool drawn = !alongRim || bandTube_.throughRim[side] || tube.throughRim[side];
+            if (drawn && bandTube_.onSilhouette[side] && tube.onSilhouette[side])
                 addOutline(bandTube_.chain(side), tube.chain(side));
         }
         if (drawnWhole)
@@ -685,6 +709,108 @@ private:
                 return true;
         }
         return false;
+    }
+
+    // The end ring at end (its pattern ring ring, made as made) as the band to the ring beside it
+    // takes it. Seen nearly along the tube at an end, the silhouette turns round the tube between
+    // the rim and the ring beside it, and that ring's silhouette points lie by the rim in the
+    // drawing, away from the rim's own: where one lies outside a rim chord, nearer the viewer than
+    // the rim, the faces through it hide that chord, and the outline runs from the chord's end
+    // away from the ring (seen along Z) to the point. Each chain then runs through that end of
+    // the chord (see rimChainVertex) and is drawn: the band folds along it, and it keeps to the
+    // true outline within the allowance. Otherwise, or when the silhouette turns less than
+    // maxTwist_ between them, the ring stays as made.
+    TubeRing besideRim(const Station& end, const ViewSplitRing& ring, int offset,
+                       const TubeRing& made, const TubeRing& beside) const {
+        if (fullTurn_ || !(rimSlack_ <= kRimSlackShare * chainTol_) ||
+            !(std::fabs(wrapAngle(beside.sil - made.sil)) > maxTwist_))
+            return made;
+        const RimView rim = rimView(end, ring.pts, ring.count);
+        // The ring's split turned to the first silhouette point of the ring beside it.
+        Station turned = end;
+        const _s_hd_point_ split = vecSub(beside.chain(0), beside.centre);
+        turned.split = vecNormalize(linComb(1.0, split, -vecDot(split, end.tangent), end.tangent));
+        if (!rim.usable || vecDot(turned.split, turned.split) == 0.0)
+            return made;
+        turned.turn = aroundTube(bend_, end, turned.split);
+        RingExtras extras;
+        for (int side = 0; side < 2; ++side) {
+            const int v = beside.onSilhouette[side]
+                              ? rimChainVertex(rim, end, beside.chain(side),
+                                               vecSub(beside.centre, end.centre))
+                              : -1;
+            if (v < 0 ||
+                !(std::fabs(wrapAngle(aroundTube(bend_, end, vecSub(ring.pts[v], end.centre)) -
+                                      turned.turn - side * core::kPi)) < chord_))
+                return made;
+            extras.vertex[side] = v;
+        }
+        if (extras.vertex[0] == extras.vertex[1])
+            return made;
+        return tubeRing(bend_, turned, ring, offset, extras);
+    }
+
+    // The rim vertex a chain from the silhouette point s of the ring beside the rim (its centre
+    // shift away from the rim's) runs through, or -1: s lies nearer the viewer than the rim and
+    // outside one of its chords seen along Z, square beside it; the vertex is the end of that
+    // chord away from the ring, and the chain from it to s keeps within the outline's allowance
+    // of the rim or of the tube's line from the rim to s (its true outline there, seen along Z
+    // and in depth).
+    int rimChainVertex(const RimView& rim, const Station& end, _s_hd_point_ s,
+                       _s_hd_point_ shift) const {
+        if (!nearerThanRim(rim, s))
+            return -1;
+        int over = -1;
+        double most = rimSlack_;
+        for (int k = 0; k < rim.count; ++k) {
+            const double beyond = beyondChord(rim, k, s);
+            if (beyond > most && besideChord(rim, k, s)) {
+                over = k;
+                most = beyond;
+            }
+        }
+        if (over < 0)
+            return -1;
+        const _s_hd_point_ a = rim.pts[over];
+        const _s_hd_point_ b = rim.pts[(over + 1) % rim.count];
+        const int v = a.x * shift.x + a.y * shift.y < b.x * shift.x + b.y * shift.y
+                          ? over
+                          : (over + 1) % rim.count;
+        const _s_hd_point_ under =
+            ringPoint(bend_, end, aroundTube(bend_, end, vecSub(s, end.centre)));
+        for (int k = 1; k < kRimChainSamples; ++k) {
+            const _s_hd_point_ q = linComb(
+                1.0, rim.pts[v], static_cast<double>(k) / kRimChainSamples, vecSub(s, rim.pts[v]));
+            if (!(std::fmin(fromRim(rim, q), fromSegment(q, under, s)) <= chainTol_))
+                return -1;
+        }
+        return v;
+    }
+
+    // How far p lies from the rim's circle.
+    double fromRim(const RimView& rim, _s_hd_point_ p) const {
+        const _s_hd_point_ d = vecSub(p, rim.centre);
+        const double h = vecDot(d, rim.normal);
+        const _s_hd_point_ inPlane = linComb(1.0, d, -h, rim.normal);
+        return std::hypot(std::sqrt(vecDot(inPlane, inPlane)) - bend_.tubeRadius, h);
+    }
+
+    // How far p lies from the segment from a to b.
+    static double fromSegment(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b) {
+        const _s_hd_point_ ab = vecSub(b, a);
+        const double len2 = vecDot(ab, ab);
+        const double t =
+            len2 > 0.0 ? std::fmax(0.0, std::fmin(1.0, vecDot(vecSub(p, a), ab) / len2)) : 0.0;
+        const _s_hd_point_ d = vecSub(p, linComb(1.0, a, t, ab));
+        return std::sqrt(vecDot(d, d));
+    }
+
+    // True when p seen along Z lies square beside the rim's chord k, between its ends.
+    static bool besideChord(const RimView& rim, int k, _s_hd_point_ p) {
+        const _s_hd_point_ a = rim.pts[k];
+        const _s_hd_point_ b = rim.pts[(k + 1) % rim.count];
+        const double t = (p.x - a.x) * (b.x - a.x) + (p.y - a.y) * (b.y - a.y);
+        return t >= 0.0 && t <= (b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y);
     }
 
     // True when the middle of the rim's chord k lies behind the other end's flat face (inside
@@ -769,7 +895,9 @@ private:
     RimView startRim_;
     RimView farRim_;
     double rimSlack_ = 0.0;
-    ViewSplitRing prevRing_;  // the last pattern ring made: the far end's at the end
+    ViewSplitRing prevRing_;   // the last pattern ring made: the far end's at the end
+    ViewSplitRing startRing_;  // the start's pattern ring
+    bool startBand_ = true;    // the band beside the start rim is still to come
     ProlineChain outline_;
 };
 

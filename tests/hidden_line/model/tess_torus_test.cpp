@@ -121,6 +121,14 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
          3.0006251811981199,
          {0.43256980872335371, 0.86635713711516793, 3.0001155070006029},
          {-0.89423498064543383, 0.44759771859536635, 0.00028582911675652614}},
+        // Seen 1e-4 off its length at the far end, the tube before it nearer the viewer: the ring
+        // beside the rim stands over a rim chord, and the chain from that chord's end is the
+        // outline there.
+        {"a hair off the tube at the far end",
+         16.085399448873972,
+         kPi / 2,
+         {0.9969053095351903, 1.9986639138172464, -31.544517136591139},
+         {-0.91322926504182111, 0.40744607631947938, 6.605328471951397e-05}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, vecNormalize(v.a), 0};
