@@ -85,8 +85,10 @@ int pointInFaceByOutline(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) 
 
 int isPointInFace(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) {
     const int known = pointInFaceByOutline(p, f, prep);
-    if (known >= 0)
-        return known;
+    return known >= 0 ? known : pointInFaceBeyondOutline(p, f, prep);
+}
+
+int pointInFaceBeyondOutline(_s_hd_point_ p, const HDFace& f, const FacePrep& prep) {
     return detail::pointInPolygon(
         p, f.count, f.v, prep.area,
         [&](int k) { return onSegWithin(p, f.v[k], f.v[nextVertex(k, f.count)], prep.reach[k]); },

@@ -67,6 +67,9 @@ _s_hd_point_ faceAreaNormal(const HDFace& face);
 int pointInFaceByOutline(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
 /// isPointInFace(p, face.count, face.v) with the face's data prepared.
 int isPointInFace(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
+/// isPointInFace(p, face, prep) where pointInFaceByOutline has answered -1 already: the same
+/// answer without asking the outline again.
+int pointInFaceBeyondOutline(_s_hd_point_ p, const HDFace& face, const FacePrep& prep);
 
 }  // namespace geolib
 

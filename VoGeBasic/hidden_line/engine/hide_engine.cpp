@@ -132,13 +132,18 @@ struct FaceSpread {
     double cx, cy, hx, hy;
 };
 
-// A face read once, with its area normal and what the pruning tests need; prunable is false
-// when a vertex is not bounded (NaN included). The rest of the face's prepared data (its edges'
-// reach, length and run) is worked out once for each object whose lines come near (NearFaces):
-// kept for every face of a plant, it would take more room than the plant itself.
+// A face read once, with what the pruning tests need; prunable is false when a vertex is not
+// bounded (NaN included). The face is prepared in stages, each the first time a line asks for it
+// (ready): read, what the depth culls ask (prepareFace); then its outline, for the outline cull
+// (prepareOutline); then the face tests' data (prepareTests), kept beside it in the window. Each
+// stage depends on the face alone, so it gives the same data to the bit whenever it is made, and
+// nothing reads a stage's data before it is made: preparing later changes no result, and spares
+// the faces that no line comes near enough to ask. The face tests' data (its edges' reach, length
+// and run) is kept for the objects whose lines come near (NearFaces): kept for every face of a
+// plant, it would take more room than the plant itself.
 struct CachedFace {
     HDFace face;
-    _s_hd_point_ area;  ///< faceAreaNormal(face)
+    _s_hd_point_ area;  ///< faceAreaNormal(face), made with the outline
     double
         flatLength[kMaxFaceVertices];  ///< each edge's run length in the drawing plane (flatRunOf)
     double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
@@ -168,7 +173,14 @@ struct CachedFace {
     /// margin is frontMargin plus frontPerLength times the line's length.
     double zBack, plane0, frontMargin, frontPerLength;
     size_t id;  ///< the face's name for the memo (FaceWindow)
+    /// The stages prepared: kRead (the depth culls' data), kOutline, kTests.
+    unsigned char ready;
 };
+
+// CachedFace::ready.
+constexpr unsigned char kRead = 0;
+constexpr unsigned char kOutline = 1;
+constexpr unsigned char kTests = 2;
 
 // The smallest depth of the face's plane over the face's XY extents widened by kBehindExtentTol
 // (the least of its four corners), or of a vertex off that plane: every point through which the
@@ -189,11 +201,10 @@ double frontDepth(const HDFace& f) {
     return plane < f.zmin ? plane : f.zmin;  // NaN stays NaN
 }
 
+// The first stage: what the depth culls and the spread cull ask of the face.
 void prepareFace(CachedFace& c) {
     const HDFace& f = c.face;
-    c.area = faceAreaNormal(f);
-    for (int k = 0; k < f.count; ++k)
-        c.flatLength[k] = flatRunOf(f.v[k], f.v[nextVertex(k, f.count)]).len;
+    c.ready = kRead;
     c.prunable = true;
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
@@ -208,6 +219,19 @@ void prepareFace(CachedFace& c) {
     c.gx = sloped ? -n.x / n.z : nan;
     c.gy = sloped ? -n.y / n.z : nan;
     c.slopeFactor = sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
+    c.zBack = c.prunable ? c.zNear - hd::kCullMarginRel * c.size : nan;
+    c.plane0 = c.prunable && c.flat ? f.v[0].z - c.gx * f.v[0].x - c.gy * f.v[0].y : nan;
+    c.frontMargin = hd::kLevelDepthTol + hd::kCullFlatRel * c.size +
+                    (hd::kCullMarginAbs + hd::kCullMarginRel * c.size) * c.slopeFactor;
+    c.frontPerLength = hd::kCullMarginRel * c.slopeFactor;
+}
+
+// The second stage: the outline, for faceOutlineApartFromLine and the face tests.
+void prepareOutline(CachedFace& c) {
+    const HDFace& f = c.face;
+    c.area = faceAreaNormal(f);
+    for (int k = 0; k < f.count; ++k)
+        c.flatLength[k] = flatRunOf(f.v[k], f.v[nextVertex(k, f.count)]).len;
     c.outlineMargin = outlineOf(f, c.size, c.flatLength, c.edgeSide);
     for (int k = 0; k < f.count; ++k) {
         const _s_hd_point_ a = f.v[k];
@@ -216,11 +240,7 @@ void prepareFace(CachedFace& c) {
         c.edgeNormalY[k] = b.x - a.x;
         c.edgeOrigin[k] = a.x * c.edgeNormalX[k] + a.y * c.edgeNormalY[k];
     }
-    c.zBack = c.prunable ? c.zNear - hd::kCullMarginRel * c.size : nan;
-    c.plane0 = c.prunable && c.flat ? f.v[0].z - c.gx * f.v[0].x - c.gy * f.v[0].y : nan;
-    c.frontMargin = hd::kLevelDepthTol + hd::kCullFlatRel * c.size +
-                    (hd::kCullMarginAbs + hd::kCullMarginRel * c.size) * c.slopeFactor;
-    c.frontPerLength = hd::kCullMarginRel * c.slopeFactor;
+    c.ready = kOutline;
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -382,8 +402,8 @@ bool lineInFrontOfFace(const CachedFace& c, const LinePrune& l) {
 // within the margin's room of each other both stay within a few times kCullCoordLimit, and
 // gathering them moves each by rounding below 1e-5: the room left beside the 1e-3 above covers
 // it. False for a face or line that is not prunable (NaN zBack, infinite zLimit).
-bool faceBehindLine(const CachedFace& c, const LinePrune& l) {
-    return c.zBack > l.zLimit;
+bool faceBehindLine(double zBack, double zLimit) {
+    return zBack > zLimit;
 }
 
 // Replaces room (what it held is not kept) with room for most items, setting capacity; false,
@@ -401,14 +421,18 @@ bool renewRoom(T*& room, size_t& capacity, size_t most) {
     return true;
 }
 
-// What the face tests ask of a cached face: its edges' data, its area normal and its outline
-// data, the same as prepareFaceTests and outlineOf give.
-void prepareCachedFace(const CachedFace& c, FacePrep& prep) {
+// The last stage: what the face tests ask of a cached face, its edges' data, its area normal and
+// its outline data, the same as prepareFaceTests and outlineOf give. The stages before are made
+// first where they were not.
+void prepareTests(CachedFace& c, FacePrep& prep) {
+    if (c.ready < kOutline)
+        prepareOutline(c);
     prepareEdgeTests(c.face, prep, c.flatLength);
     prep.area = c.area;
     prep.outlineMargin = c.outlineMargin;
     for (int k = 0; k < c.face.count; ++k)
         prep.side[k] = c.edgeSide[k];
+    c.ready = kTests;
 }
 
 // The faces of the objects met lately, read and prepared once for the objects whose lines come
@@ -424,9 +448,9 @@ class FaceWindow {
 public:
     /// The faces of one object, as faces() gives them.
     struct Span {
-        const CachedFace* begin;
-        const CachedFace* end;
-        const FacePrep* prep;  ///< begin[k]'s face tests' data is prep[k]
+        CachedFace* begin;
+        CachedFace* end;
+        FacePrep* prep;  ///< begin[k]'s face tests' data is prep[k]
     };
 
     FaceWindow() = default;
@@ -523,7 +547,7 @@ public:
             room = slot.faces;
             prepRoom = slot.prep;
         }
-        const size_t count = read(objs[j]->prosect, first_[j], room, prepRoom);
+        const size_t count = read(objs[j]->prosect, first_[j], room);
         if (inSlot) {
             slot.count = count;
             slot.object = j;
@@ -557,14 +581,13 @@ private:
         int user;    ///< the object whose lines last used them; -1: none
     };
 
-    // Reads and prepares the faces of the list, named from id on, into room (their face tests'
-    // data into prep); returns how many.
-    static size_t read(const _s_hd_prosect_* list, size_t id, CachedFace* room, FacePrep* prep) {
+    // Reads the faces of the list, named from id on, into room, and makes their first stage;
+    // returns how many. Their face tests' data goes into the room beside (prep) when asked for.
+    static size_t read(const _s_hd_prosect_* list, size_t id, CachedFace* room) {
         size_t at = 0;
         for (const _s_hd_prosect_* f = list; f != nullptr; f = f->next, ++id) {
             if (readFace(f->sect, room[at].face)) {
                 prepareFace(room[at]);
-                prepareCachedFace(room[at], prep[at]);
                 room[at].id = id;
                 ++at;
             }
@@ -594,8 +617,9 @@ class NearFaces {
 public:
     struct Entry {
         LineRange extents;  ///< the face's XY extents, read first by every line
-        const CachedFace* face;
-        const FacePrep* prep;  ///< the face's face tests' data, kept beside it in the window
+        double zBack;       ///< the face's CachedFace::zBack, read next
+        CachedFace* face;
+        FacePrep* prep;  ///< the face's face tests' data, kept beside it in the window
     };
 
     NearFaces() = default;
@@ -632,11 +656,11 @@ public:
             FaceWindow::Span faces;
             if (!window.faces(objs, table[c].index, user, faces))
                 return false;
-            for (const CachedFace* f = faces.begin; f != faces.end; ++f) {
+            for (CachedFace* f = faces.begin; f != faces.end; ++f) {
                 const LineRange e = {f->face.xmin, f->face.xmax, f->face.ymin, f->face.ymax};
                 if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
                     e.ymin <= all.ymax)
-                    entries_[at++] = {e, f, faces.prep + (f - faces.begin)};
+                    entries_[at++] = {e, f->zBack, f, faces.prep + (f - faces.begin)};
             }
         }
         groups_[count] = at;
@@ -654,6 +678,19 @@ private:
     size_t capacity_ = 0;
     size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
 };
+
+// The first entry from e on whose face's XY extents meet the line's range (faceMeetsLineRange)
+// and which faceBehindLine does not pass over (zLimit the line's), or end. The comparisons are
+// those tests' own, read from the entry alone.
+NearFaces::Entry* nextNearLine(NearFaces::Entry* e, NearFaces::Entry* end, const LineRange& r,
+                               double zLimit) {
+    for (; e != end; ++e) {
+        if (e->extents.xmax >= r.xmin && e->extents.ymax >= r.ymin && e->extents.xmin <= r.xmax &&
+            e->extents.ymin <= r.ymax && !faceBehindLine(e->zBack, zLimit))
+            return e;
+    }
+    return end;
+}
 
 // True when the merge provably leaves the line p -> q (its ends within kCullCoordLimit, which
 // is asked first: the first row is played only for such a line) hidden whole by the pieces
@@ -732,21 +769,28 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     ++stats->candidatesScanned;
                 if (!boxOverlapsLineRange(objs[j]->box, prepared.range))
                     continue;
-                for (NearFaces::Entry* e = nearFaces.begin(c); e != nearFaces.end(c); ++e) {
+                NearFaces::Entry* const end = nearFaces.end(c);
+                NearFaces::Entry* e = nearFaces.begin(c);
+                if (stats != nullptr)
+                    stats->facesScanned += end - e;
+                for (;; ++e) {
                     // First what the reference asks first (appendHiddenPiece): a face whose XY
                     // extents miss the line's range gives no piece. The extents are the face's own,
-                    // to the bit, so past this test the face test is called directly.
-                    if (stats != nullptr)
-                        ++stats->facesScanned;
-                    const LineRange& r = prepared.range;
-                    if (!(e->extents.xmax >= r.xmin && e->extents.ymax >= r.ymin &&
-                          e->extents.xmin <= r.xmax && e->extents.ymin <= r.ymax))
-                        continue;
-                    const CachedFace* f = e->face;
+                    // to the bit, so past this test the face test is called directly. Then the
+                    // cheapest cull, from the entry alone.
+                    e = nextNearLine(e, end, prepared.range, prune.zLimit);
+                    if (e == end)
+                        break;
+                    CachedFace* f = e->face;
                     // The culls in the order of what each passes over for its cost.
-                    if (faceBehindLine(*f, prune) || lineInFrontOfFace(*f, prune) ||
-                        faceApartFromLine(*f, prune))
+                    if (lineInFrontOfFace(*f, prune))
                         continue;
+                    if (f->ready < kOutline)
+                        prepareOutline(*f);
+                    if (faceApartFromLine(*f, prune))
+                        continue;
+                    if (f->ready < kTests)
+                        prepareTests(*f, *e->prep);
                     if (stats != nullptr)
                         ++stats->faceTests;
                     _s_hd_point_ from;
@@ -759,6 +803,9 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                         if (stats != nullptr)
                             ++stats->hidingTests;
                         if (hiddenWhole(hidden, prepared)) {
+                            // The faces after this one were counted as scanned.
+                            if (stats != nullptr)
+                                stats->facesScanned -= end - e - 1;
                             whole = true;
                             break;
                         }

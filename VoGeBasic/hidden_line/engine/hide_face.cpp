@@ -92,7 +92,7 @@ bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
     if (aids.memo == nullptr)
         return inFace(i, f, aids);
     // Where the outline settles it (most points), asking the memo would cost more than the
-    // answer; it is the one inFace gives.
+    // answer; it is the one inFace gives. Where it does not, inFace is the angle test.
     if (aids.prep != nullptr) {
         const int byOutline = pointInFaceByOutline(i, f, *aids.prep);
         if (byOutline >= 0)
@@ -101,7 +101,8 @@ bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
     const int known = aids.memo->find(aids.face, e);
     if (known >= 0)
         return known != 0;
-    const bool inside = inFace(i, f, aids);
+    const bool inside =
+        aids.prep != nullptr ? pointInFaceBeyondOutline(i, f, *aids.prep) != 0 : inFace(i, f, aids);
     aids.memo->remember(aids.face, e, inside);
     return inside;
 }

@@ -173,6 +173,39 @@ TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
     kestFaceIntersectAll(nullptr, 3);  // nothing to do, nothing touched
 }
 
+// The counts the benchmark reads, taken on a plant: the same result as the plain call, every line
+// counted once, and each count within the one before it (a line looks at its own object at least,
+// tests at most the faces it looks at, and hides a piece in at most the tests it makes, lines
+// stopped once hidden whole included).
+TEST(KestHideObject, CountsTheWorkItDoes) {
+    // Two copies: the pass leaves each line near end first, which turns a level one round.
+    const std::vector<vgscene::Primitive> plant = vgscene::generatePlant(150, 1);
+    std::vector<_s_hd_prof_*> objs = vgscene::tessellateAll(plant);
+    std::vector<_s_hd_prof_*> copy = vgscene::tessellateAll(plant);
+    const int n = static_cast<int>(objs.size());
+    kestFaceIntersectAll(objs.data(), n);
+    kestFaceIntersectAll(copy.data(), n);
+    long long lines = 0;
+    for (const _s_hd_prof_* o : objs) {
+        for (const _s_hd_proline_* l = o->proline; l != nullptr; l = l->next)
+            ++lines;
+    }
+    HidePassStats stats;
+    _s_hd_proline_* measured = kestHideObjectMeasured(objs.data(), n, &stats);
+    _s_hd_proline_* plain = kestHideObject(copy.data(), n);
+    expectSameLists(measured, plain);
+    EXPECT_EQ(stats.lines, lines);
+    EXPECT_GE(stats.candidatesScanned, stats.lines);
+    EXPECT_GE(stats.facesScanned, stats.faceTests);
+    EXPECT_GE(stats.faceTests, stats.hidingTests);
+    EXPECT_GT(stats.hidingTests, 0);
+    EXPECT_GT(stats.workingBytes, 0u);
+    releaseProline(measured);
+    releaseProline(plain);
+    vgscene::releaseAll(objs);
+    vgscene::releaseAll(copy);
+}
+
 // Each allocation of face intersection, of the engine (its grid, cached faces, memo and merge
 // room) and of the reference failing in turn: all they built is released.
 TEST(KestHideObject, ReleasesAllItBuiltWhenAnAllocationFails) {
