@@ -222,7 +222,8 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// outside one of its chords seen along Z and square beside it, each chain of the band between
 /// them runs to the point from the end of that chord away from the ring (seen along Z) instead of
 /// from the rim's own silhouette point, and is drawn (also along a rim), provided it keeps within
-/// the allowance below of the rim and of the tube's line from the rim to that point: the faces
+/// the allowance below of the rim, of the tube's line from the rim to that point or of the true
+/// silhouette between the rim and that ring (where it turns round the tube): the faces
 /// through the point hide the chord, and the band folds along the chain, which is the outline
 /// there. Faces between two rings are stitched from one silhouette chain to the other and back:
 /// quadrilaterals where both rings step

@@ -103,7 +103,8 @@ constexpr double kRimBehind = 1e-3;
 /// The points round the tube at which a ring's distance from a rim is measured.
 constexpr int kRimApartSamples = 16;
 /// The points along a chain from an end rim's vertex (see ElbowBuilder::besideRim) at which its
-/// distance from the true outline is measured.
+/// distance from the true outline is measured, and the stations between the rim and the ring
+/// beside it whose silhouette points stand for the true silhouette there.
 constexpr int kRimChainSamples = 16;
 constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 6;
 
@@ -179,6 +180,7 @@ struct TubeRing {
     bool onSilhouette[2] = {true, true};  // pts[0], pts[half] lie on the true silhouette
     bool throughRim[2] = {false, false};  // an end ring's chain through a rim vertex, drawn
     _s_hd_point_ centre{};
+    double phi = 0.0;  // the station's angle along the bend
 
     // Position count is pts[0] again, at the end of the turn.
     _s_hd_point_ at(int k) const { return pts[k % count]; }
@@ -304,6 +306,7 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
             out.onSilhouette[side] = out.throughRim[side] = true;
     }
     out.centre = st.centre;
+    out.phi = st.phi;
     return out;
 }
 
@@ -737,7 +740,7 @@ private:
         for (int side = 0; side < 2; ++side) {
             const int v = beside.onSilhouette[side]
                               ? rimChainVertex(rim, end, beside.chain(side),
-                                               vecSub(beside.centre, end.centre))
+                                               vecSub(beside.centre, end.centre), beside.phi)
                               : -1;
             if (v < 0 ||
                 !(std::fabs(wrapAngle(aroundTube(bend_, end, vecSub(ring.pts[v], end.centre)) -
@@ -751,13 +754,14 @@ private:
     }
 
     // The rim vertex a chain from the silhouette point s of the ring beside the rim (its centre
-    // shift away from the rim's) runs through, or -1: s lies nearer the viewer than the rim and
-    // outside one of its chords seen along Z, square beside it; the vertex is the end of that
-    // chord away from the ring, and the chain from it to s keeps within the outline's allowance
-    // of the rim or of the tube's line from the rim to s (its true outline there, seen along Z
-    // and in depth).
-    int rimChainVertex(const RimView& rim, const Station& end, _s_hd_point_ s,
-                       _s_hd_point_ shift) const {
+    // shift away from the rim's, at besidePhi along the bend) runs through, or -1: s lies nearer
+    // the viewer than the rim and outside one of its chords seen along Z, square beside it; the
+    // vertex is the end of that chord away from the ring, and the chain from it to s keeps within
+    // the outline's allowance of the rim, of the tube's line from the rim to s or of the true
+    // silhouette between the rim and the ring (its true outline there, seen along Z and in
+    // depth).
+    int rimChainVertex(const RimView& rim, const Station& end, _s_hd_point_ s, _s_hd_point_ shift,
+                       double besidePhi) const {
         if (!nearerThanRim(rim, s))
             return -1;
         int over = -1;
@@ -781,10 +785,32 @@ private:
         for (int k = 1; k < kRimChainSamples; ++k) {
             const _s_hd_point_ q = linComb(
                 1.0, rim.pts[v], static_cast<double>(k) / kRimChainSamples, vecSub(s, rim.pts[v]));
-            if (!(std::fmin(fromRim(rim, q), fromSegment(q, under, s)) <= chainTol_))
+            if (!(std::fmin(std::fmin(fromRim(rim, q), fromSegment(q, under, s)),
+                            fromSilhouette(q, end, besidePhi)) <= chainTol_))
                 return -1;
         }
         return v;
+    }
+
+    // How far p lies from the true silhouette of the tube between the end ring at end and the
+    // ring at besidePhi: from either chain of the silhouette points of kRimChainSamples stations
+    // between them, where the silhouette turns round the tube.
+    double fromSilhouette(_s_hd_point_ p, const Station& end, double besidePhi) const {
+        double best = HUGE_VAL;
+        Station prev = end;
+        for (int k = 1; k <= kRimChainSamples; ++k) {
+            const double phi =
+                end.phi + (besidePhi - end.phi) * static_cast<double>(k) / kRimChainSamples;
+            const Station st = stationAt(bend_, phi, &prev);
+            for (double side : {1.0, -1.0}) {
+                const _s_hd_point_ a =
+                    linComb(1.0, prev.centre, side * bend_.tubeRadius, prev.split);
+                const _s_hd_point_ b = linComb(1.0, st.centre, side * bend_.tubeRadius, st.split);
+                best = std::fmin(best, fromSegment(p, a, b));
+            }
+            prev = st;
+        }
+        return best;
     }
 
     // How far p lies from the rim's circle.

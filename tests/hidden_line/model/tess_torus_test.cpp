@@ -129,6 +129,14 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
          kPi / 2,
          {0.9969053095351903, 1.9986639138172464, -31.544517136591139},
          {-0.91322926504182111, 0.40744607631947938, 6.605328471951397e-05}},
+        // Seen 7e-4 off its length at the far end, the tube before it nearer the viewer: the
+        // silhouette turns round the tube between the rim and the ring beside it, and the chain
+        // from the rim's vertex keeps to it rather than to the rim or the tube's straight line.
+        {"a little off the tube at the far end, the silhouette turning",
+         0.50529321743414501,
+         2.8658202171325682,
+         {0.57476440546195562, 2.9393178966078288, 2.707792303197591},
+         {-0.91105832006603693, -0.41227715878683674, 0.00053083057944040791}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, vecNormalize(v.a), 0};
