@@ -246,20 +246,24 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// outline there leaves it by at most sqrt(2 r R) times the root of that lean
 /// (R the bend radius), a hundredth of sqrt(r R). Where the tube is seen nearly along its length,
 /// at an end or about a ring drawn whole, the rings there nearly coincide in the drawing; the
-/// points above keep the faces of the rings beside the drawn one off its chords. Two shortcomings
-/// are left. Seen within about 1e-3 of its length at an end where the tube beyond is nearer the
-/// viewer, the rings beside the rim can still stand over a rim chord: where the chain from the
-/// rim's vertex above would stray (the ring beside the rim lies too far from it along the tube),
-/// where only one silhouette point of that ring lies beyond a chord square beside it or the
+/// points above keep the faces of the rings beside the drawn one off its chords. Three
+/// shortcomings are left. Seen within about 1e-3 of its length at an end where the tube beyond is
+/// nearer the viewer, the rings beside the rim can still stand over a rim chord: where the chain
+/// from the rim's vertex above would stray (the ring beside the rim lies too far from it along the
+/// tube), where only one silhouette point of that ring lies beyond a chord square beside it or the
 /// silhouette turns less between them, and where the silhouette points of the rings further on
 /// turn back over that chain. Their chords, not drawn, are then the visible edge, and in such
-/// views a gap of up to about four and a half sagittas remains. And where rings are put in
-/// close beside a ring drawn whole (taken as seen end-on though its tangent leans a little from
-/// Z, beside an end rim or on a full ring), the faces beside some of its chords can face the same
-/// way, and those chords are drawn though they are no contour edge. Returns a new object owned by
-/// the caller; release it with freeHDProfObjectPointer. Returns null on non-finite input, when r or
-/// |s - c| is below 0.01, for a null axis, for s - c off the plane normal to the axis, for an angle
-/// not above 0 or above 2 pi, for n below 0 or above 100000, or if an allocation fails.
+/// views a gap of up to about four and a half sagittas remains; seen a few degrees off its length
+/// at an end, such a gap is rarer and smaller (under two sagittas where it was found). Seen within
+/// about 1e-3 of its length at an end where the tube beyond is farther from the viewer, a visible
+/// piece can stray from the true outline by up to about one and a half sagittas. And where rings
+/// are put in close beside a ring drawn whole (taken as seen end-on though its tangent leans a
+/// little from Z, beside an end rim or on a full ring), the faces beside some of its chords can
+/// face the same way, and those chords are drawn though they are no contour edge. Returns a new
+/// object owned by the caller; release it with freeHDProfObjectPointer. Returns null on non-finite
+/// input, when r or |s - c| is below 0.01, for a null axis, for s - c off the plane normal to the
+/// axis, for an angle not above 0 or above 2 pi, for n below 0 or above 100000, or if an allocation
+/// fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ s,
                                          _s_hd_point_ axis, int n);
 
