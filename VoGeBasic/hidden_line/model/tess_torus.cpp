@@ -782,33 +782,44 @@ private:
                           : (over + 1) % rim.count;
         const _s_hd_point_ under =
             ringPoint(bend_, end, aroundTube(bend_, end, vecSub(s, end.centre)));
+        const SilhouetteRun run = silhouetteRun(end, besidePhi);
         for (int k = 1; k < kRimChainSamples; ++k) {
             const _s_hd_point_ q = linComb(
                 1.0, rim.pts[v], static_cast<double>(k) / kRimChainSamples, vecSub(s, rim.pts[v]));
             if (!(std::fmin(std::fmin(fromRim(rim, q), fromSegment(q, under, s)),
-                            fromSilhouette(q, end, besidePhi)) <= chainTol_))
+                            fromSilhouette(q, run)) <= chainTol_))
                 return -1;
         }
         return v;
     }
 
-    // How far p lies from the true silhouette of the tube between the end ring at end and the
-    // ring at besidePhi: from either chain of the silhouette points of kRimChainSamples stations
-    // between them, where the silhouette turns round the tube.
-    double fromSilhouette(_s_hd_point_ p, const Station& end, double besidePhi) const {
-        double best = HUGE_VAL;
-        Station prev = end;
-        for (int k = 1; k <= kRimChainSamples; ++k) {
-            const double phi =
-                end.phi + (besidePhi - end.phi) * static_cast<double>(k) / kRimChainSamples;
-            const Station st = stationAt(bend_, phi, &prev);
-            for (double side : {1.0, -1.0}) {
-                const _s_hd_point_ a =
-                    linComb(1.0, prev.centre, side * bend_.tubeRadius, prev.split);
-                const _s_hd_point_ b = linComb(1.0, st.centre, side * bend_.tubeRadius, st.split);
-                best = std::fmin(best, fromSegment(p, a, b));
+    // The true silhouette of the tube between the end ring at end and the ring at besidePhi,
+    // where it turns round the tube: both chains of the silhouette points of the end and of
+    // kRimChainSamples stations on to besidePhi.
+    struct SilhouetteRun {
+        _s_hd_point_ pts[2][kRimChainSamples + 1];
+    };
+    SilhouetteRun silhouetteRun(const Station& end, double besidePhi) const {
+        SilhouetteRun run;
+        Station st = end;
+        for (int k = 0; k <= kRimChainSamples; ++k) {
+            if (k > 0) {
+                const double phi =
+                    end.phi + (besidePhi - end.phi) * static_cast<double>(k) / kRimChainSamples;
+                st = stationAt(bend_, phi, &st);
             }
-            prev = st;
+            run.pts[0][k] = linComb(1.0, st.centre, bend_.tubeRadius, st.split);
+            run.pts[1][k] = linComb(1.0, st.centre, -bend_.tubeRadius, st.split);
+        }
+        return run;
+    }
+
+    // How far p lies from the silhouette run.
+    static double fromSilhouette(_s_hd_point_ p, const SilhouetteRun& run) {
+        double best = HUGE_VAL;
+        for (int k = 1; k <= kRimChainSamples; ++k) {
+            for (int side = 0; side < 2; ++side)
+                best = std::fmin(best, fromSegment(p, run.pts[side][k - 1], run.pts[side][k]));
         }
         return best;
     }
