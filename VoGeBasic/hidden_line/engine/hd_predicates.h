@@ -122,9 +122,14 @@ inline FlatRun flatRunOf(_s_hd_point_ a, _s_hd_point_ b) {
     const double dy = b.y - a.y;
     return {dx, dy, std::sqrt(dx * dx + dy * dy)};
 }
-/// crossProjections with the runs of a -> b and c -> d already worked out.
-inline ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
-                                     const FlatRun& line, const FlatRun& edge) {
+/// The point a + t (b - a), as crossProjections and linePlaneInter work it out.
+inline _s_hd_point_ pointAlong(_s_hd_point_ a, _s_hd_point_ b, double t) {
+    return linComb(1.0, a, t, vecSub(b, a));
+}
+/// crossProjections' parameters alone (parallel, lineAt, edgeAt), from the runs of a -> b and
+/// c -> d; onLine and onEdge are left at a and c, to be worked out with pointAlong where asked.
+inline ProjCrossing crossParameters(_s_hd_point_ a, _s_hd_point_ c, const FlatRun& line,
+                                    const FlatRun& edge) {
     ProjCrossing x = {true, a, c, 0.0, 0.0};
     const double den = det2(line.dx, line.dy, edge.dx, edge.dy);
     if (!(line.len > 0.0) || !(edge.len > 0.0) ||
@@ -135,8 +140,16 @@ inline ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point
     x.parallel = false;
     x.lineAt = det2(wx, wy, edge.dx, edge.dy) / den;
     x.edgeAt = det2(wx, wy, line.dx, line.dy) / den;
-    x.onLine = linComb(1.0, a, x.lineAt, vecSub(b, a));
-    x.onEdge = linComb(1.0, c, x.edgeAt, vecSub(d, c));
+    return x;
+}
+/// crossProjections with the runs of a -> b and c -> d already worked out.
+inline ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,
+                                     const FlatRun& line, const FlatRun& edge) {
+    ProjCrossing x = crossParameters(a, c, line, edge);
+    if (!x.parallel) {
+        x.onLine = pointAlong(a, b, x.lineAt);
+        x.onEdge = pointAlong(c, d, x.edgeAt);
+    }
     return x;
 }
 

@@ -31,11 +31,13 @@ bool onEdgeAt(_s_hd_point_ p, double t, const HDFace& f, int k, const FaceTestAi
         aids.prep != nullptr ? aids.prep->len2[k] : pointDist2(f.v[k], f.v[nextVertex(k, f.count)]);
     return (surelyWithinSegment(t, len2) && edgeBounded(f, k, aids)) || onEdge(p, f, k, aids);
 }
+// crossParameters of the line and edge k: where their projections cross, as crossProjections
+// works it out, with the points left to pointAlong.
 ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
     const _s_hd_point_ a = f.v[k];
-    const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
-    return crossProjections(line.p, line.q, a, b, line.run,
-                            aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, b));
+    return crossParameters(
+        line.p, a, line.run,
+        aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, f.v[nextVertex(k, f.count)]));
 }
 
 // isLineCrossPlane(a, b, n) != 0, n a unit normal, deciding from the unnormalised direction
@@ -142,14 +144,19 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
         const ProjCrossing x = crossEdge(line, f, k, aids);
         if (x.parallel)
             continue;
-        const _s_hd_point_ k3 = x.onLine;
-        const double edgeZ = x.onEdge.z;
-        if (!(edgeZ < k3.z || std::fabs(k3.z - edgeZ) < hd::kLevelDepthTol) ||
-            isSamePointFine(k3, p) || isSamePointFine(k3, q))
+        // The depths first: most crossings of a line in front of the face end there, before
+        // the points are worked out whole.
+        const _s_hd_point_ b = f.v[next];
+        const double lineZ = pointAlong(p, q, x.lineAt).z;
+        const double edgeZ = pointAlong(f.v[k], b, x.edgeAt).z;
+        if (!(edgeZ < lineZ || std::fabs(lineZ - edgeZ) < hd::kLevelDepthTol))
+            continue;
+        const _s_hd_point_ k3 = pointAlong(p, q, x.lineAt);
+        if (isSamePointFine(k3, p) || isSamePointFine(k3, q))
             continue;
         // Only where the edge crosses the segment itself: a crossing of its extension would
         // give a piece that leaves the line.
-        if (!onEdgeAt(x.onEdge, x.edgeAt, f, k, aids) ||
+        if (!onEdgeAt(pointAlong(f.v[k], b, x.edgeAt), x.edgeAt, f, k, aids) ||
             !onSegAt(k3, x.lineAt, line.len2, p, q, line.reach, line.bounded))
             continue;
         if (found == 0) {
