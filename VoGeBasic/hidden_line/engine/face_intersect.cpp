@@ -634,17 +634,13 @@ bool parallelNormals(_s_hd_point_ n, _s_hd_point_ o) {
     return std::fabs(std::fabs(vecDot(n, o)) - 1.0) < hd::kParallelFacesTol;
 }
 
-// pairSides past its test of f's centre (wellBeyond), which has said no where both faces are
-// flat and bounded, span being the faces' commonSpan and m its apartMargin.
+// pairSides past f's distances from g's plane (df, worked out where fBounded), which have not
+// parted the pair, span being the faces' commonSpan and m its apartMargin.
 PairSides sidesApart(const HDFace& f, const FaceFacts& ff, const HDFace& g, const FaceFacts& gf,
-                     double span, double m) {
+                     double span, double m, bool fBounded, const double* df) {
     const bool bothFlat = ff.flat && gf.flat;
     const bool cullable = ff.bounded && gf.bounded && bothFlat;
-    double df[kMaxFaceVertices];
     double dg[kMaxFaceVertices];
-    const bool fBounded = planeDistances(f, ff.bounded, gf, df);
-    if (fBounded && gf.bounded && bothFlat && allBeyond(df, f.count, m))
-        return {true, 0u, 0u};
     if (cullable && wellBeyond(gf, ff, m))
         return {true, 0u, 0u};
     const bool gBounded = planeDistances(g, gf.bounded, ff, dg);
@@ -664,16 +660,21 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
     const double m = apartMargin(span);
     // f's distances alone settle most pairs that lie apart, and its centre's distance most of
     // those; g's are worked out only when not.
-    if (ff.bounded && gf.bounded && ff.flat && gf.flat && wellBeyond(ff, gf, m))
+    const bool cullable = ff.bounded && gf.bounded && ff.flat && gf.flat;
+    if (cullable && wellBeyond(ff, gf, m))
         return {true, 0u, 0u};
-    return sidesApart(f, ff, g, gf, span, m);
+    double df[kMaxFaceVertices];
+    const bool fBounded = planeDistances(f, ff.bounded, gf, df);
+    if (fBounded && cullable && allBeyond(df, f.count, m))
+        return {true, 0u, 0u};
+    return sidesApart(f, ff, g, gf, span, m, fBounded, df);
 }
 
 // pairSides for two faces read for intersection (fe and ge their extents), and apart without
 // asking where the extents do not overlap. For two cullable faces, pairSides' tests up to that
-// of f's centre are made here, in the caller's loop over the faces g, from g's extents and facts
-// alone: the same tests of copies of the same values (the extents; the plane in the facts), in
-// the same order, as pairSides makes them.
+// of f's distances from g's plane are made here, in the caller's loop over the faces g, reading
+// of g its extents and facts alone: the same tests of copies of the same values (the extents;
+// the plane in the facts), in the same order, as pairSides makes them.
 inline PairSides openPair(const PreparedFace& f, const Extents& fe, const PreparedFace& g,
                           const Extents& ge) {
     if (!extentsOverlap(fe, ge))
@@ -688,7 +689,11 @@ inline PairSides openPair(const PreparedFace& f, const Extents& fe, const Prepar
     const double m = apartMargin(span);
     if (wellBeyond(ff, gf, m))
         return {true, 0u, 0u};
-    return sidesApart(f.face, ff, g.face, gf, span, m);
+    double df[kMaxFaceVertices];
+    planeDistances(f.face, true, gf, df);
+    if (allBeyond(df, f.face.count, m))
+        return {true, 0u, 0u};
+    return sidesApart(f.face, ff, g.face, gf, span, m, true, df);
 }
 
 // cutAlong's last step, for the two distinct points pts kept from the faces f and g. Two faces
