@@ -157,9 +157,13 @@ inline bool boundedEnds(_s_hd_point_ a, _s_hd_point_ b) {
            std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
 }
 
-/// The same point to the bit (a NaN coordinate the same as itself, -0 apart from 0).
+/// The same point to the bit (a NaN coordinate the same as itself, -0 apart from 0). The
+/// coordinates are compared in turn, the first that differs ending the test: the record is its
+/// three coordinates and nothing else (hd_records.h checks its size), and most points compared
+/// differ in x.
 inline bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return std::memcmp(&a.x, &b.x, sizeof a.x) == 0 && std::memcmp(&a.y, &b.y, sizeof a.y) == 0 &&
+           std::memcmp(&a.z, &b.z, sizeof a.z) == 0;
 }
 
 /// surelyOnSegment's test of t alone: t leaves at least kSureOnEdgeEnd and kSureOnEdgeRel of
