@@ -670,13 +670,15 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
     return sidesApart(f, ff, g, gf, span, m, fBounded, df);
 }
 
+bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g);
+
 // pairSides for two faces read for intersection (fe and ge their extents), and apart without
 // asking where the extents do not overlap. For two cullable faces, pairSides' tests up to that
 // of f's distances from g's plane are made here, in the caller's loop over the faces g, reading
 // of g its extents and facts alone: the same tests of copies of the same values (the extents;
 // the plane in the facts), in the same order, as pairSides makes them.
 inline PairSides openPair(const PreparedFace& f, const Extents& fe, const PreparedFace& g,
-                          const Extents& ge) {
+                          const Extents& ge, bool own = false) {
     if (!extentsOverlap(fe, ge))
         return {true, 0u, 0u};
     const FaceFacts& ff = f.facts;
@@ -692,6 +694,11 @@ inline PairSides openPair(const PreparedFace& f, const Extents& fe, const Prepar
     double df[kMaxFaceVertices];
     planeDistances(f.face, true, gf, df);
     if (allBeyond(df, f.face.count, m))
+        return {true, 0u, 0u};
+    // With own (two distinct faces of one object), a pair that meets only where the two share a
+    // vertex or an edge (meetOnlyAtShared) is passed over as apart before g's distances: whether
+    // the rest of pairSides parts it or not, the faces give no line, in either order.
+    if (own && meetOnlyAtShared(f, g))
         return {true, 0u, 0u};
     return sidesApart(f.face, ff, g.face, gf, span, m, true, df);
 }
@@ -984,7 +991,7 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
         SlabVisit near(slabs, fe, fi, n);
         for (int gi = near.next(); gi >= 0 && ok; gi = near.next()) {
             const PreparedFace& g = own.faces[gi];
-            const PairSides sides = openPair(f, fe, g, own.ext[gi]);
+            const PairSides sides = openPair(f, fe, g, own.ext[gi], gi != fi);
             if (sides.apart)
                 continue;
             _s_hd_point_ a;
@@ -994,8 +1001,9 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
                     ok = found.append(a, b);
                 continue;
             }
-            // No line either way: nothing to append, nothing to keep for (g, f).
-            if (meetOnlyAtShared(f, g))
+            // No line either way: nothing to append, nothing to keep for (g, f). openPair has asked
+            // already for two cullable faces.
+            if (!(f.facts.cullable && g.facts.cullable) && meetOnlyAtShared(f, g))
                 continue;
             _s_hd_point_ fromF[kMaxFaceVertices];
             _s_hd_point_ fromG[kMaxFaceVertices];
