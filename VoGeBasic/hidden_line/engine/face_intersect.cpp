@@ -525,13 +525,16 @@ private:
 };
 
 // True when the segment a -> b runs along one edge of the face (both ends on it). With the
-// face's prepared data the edges' reaches are taken from it.
+// face's prepared data the edges' reaches are taken from it. Both ends are held to the edge's
+// reach before either is measured (onSegWithin's two tests depend on nothing but their
+// arguments, so their order changes no answer).
 bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const FacePrep* prep) {
     for (int k = 0; k < face.count; ++k) {
         const _s_hd_point_ v = face.v[k];
         const _s_hd_point_ w = face.v[nextVertex(k, face.count)];
         const SegmentReach reach = prep != nullptr ? prep->reach[k] : segmentReach(v, w);
-        if (onSegWithin(a, v, w, reach) && onSegWithin(b, v, w, reach))
+        if (!reach.excludes(a) && !reach.excludes(b) && detail::isPointOnSegInReach(a, v, w) != 0 &&
+            detail::isPointOnSegInReach(b, v, w) != 0)
             return true;
     }
     return false;
