@@ -217,16 +217,17 @@ namespace detail {
 template <class OnEdge, class EdgeLen2>
 int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point_ area,
                    OnEdge&& onEdge, EdgeLen2&& len2) {
-    for (int k = 0; k < count; ++k) {
-        if (onEdge(k))
-            return 1;
-    }
-    // Each vertex's squared distance, and below its distance, is worked out once for both
-    // edges at it.
+    // Near a vertex or on an edge answers 1 whichever is asked first: the vertices, whose
+    // distances the angles need anyway, come first. Each vertex's squared distance, and below
+    // its distance, is worked out once for both edges at it.
     double dist2[kMaxFaceVertices];
     for (int k = 0; k < count; ++k) {
         dist2[k] = pointDist2(p, v[k]);
         if (dist2[k] <= hd::kInFaceVertexDist2)
+            return 1;
+    }
+    for (int k = 0; k < count; ++k) {
+        if (onEdge(k))
             return 1;
     }
     // The area normal gives every edge's angle its sign: it works for any simple polygon,
