@@ -64,13 +64,18 @@ bool boundedFace(const HDFace& e) {
            e.zmin >= -lim;
 }
 
-// What pairSides asks of each face alone, worked out once per face rather than once per pair.
+// What pairSides asks of each face alone, worked out once per face rather than once per pair,
+// with copies of the face's plane (its normal and first vertex), so that the first tests of a
+// pair read one short record of each face.
 struct FaceFacts {
     bool noPlane;         ///< zero normal: the face meets nothing
     bool bounded;         ///< boundedFace
     bool flat;            ///< isFlatFace, as apartMargin's bound asks
+    bool cullable;        ///< bounded and flat, with a plane: pairSides may part it from another
     _s_hd_point_ centre;  ///< the middle of the face's extents
     double reach;         ///< half the extents' diagonal: no vertex lies farther from centre
+    _s_hd_point_ normal;  ///< the face's normal
+    _s_hd_point_ v0;      ///< its first vertex
 };
 FaceFacts faceFacts(const HDFace& e) {
     const double size = faceSize(e);
@@ -79,15 +84,21 @@ FaceFacts faceFacts(const HDFace& e) {
     const double dx = e.xmax - e.xmin;
     const double dy = e.ymax - e.ymin;
     const double dz = e.zmax - e.zmin;
-    return {isZero(e.normal), boundedFace(e), isFlatFace(e, size), centre,
-            0.5 * std::sqrt(dx * dx + dy * dy + dz * dz)};
+    const bool noPlane = isZero(e.normal);
+    const bool bounded = boundedFace(e);
+    const bool flat = isFlatFace(e, size);
+    return {noPlane,  bounded,
+            flat,     bounded && flat && !noPlane,
+            centre,   0.5 * std::sqrt(dx * dx + dy * dy + dz * dz),
+            e.normal, e.v[0]};
 }
 
 // Covers the rounding in wellBeyond: a few 1e-6 at coordinates within kCullCoordLimit.
 constexpr double kWellBeyondSlack = 1e-4;
 
 // True when every vertex of the face e (its facts ef; both faces boundedFace) lies on one side of
-// the face `plane`'s plane, farther from it than m, and planeDistances and allBeyond would say so:
+// the plane of the face whose facts are plane, farther from it than m, and planeDistances and
+// allBeyond would say so:
 // when e's centre lies farther than its reach plus m plus kWellBeyondSlack from the plane. One
 // distance in place of e.count. The extents are the least and greatest vertex coordinates, so
 // each vertex v lies within the extents' half diagonal of the true centre, and the unit normal n
@@ -95,19 +106,19 @@ constexpr double kWellBeyondSlack = 1e-4;
 // Rounding, at coordinates within kCullCoordLimit, puts the centre, the reach, the distance worked
 // out here and each one planeDistances works out within 2e-6 of the true values: every distance
 // allBeyond compares lies beyond m by over 9e-5. NaN fails.
-bool wellBeyond(const FaceFacts& ef, const HDFace& plane, double m) {
-    const double d = vecDot(plane.normal, vecSub(ef.centre, plane.v[0]));
+bool wellBeyond(const FaceFacts& ef, const FaceFacts& plane, double m) {
+    const double d = vecDot(plane.normal, vecSub(ef.centre, plane.v0));
     const double far = ef.reach + m + kWellBeyondSlack;
     return d > far || d < -far;
 }
 
-// The signed distances d[k] of e's vertices from the face `plane`'s plane. False, leaving d
-// unset, when e is not a boundedFace (bounded: whether it is).
-bool planeDistances(const HDFace& e, bool bounded, const HDFace& plane, double* d) {
+// The signed distances d[k] of e's vertices from the plane of the face whose facts are plane.
+// False, leaving d unset, when e is not a boundedFace (bounded: whether it is).
+bool planeDistances(const HDFace& e, bool bounded, const FaceFacts& plane, double* d) {
     if (!bounded)
         return false;
     for (int k = 0; k < e.count; ++k)
-        d[k] = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
+        d[k] = vecDot(plane.normal, vecSub(e.v[k], plane.v0));
     return true;
 }
 
@@ -263,9 +274,9 @@ void withOutline(const HDFace& face, FacePrep& prep) {
 
 // A face read for intersection, with its prepared data and its faceFacts.
 struct PreparedFace {
+    FaceFacts facts;  ///< first: a pair's first tests read it alone
     HDFace face;
     FacePrep prep;
-    FaceFacts facts;
 };
 
 // The common box of one object's faces (the extents of those that have them), with what
@@ -514,13 +525,16 @@ private:
 };
 
 // True when the segment a -> b runs along one edge of the face (both ends on it). With the
-// face's prepared data the edges' reaches are taken from it.
+// face's prepared data the edges' reaches are taken from it. Both ends are held to the edge's
+// reach before either is measured (onSegWithin's two tests depend on nothing but their
+// arguments, so their order changes no answer).
 bool runsAlongEdge(_s_hd_point_ a, _s_hd_point_ b, const HDFace& face, const FacePrep* prep) {
     for (int k = 0; k < face.count; ++k) {
         const _s_hd_point_ v = face.v[k];
         const _s_hd_point_ w = face.v[nextVertex(k, face.count)];
         const SegmentReach reach = prep != nullptr ? prep->reach[k] : segmentReach(v, w);
-        if (onSegWithin(a, v, w, reach) && onSegWithin(b, v, w, reach))
+        if (!reach.excludes(a) && !reach.excludes(b) && detail::isPointOnSegInReach(a, v, w) != 0 &&
+            detail::isPointOnSegInReach(b, v, w) != 0)
             return true;
     }
     return false;
@@ -617,43 +631,79 @@ struct PairSides {
     bool apart;
     unsigned fOff, gOff;
 };
-PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const FaceFacts& gf,
-                    bool shortcuts) {
-    if (ff.noPlane || gf.noPlane)
-        return {true, 0u, 0u};
-    if (std::fabs(std::fabs(vecDot(f.normal, g.normal)) - 1.0) < hd::kParallelFacesTol)
-        return {true, 0u, 0u};
-    if (!shortcuts)
-        return {false, 0u, 0u};
-    const double span = commonSpan(f, g, ff.bounded && gf.bounded);
-    const double m = apartMargin(span);
+// True when two faces of unit normals n and o are parallel: pairSides' first test of two faces
+// with a plane.
+bool parallelNormals(_s_hd_point_ n, _s_hd_point_ o) {
+    return std::fabs(std::fabs(vecDot(n, o)) - 1.0) < hd::kParallelFacesTol;
+}
+
+// pairSides past f's distances from g's plane (df, worked out where fBounded), which have not
+// parted the pair, span being the faces' commonSpan and m its apartMargin.
+PairSides sidesApart(const HDFace& f, const FaceFacts& ff, const HDFace& g, const FaceFacts& gf,
+                     double span, double m, bool fBounded, const double* df) {
     const bool bothFlat = ff.flat && gf.flat;
-    // f's distances alone settle most pairs that lie apart, and its centre's distance most of
-    // those; g's are worked out only when not.
     const bool cullable = ff.bounded && gf.bounded && bothFlat;
-    if (cullable && wellBeyond(ff, g, m))
-        return {true, 0u, 0u};
-    double df[kMaxFaceVertices];
     double dg[kMaxFaceVertices];
-    const bool fBounded = planeDistances(f, ff.bounded, g, df);
-    if (fBounded && gf.bounded && bothFlat && allBeyond(df, f.count, m))
+    if (cullable && wellBeyond(gf, ff, m))
         return {true, 0u, 0u};
-    if (cullable && wellBeyond(gf, f, m))
-        return {true, 0u, 0u};
-    const bool gBounded = planeDistances(g, gf.bounded, f, dg);
+    const bool gBounded = planeDistances(g, gf.bounded, ff, dg);
     if (fBounded && gBounded && bothFlat && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)))
         return {true, 0u, 0u};
     return {false, fBounded ? offPlaneEdges(f, df, span) : 0u,
             gBounded ? offPlaneEdges(g, dg, span) : 0u};
 }
 
+PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const FaceFacts& gf,
+                    bool shortcuts) {
+    if (ff.noPlane || gf.noPlane || parallelNormals(ff.normal, gf.normal))
+        return {true, 0u, 0u};
+    if (!shortcuts)
+        return {false, 0u, 0u};
+    const double span = commonSpan(f, g, ff.bounded && gf.bounded);
+    const double m = apartMargin(span);
+    // f's distances alone settle most pairs that lie apart, and its centre's distance most of
+    // those; g's are worked out only when not.
+    const bool cullable = ff.bounded && gf.bounded && ff.flat && gf.flat;
+    if (cullable && wellBeyond(ff, gf, m))
+        return {true, 0u, 0u};
+    double df[kMaxFaceVertices];
+    const bool fBounded = planeDistances(f, ff.bounded, gf, df);
+    if (fBounded && cullable && allBeyond(df, f.count, m))
+        return {true, 0u, 0u};
+    return sidesApart(f, ff, g, gf, span, m, fBounded, df);
+}
+
+bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g);
+
 // pairSides for two faces read for intersection (fe and ge their extents), and apart without
-// asking where the extents do not overlap.
-PairSides openPair(const PreparedFace& f, const Extents& fe, const PreparedFace& g,
-                   const Extents& ge) {
+// asking where the extents do not overlap. For two cullable faces, pairSides' tests up to that
+// of f's distances from g's plane are made here, in the caller's loop over the faces g, reading
+// of g its extents and facts alone: the same tests of copies of the same values (the extents;
+// the plane in the facts), in the same order, as pairSides makes them.
+inline PairSides openPair(const PreparedFace& f, const Extents& fe, const PreparedFace& g,
+                          const Extents& ge, bool own = false) {
     if (!extentsOverlap(fe, ge))
         return {true, 0u, 0u};
-    return pairSides(f.face, f.facts, g.face, g.facts, true);
+    const FaceFacts& ff = f.facts;
+    const FaceFacts& gf = g.facts;
+    if (!ff.cullable || !gf.cullable)
+        return pairSides(f.face, ff, g.face, gf, true);
+    if (parallelNormals(ff.normal, gf.normal))
+        return {true, 0u, 0u};
+    const double span = commonSpan(fe, ge, true);
+    const double m = apartMargin(span);
+    if (wellBeyond(ff, gf, m))
+        return {true, 0u, 0u};
+    double df[kMaxFaceVertices];
+    planeDistances(f.face, true, gf, df);
+    if (allBeyond(df, f.face.count, m))
+        return {true, 0u, 0u};
+    // With own (two distinct faces of one object), a pair that meets only where the two share a
+    // vertex or an edge (meetOnlyAtShared) is passed over as apart before g's distances: whether
+    // the rest of pairSides parts it or not, the faces give no line, in either order.
+    if (own && meetOnlyAtShared(f, g))
+        return {true, 0u, 0u};
+    return sidesApart(f.face, ff, g.face, gf, span, m, true, df);
 }
 
 // cutAlong's last step, for the two distinct points pts kept from the faces f and g. Two faces
@@ -944,7 +994,7 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
         SlabVisit near(slabs, fe, fi, n);
         for (int gi = near.next(); gi >= 0 && ok; gi = near.next()) {
             const PreparedFace& g = own.faces[gi];
-            const PairSides sides = openPair(f, fe, g, own.ext[gi]);
+            const PairSides sides = openPair(f, fe, g, own.ext[gi], gi != fi);
             if (sides.apart)
                 continue;
             _s_hd_point_ a;
@@ -954,8 +1004,9 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
                     ok = found.append(a, b);
                 continue;
             }
-            // No line either way: nothing to append, nothing to keep for (g, f).
-            if (meetOnlyAtShared(f, g))
+            // No line either way: nothing to append, nothing to keep for (g, f). openPair has asked
+            // already for two cullable faces.
+            if (!(f.facts.cullable && g.facts.cullable) && meetOnlyAtShared(f, g))
                 continue;
             _s_hd_point_ fromF[kMaxFaceVertices];
             _s_hd_point_ fromG[kMaxFaceVertices];

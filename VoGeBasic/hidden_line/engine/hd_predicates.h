@@ -170,9 +170,13 @@ inline bool boundedEnds(_s_hd_point_ a, _s_hd_point_ b) {
            std::fabs(b.x) <= lim && std::fabs(b.y) <= lim && std::fabs(b.z) <= lim;
 }
 
-/// The same point to the bit (a NaN coordinate the same as itself, -0 apart from 0).
+/// The same point to the bit (a NaN coordinate the same as itself, -0 apart from 0). The
+/// coordinates are compared in turn, the first that differs ending the test: the record is its
+/// three coordinates and nothing else (hd_records.h checks its size), and most points compared
+/// differ in x.
 inline bool sameBits(_s_hd_point_ a, _s_hd_point_ b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return std::memcmp(&a.x, &b.x, sizeof a.x) == 0 && std::memcmp(&a.y, &b.y, sizeof a.y) == 0 &&
+           std::memcmp(&a.z, &b.z, sizeof a.z) == 0;
 }
 
 /// surelyOnSegment's test of t alone: t leaves at least kSureOnEdgeEnd and kSureOnEdgeRel of
@@ -226,16 +230,17 @@ namespace detail {
 template <class OnEdge, class EdgeLen2>
 int pointInPolygon(_s_hd_point_ p, int count, const _s_hd_point_* v, _s_hd_point_ area,
                    OnEdge&& onEdge, EdgeLen2&& len2) {
-    for (int k = 0; k < count; ++k) {
-        if (onEdge(k))
-            return 1;
-    }
-    // Each vertex's squared distance, and below its distance, is worked out once for both
-    // edges at it.
+    // Near a vertex or on an edge answers 1 whichever is asked first: the vertices, whose
+    // distances the angles need anyway, come first. Each vertex's squared distance, and below
+    // its distance, is worked out once for both edges at it.
     double dist2[kMaxFaceVertices];
     for (int k = 0; k < count; ++k) {
         dist2[k] = pointDist2(p, v[k]);
         if (dist2[k] <= hd::kInFaceVertexDist2)
+            return 1;
+    }
+    for (int k = 0; k < count; ++k) {
+        if (onEdge(k))
             return 1;
     }
     // The area normal gives every edge's angle its sign: it works for any simple polygon,
