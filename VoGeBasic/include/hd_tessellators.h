@@ -212,9 +212,11 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// leaves out the pattern vertices closer than half a chord to them. A ring drawn whole (below)
 /// also holds the points round the tube where its neighbours' silhouette points lie outside its
 /// chords seen along Z. Beside an end rim, a ring whose silhouette point lies nearer the viewer
-/// than the rim, under the rim's circle but outside one of its chords seen along Z, with the
-/// ring's pattern vertices there inside that chord and the silhouette points of the rings on
-/// either side no farther outside the rim's chords than the sagitta allowance below, holds the
+/// than the rim, under the rim's circle but outside one of its chords seen along Z (or outside
+/// the circle by up to a tenth of the allowance below, and then beyond the chord by at most nine
+/// tenths of it: the rings next to a rim seen nearly along the tube lie that little outside it),
+/// with the ring's pattern vertices there inside that chord and the silhouette points of the rings
+/// on either side no farther outside the rim's chords than the sagitta allowance below, holds the
 /// pattern vertex nearest that point in its place, and that silhouette is not drawn to or from
 /// that ring (it lies along the rim there). Where the silhouette turns round the tube by more than
 /// a quarter of a chord between an end rim and the ring beside it (the tube seen nearly along its
@@ -253,12 +255,14 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// tube), where only one silhouette point of that ring lies beyond a chord square beside it or the
 /// silhouette turns less between them, and where the silhouette points of the rings further on
 /// turn back over that chain. Their chords, not drawn, are then the visible edge, and in such
-/// views a gap of up to about four and a half sagittas remains; seen a few degrees off its length
-/// at an end, such a gap is rarer and smaller (under two sagittas where it was found). Seen within
-/// about 1e-3 of its length at an end where the tube beyond is farther from the viewer, a visible
-/// piece can stray from the true outline by up to about one and a half sagittas. And where rings
-/// are put in close beside a ring drawn whole (taken as seen end-on though its tangent leans a
-/// little from Z, beside an end rim or on a full ring), the faces beside some of its chords can
+/// views a gap of up to about three and a half sagittas remains; where such a ring just outside
+/// the rim's circle holds a pattern vertex, a ring further on can still stand over the rim's
+/// chord at its end, and a gap of a little over a sagitta was found; seen a few degrees off its
+/// length at an end, such a gap is rarer and smaller (under two sagittas where it was found). Seen
+/// within about 1e-3 of its length at an end where the tube beyond is farther from the viewer, a
+/// visible piece can stray from the true outline by up to about one and a half sagittas. And where
+/// rings are put in close beside a ring drawn whole (taken as seen end-on though its tangent leans
+/// a little from Z, beside an end rim or on a full ring), the faces beside some of its chords can
 /// face the same way, and those chords are drawn though they are no contour edge. Returns a new
 /// object owned by the caller; release it with freeHDProfObjectPointer. Returns null on non-finite
 /// input, when r or |s - c| is below 0.01, for a null axis, for s - c off the plane normal to the

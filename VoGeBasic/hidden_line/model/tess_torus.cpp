@@ -86,6 +86,12 @@ constexpr double kRimSlackRel = 1e-9;
 /// Where that slack (with the coordinates' rounding) exceeds this share of the outline's
 /// allowance, which side of a chord a point lies on is rounding: rings stay as made.
 constexpr double kRimSlackShare = 0.01;
+/// A silhouette point of a ring beside an end rim up to this share of the outline's allowance
+/// outside the rim's circle seen along Z still lies along the rim (see ElbowBuilder::underRim)
+/// where it lies beyond the rim's chord by no more than kRimOverShare of the allowance: the rings
+/// next to a rim seen nearly along the tube lie that little outside it.
+constexpr double kRimReachShare = 0.1;
+constexpr double kRimOverShare = 0.9;
 /// A ring seen end-on where the tangent comes nearest the view axis takes the place of a chosen
 /// ring within this many chosen steps of it: the bands on either side then span a step or more.
 constexpr double kEndOnStandInSteps = 0.25;
@@ -689,15 +695,18 @@ private:
     bool underRim(const PendingRing& p, int side, _s_hd_point_ prev, _s_hd_point_ next) const {
         const _s_hd_point_ s = p.tube.chain(side);
         for (const RimView* rim : {&startRim_, &farRim_}) {
-            if (!rim->usable || !rimCovers(*rim, s) || !nearerThanRim(*rim, s))
+            if (!rim->usable || !rimCovers(*rim, s, kRimReachShare * chainTol_) ||
+                !nearerThanRim(*rim, s))
                 continue;
             int over = 0;
             for (int k = 1; k < rim->count; ++k) {
                 if (beyondChord(*rim, k, s) > beyondChord(*rim, over, s))
                     over = k;
             }
-            if (!(beyondChord(*rim, over, s) > rimSlack_) || beyondChords(*rim, prev) > chainTol_ ||
-                beyondChords(*rim, next) > chainTol_ ||
+            const double beyond = beyondChord(*rim, over, s);
+            if (!(beyond > rimSlack_) ||
+                (beyond > kRimOverShare * chainTol_ && !rimCovers(*rim, s)) ||
+                beyondChords(*rim, prev) > chainTol_ || beyondChords(*rim, next) > chainTol_ ||
                 behindOtherEnd(*rim, rim == &startRim_ ? farRim_ : startRim_, over))
                 continue;
             bool beside = true;
@@ -868,11 +877,12 @@ private:
         return p.z < depth - rimSlack_;
     }
 
-    // True when the line along Z through p meets the rim's disc (its circle within the slack).
-    bool rimCovers(const RimView& rim, _s_hd_point_ p) const {
+    // True when the line along Z through p meets the rim's disc (its circle within the slack),
+    // or comes within the given distance beyond it.
+    bool rimCovers(const RimView& rim, _s_hd_point_ p, double beyond = 0.0) const {
         const double lambda = vecDot(vecSub(rim.centre, p), rim.normal) / rim.normal.z;
         const _s_hd_point_ d = vecSub(linComb(1.0, p, lambda, kViewAxis), rim.centre);
-        const double reach = bend_.tubeRadius + rimSlack_;
+        const double reach = bend_.tubeRadius + rimSlack_ + beyond;
         return vecDot(d, d) <= reach * reach;
     }
 
