@@ -140,15 +140,18 @@ public:
     /// pieces makes, whatever is appended later, and the merge goes on from them. Returns true,
     /// playing no further, once the first piece runs from p to q to the bit.
     bool playFirstRow(_s_hd_point_ p, _s_hd_point_ q);
-    void clear() { count_ = seen_ = played_ = 0; }
+    void clear() { count_ = seen_ = played_ = settled_ = 0; }
     /// Keeps the first n pieces (as merged: the first row is played afresh).
     void truncate(size_t n) {
         count_ = n < count_ ? n : count_;
-        seen_ = played_ = 0;
+        seen_ = played_ = settled_ = 0;
     }
     size_t size() const { return count_; }
     /// The merges playFirstRow has made since the last clear().
     size_t firstRowMerges() const { return played_; }
+    /// True when playFirstRow last ended with the first piece absorbing none of the pieces left
+    /// and none has been appended since: the first piece, as it is, fails against every one.
+    bool firstRowSettled() const { return count_ > 0 && settled_ == count_; }
     Piece* pieces() { return pieces_; }
     /// Room for an index of each piece, for merging without moving the pieces.
     size_t* order() { return order_; }
@@ -163,8 +166,9 @@ private:
     size_t* changes_ = nullptr;
     size_t capacity_ = 0;
     size_t count_ = 0;
-    size_t seen_ = 0;    ///< the pieces the first row has been played over
-    size_t played_ = 0;  ///< the merges the first row has made
+    size_t seen_ = 0;     ///< the pieces the first row has been played over
+    size_t played_ = 0;   ///< the merges the first row has made
+    size_t settled_ = 0;  ///< the pieces there were when the first row last found nothing
 };
 
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement

@@ -159,8 +159,10 @@ bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
         const _s_hd_point_ end = a.end;
         while (k < count_ && (pieces_[k].dropped || !absorbInto(a, pieces_[k])))
             ++k;
-        if (k == count_)
+        if (k == count_) {
+            settled_ = count_;
             return false;
+        }
         ++played_;
         changed = !sameBits(a.start, start) || !sameBits(a.end, end);
         k = changed ? 1 : k + 1;
@@ -195,7 +197,10 @@ namespace {
 // changed stays at or above its rowDone of 0, so it is never settled), no row ran without a
 // merge (every rowDone is 0), the first piece's changed is the count of merges and the log
 // names it for each, its reach was worked out again after each, and the pieces it absorbed are
-// out of the index.
+// out of the index. Where the first row was last played to its end without a merge and nothing
+// was appended since (firstRowSettled), the first piece as it is fails against every piece left:
+// its row of the first sweep runs without a merge after the merges counted so far, and it starts
+// settled, its rowDone one above them, instead of trying every pair again.
 void mergePiecesSkippingSettled(MergeScratch& scratch) {
     // A settled row since which at most this many merges were counted tries only the pieces they
     // changed; after more, its full row runs (with the same skips), which gives the same merge.
@@ -214,6 +219,8 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
     for (size_t t = 0; t < merges0; ++t)
         changes[t] = 0;
     pieces[0].changed = merges0;
+    if (scratch.firstRowSettled())
+        pieces[0].rowDone = merges0 + 1;
     size_t merges = merges0;
     bool changed = true;
     while (changed) {
