@@ -86,10 +86,13 @@ bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
     if (!withinXYExtents(e, f, hd::kBehindExtentTol))
         return false;
     const _s_hd_point_ up = {e.x, e.y, e.z + 1.0};
-    const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up);
-    // The cheap tests first: most faces fail them and never reach the angle sum.
-    if (!withinXYExtents(i, f, hd::kBehindExtentTol) ||
-        !(i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol))
+    double t = 0.0;
+    const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up, t);
+    // The cheap tests first: most faces fail them and never reach the angle sum. i lies within
+    // the extents just where t is finite: a finite t leaves every coordinate of e finite (an
+    // infinite or NaN one makes n.(v0 - e) or the divisor infinite or NaN), so i's X and Y are
+    // e's plus t times zero, e's own to the bit but for a zero's sign, which no comparison sees.
+    if (!std::isfinite(t) || !(i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol))
         return false;
     if (aids.memo == nullptr)
         return inFace(i, f, aids);
