@@ -150,8 +150,10 @@ bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
         return false;
     Piece& a = pieces_[0];
     size_t k = seen_ == 0 ? 1 : seen_;
+    // Where the last play found nothing more to absorb, A was found not to run from p to q after
+    // it last changed, and nothing has changed it since: that is not asked again.
+    bool changed = seen_ == 0 || settled_ != seen_;
     seen_ = count_;
-    bool changed = true;
     for (;;) {
         if (changed && sameBits(a.start, p) && sameBits(a.end, q))
             return true;
