@@ -123,6 +123,9 @@ public:
         /// Merges counted from the start of merging: 1 + the count when its row of a sweep last
         /// ran without a merge (0: never), and the count just after it last changed (0: never).
         size_t rowDone, changed;
+        /// Where the ends lie along the line the pieces were hidden on (clearFor): (end - p).(q -
+        /// p), NaN when not known.
+        double alongStart, alongEnd;
         bool dropped;  ///< merged into another piece and left out of the index
     };
     MergeScratch() = default;
@@ -140,15 +143,27 @@ public:
     /// pieces makes, whatever is appended later, and the merge goes on from them. Returns true,
     /// playing no further, once the first piece runs from p to q to the bit.
     bool playFirstRow(_s_hd_point_ p, _s_hd_point_ q);
-    void clear() { count_ = seen_ = played_ = 0; }
+    void clear() {
+        count_ = seen_ = played_ = settled_ = 0;
+        lineKnown_ = false;
+    }
+    /// clear(), for the pieces hideLineByFace hides of the line p -> q (near end first): their
+    /// ends are p, q or points worked out on the line, and where they lie along it is kept.
+    void clearFor(_s_hd_point_ p, _s_hd_point_ q);
+    /// isPointOnSeg of a piece end lying at along on the segment of the piece ends lying at a and
+    /// b, where their places along the line settle it: 1 or 0, or -1 where they do not.
+    int onByAlong(double along, double a, double b) const;
     /// Keeps the first n pieces (as merged: the first row is played afresh).
     void truncate(size_t n) {
         count_ = n < count_ ? n : count_;
-        seen_ = played_ = 0;
+        seen_ = played_ = settled_ = 0;
     }
     size_t size() const { return count_; }
     /// The merges playFirstRow has made since the last clear().
     size_t firstRowMerges() const { return played_; }
+    /// True when playFirstRow last ended with the first piece absorbing none of the pieces left
+    /// and none has been appended since: the first piece, as it is, fails against every one.
+    bool firstRowSettled() const { return count_ > 0 && settled_ == count_; }
     Piece* pieces() { return pieces_; }
     /// Room for an index of each piece, for merging without moving the pieces.
     size_t* order() { return order_; }
@@ -163,8 +178,12 @@ private:
     size_t* changes_ = nullptr;
     size_t capacity_ = 0;
     size_t count_ = 0;
-    size_t seen_ = 0;    ///< the pieces the first row has been played over
-    size_t played_ = 0;  ///< the merges the first row has made
+    size_t seen_ = 0;         ///< the pieces the first row has been played over
+    size_t played_ = 0;       ///< the merges the first row has made
+    size_t settled_ = 0;      ///< the pieces there were when the first row last found nothing
+    bool lineKnown_ = false;  ///< the pieces are hidden on the line below (clearFor)
+    _s_hd_point_ lineP_{}, lineRun_{};  ///< the line's near end p and its run q - p
+    double lineLen2_ = 0.0;             ///< lineRun_.lineRun_
 };
 
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement

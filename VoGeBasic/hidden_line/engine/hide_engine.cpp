@@ -760,7 +760,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             orientNearFirst(p, q);
             const HideLine prepared = hideLineOf(p, q);
             const LinePrune prune = prepareLine(prepared);
-            hidden.clear();
+            hidden.clearFor(p, q);
             // The line stops once the merge provably leaves it hidden whole (hiddenWhole).
             bool whole = false;
             for (int c = 0; c < candidates && !whole; ++c) {

@@ -86,10 +86,13 @@ bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
     if (!withinXYExtents(e, f, hd::kBehindExtentTol))
         return false;
     const _s_hd_point_ up = {e.x, e.y, e.z + 1.0};
-    const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up);
-    // The cheap tests first: most faces fail them and never reach the angle sum.
-    if (!withinXYExtents(i, f, hd::kBehindExtentTol) ||
-        !(i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol))
+    double t = 0.0;
+    const _s_hd_point_ i = linePlaneInter(f.normal, f.v[0], e, up, t);
+    // The cheap tests first: most faces fail them and never reach the angle sum. i lies within
+    // the extents just where t is finite: a finite t leaves every coordinate of e finite (an
+    // infinite or NaN one makes n.(v0 - e) or the divisor infinite or NaN), so i's X and Y are
+    // e's plus t times zero, e's own to the bit but for a zero's sign, which no comparison sees.
+    if (!std::isfinite(t) || !(i.z < e.z || std::fabs(i.z - e.z) < hd::kLevelDepthTol))
         return false;
     if (aids.memo == nullptr)
         return inFace(i, f, aids);
@@ -107,6 +110,27 @@ bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
         aids.prep != nullptr ? pointInFaceBeyondOutline(i, f, *aids.prep) != 0 : inFace(i, f, aids);
     aids.memo->remember(aids.face, e, inside);
     return inside;
+}
+
+// True when the point pointAlong(p, q, t) lies on the extension of the line p -> q (both ends
+// within kCullCoordLimit: the caller asks boundedEnds) at least kBeyondEndMin beyond an end, len2
+// being pointDist2(p, q): there onSegAt answers false. t outside [0, 1] fails surelyWithinSegment,
+// so onSegAt is onSegWithin. The point is p + t (q - p) rounded: off the exact point by at most
+// 3.3e-16 of |t| |q - p| plus 1.1e-16 of its coordinates, below 1e-6 plus parts in 1e15 of its
+// distance from the nearer end (|t| at most kBeyondParamMax, |q - p| below 3.5e9), so it lies
+// beyond that end, on the line to within that, at least 9.9e-4 from it (len2 is rounded by parts
+// in 1e15). isPointOnSeg finds it at neither end (isSamePointFine, the squared end distance of
+// 1e-9), surelyOnOrOff cannot answer 1 (the point's offset from the end along the segment has the
+// wrong sign), and the segment subtends under 2e-3 rad from it: the cosine worked out from the
+// distances, off by at most 2e-16 times the farther end's distance over the nearer's (below
+// 1e13), stays far above kOnSegSureOffCos, and isPointOnSeg answers 0. NaN fails.
+bool beyondLineEnds(double t, double len2) {
+    constexpr double kBeyondEndMin = 1e-3;   // far above the 3.2e-5 of isPointOnSeg's end test
+    constexpr double kBeyondParamMax = 1e6;  // keeps the point's coordinates and rounding finite
+    if (!(std::fabs(t) <= kBeyondParamMax))
+        return false;
+    const double u = t < 0.0 ? t : t - 1.0;
+    return (t < 0.0 || t > 1.0) && u * u * len2 >= kBeyondEndMin * kBeyondEndMin;
 }
 
 // The crossings of the face's outline that hide the line p -> q where they cross it: the
@@ -143,6 +167,11 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
             continue;
         const ProjCrossing x = crossEdge(line, f, k, aids);
         if (x.parallel)
+            continue;
+        // A crossing far beyond an end of the line fails the last test below (beyondLineEnds),
+        // whatever the tests before it answer: they only pass crossings over, so it is passed
+        // over at once.
+        if (line.bounded && beyondLineEnds(x.lineAt, line.len2))
             continue;
         // The depths first: most crossings of a line in front of the face end there, before
         // the points are worked out whole.

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 
 #include "hidden_line/engine/hd_pass.h"
 
@@ -10,30 +11,38 @@ namespace geolib {
 
 namespace {
 
-// Folds B into A when the two overlap or touch: B starting on A extends A to B's end, B ending
-// on A extends A back to B's start; B inside A adds nothing, A inside B becomes B. Returns true
-// when B is to be dropped.
+// How absorbPiece folds B into A, from the on-segment answers on(k): k = 0 B's start on A, 1 B's
+// end on A, 2 A's start on B, 3 A's end on B. B starting on A extends A to B's end, B ending on A
+// extends A back to B's start; B inside A adds nothing, A inside B becomes B.
+enum class Fold { kApart, kToBEnd, kToBStart, kWithin, kBecomesB };
+template <class On>
+Fold foldOf(On&& on) {
+    const bool startOn = on(0);
+    const bool endOn = on(1);
+    if (startOn && !endOn)
+        return Fold::kToBEnd;
+    if (!startOn && endOn)
+        return Fold::kToBStart;
+    if (startOn && endOn)
+        return Fold::kWithin;
+    return on(2) && on(3) ? Fold::kBecomesB : Fold::kApart;
+}
+
+// Folds B into A when the two overlap or touch (foldOf). Returns true when B is to be dropped.
 // aReach and bReach are the pieces' segmentReach, as isPointOnSeg works them out.
 bool absorbPiece(_s_hd_point_& aStart, _s_hd_point_& aEnd, const SegmentReach& aReach,
                  _s_hd_point_ bStart, _s_hd_point_ bEnd, const SegmentReach& bReach) {
-    const bool startOn = onSegWithin(bStart, aStart, aEnd, aReach);
-    const bool endOn = onSegWithin(bEnd, aStart, aEnd, aReach);
-    if (startOn && !endOn) {
+    const Fold fold = foldOf([&](int k) {
+        return k == 0   ? onSegWithin(bStart, aStart, aEnd, aReach)
+               : k == 1 ? onSegWithin(bEnd, aStart, aEnd, aReach)
+               : k == 2 ? onSegWithin(aStart, bStart, bEnd, bReach)
+                        : onSegWithin(aEnd, bStart, bEnd, bReach);
+    });
+    if (fold == Fold::kToBEnd || fold == Fold::kBecomesB)
         aEnd = bEnd;
-        return true;
-    }
-    if (!startOn && endOn) {
+    if (fold == Fold::kToBStart || fold == Fold::kBecomesB)
         aStart = bStart;
-        return true;
-    }
-    if (startOn && endOn)
-        return true;
-    if (onSegWithin(aStart, bStart, bEnd, bReach) && onSegWithin(aEnd, bStart, bEnd, bReach)) {
-        aStart = bStart;
-        aEnd = bEnd;
-        return true;
-    }
-    return false;
+    return fold != Fold::kApart;
 }
 bool absorbPiece(_s_hd_proline_* a, const _s_hd_proline_* b) {
     return absorbPiece(a->start, a->end, segmentReach(a->start, a->end), b->start, b->end,
@@ -102,8 +111,53 @@ bool MergeScratch::reserve(size_t n) {
 bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
     if (count_ == capacity_ && !reserve(count_ + 1))
         return false;
-    pieces_[count_++] = {from, to, segmentReach(from, to), 0, 0, false};
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double alongFrom = lineKnown_ ? vecDot(vecSub(from, lineP_), lineRun_) : nan;
+    const double alongTo = lineKnown_ ? vecDot(vecSub(to, lineP_), lineRun_) : nan;
+    pieces_[count_++] = {from, to, segmentReach(from, to), 0, 0, alongFrom, alongTo, false};
     return true;
+}
+
+void MergeScratch::clearFor(_s_hd_point_ p, _s_hd_point_ q) {
+    clear();
+    lineKnown_ = boundedEnds(p, q);
+    lineP_ = p;
+    lineRun_ = vecSub(q, p);
+    lineLen2_ = vecDot(lineRun_, lineRun_);
+}
+
+// Where the line's ends lie within kCullCoordLimit, every piece end X is p, q, or a point p + t
+// (q - p) that hideLineByFace worked out (linePlaneInter, pointAlong) and found within the line's
+// reach: each lies within 2e-6 of the exact line, and along = (X - p).(q - p), rounded by parts
+// in 1e15 of |X - p| |q - p|, places it along the line (along over |q - p|) to within 6e-6. So
+// where X lies between the ends A and B of a piece, at least kAlongOn from each and kAlongOnRel of
+// the piece's length, it lies within 4e-6 of the line AB, which seen from X falls short of a half
+// turn by at most 2 times 4e-6 over 0.1, 8e-5 rad, far inside the 2.48e-4 the test allows; the
+// cosine, worked out from distances whose ratio stays below 2 / kAlongOnRel, is off by under
+// 1e-11, and X lies well inside the piece's reach: isPointOnSeg answers 1 (as surelyOnSegment
+// argues). Where X lies beyond the nearer end by at least kAlongOff, it is no end
+// (isSamePointFine, the squared end distance of 1e-9) and the piece subtends under 1e-2 rad from
+// it: the cosine, off by at most 1e-15 times the farther end's distance over the nearer's (below
+// 1e13), stays far above kOnSegSureOffCos, and isPointOnSeg answers 0. NaN fails every comparison.
+int MergeScratch::onByAlong(double along, double a, double b) const {
+    constexpr double kAlongOn = 0.1;       // far above the points' 6e-6 off the line
+    constexpr double kAlongOnRel = 0.001;  // keeps the cosine well conditioned
+    constexpr double kAlongOff = 1e-3;     // far above the 3.2e-5 of isPointOnSeg's end test
+    if (!lineKnown_)
+        return -1;
+    const double lo = minOf(a, b);
+    const double hi = maxOf(a, b);
+    const double below = lo - along;
+    const double above = along - hi;
+    const double off2 = kAlongOff * kAlongOff * lineLen2_;
+    if ((below > 0.0 && below * below >= off2) || (above > 0.0 && above * above >= off2))
+        return 0;
+    const double on2 = kAlongOn * kAlongOn * lineLen2_;
+    const double rel = kAlongOnRel * (hi - lo);
+    if (below < 0.0 && above < 0.0 && below * below >= on2 && above * above >= on2 &&
+        -below >= rel && -above >= rel)
+        return 1;
+    return -1;
 }
 
 namespace {
@@ -115,10 +169,37 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
            (b.reach.excludes(a.start) || b.reach.excludes(a.end));
 }
 
+// absorbPiece on two pieces of the scratch, with the on-segment answers their places along the
+// line settle taken from there (MergeScratch::onByAlong), and A's places kept with its ends.
+bool absorbPieceAlong(const MergeScratch& scratch, MergeScratch::Piece& a,
+                      const MergeScratch::Piece& b) {
+    auto on = [&](_s_hd_point_ x, double along, _s_hd_point_ s, _s_hd_point_ e, double sAlong,
+                  double eAlong, const SegmentReach& reach) {
+        const int known = scratch.onByAlong(along, sAlong, eAlong);
+        return known >= 0 ? known != 0 : onSegWithin(x, s, e, reach);
+    };
+    const Fold fold = foldOf([&](int k) {
+        return k == 0 ? on(b.start, b.alongStart, a.start, a.end, a.alongStart, a.alongEnd, a.reach)
+               : k == 1 ? on(b.end, b.alongEnd, a.start, a.end, a.alongStart, a.alongEnd, a.reach)
+               : k == 2
+                   ? on(a.start, a.alongStart, b.start, b.end, b.alongStart, b.alongEnd, b.reach)
+                   : on(a.end, a.alongEnd, b.start, b.end, b.alongStart, b.alongEnd, b.reach);
+    });
+    if (fold == Fold::kToBEnd || fold == Fold::kBecomesB) {
+        a.end = b.end;
+        a.alongEnd = b.alongEnd;
+    }
+    if (fold == Fold::kToBStart || fold == Fold::kBecomesB) {
+        a.start = b.start;
+        a.alongStart = b.alongStart;
+    }
+    return fold != Fold::kApart;
+}
+
 // absorbPiece on two pieces of the scratch, keeping A's reach up to date and marking B dropped
 // when it is absorbed; pieces lying far apart are not tried.
-bool absorbInto(MergeScratch::Piece& a, MergeScratch::Piece& b) {
-    if (piecesFarApart(a, b) || !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
+bool absorbInto(const MergeScratch& scratch, MergeScratch::Piece& a, MergeScratch::Piece& b) {
+    if (piecesFarApart(a, b) || !absorbPieceAlong(scratch, a, b))
         return false;
     b.dropped = true;
     a.reach = segmentReach(a.start, a.end);
@@ -150,17 +231,21 @@ bool MergeScratch::playFirstRow(_s_hd_point_ p, _s_hd_point_ q) {
         return false;
     Piece& a = pieces_[0];
     size_t k = seen_ == 0 ? 1 : seen_;
+    // Where the last play found nothing more to absorb, A was found not to run from p to q after
+    // it last changed, and nothing has changed it since: that is not asked again.
+    bool changed = seen_ == 0 || settled_ != seen_;
     seen_ = count_;
-    bool changed = true;
     for (;;) {
         if (changed && sameBits(a.start, p) && sameBits(a.end, q))
             return true;
         const _s_hd_point_ start = a.start;
         const _s_hd_point_ end = a.end;
-        while (k < count_ && (pieces_[k].dropped || !absorbInto(a, pieces_[k])))
+        while (k < count_ && (pieces_[k].dropped || !absorbInto(*this, a, pieces_[k])))
             ++k;
-        if (k == count_)
+        if (k == count_) {
+            settled_ = count_;
             return false;
+        }
         ++played_;
         changed = !sameBits(a.start, start) || !sameBits(a.end, end);
         k = changed ? 1 : k + 1;
@@ -195,7 +280,10 @@ namespace {
 // changed stays at or above its rowDone of 0, so it is never settled), no row ran without a
 // merge (every rowDone is 0), the first piece's changed is the count of merges and the log
 // names it for each, its reach was worked out again after each, and the pieces it absorbed are
-// out of the index.
+// out of the index. Where the first row was last played to its end without a merge and nothing
+// was appended since (firstRowSettled), the first piece as it is fails against every piece left:
+// its row of the first sweep runs without a merge after the merges counted so far, and it starts
+// settled, its rowDone one above them, instead of trying every pair again.
 void mergePiecesSkippingSettled(MergeScratch& scratch) {
     // A settled row since which at most this many merges were counted tries only the pieces they
     // changed; after more, its full row runs (with the same skips), which gives the same merge.
@@ -214,6 +302,8 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
     for (size_t t = 0; t < merges0; ++t)
         changes[t] = 0;
     pieces[0].changed = merges0;
+    if (scratch.firstRowSettled())
+        pieces[0].rowDone = merges0 + 1;
     size_t merges = merges0;
     bool changed = true;
     while (changed) {
@@ -237,8 +327,7 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
                 }
                 for (size_t k = 0; k < count; ++k) {
                     const MergeScratch::Piece& b = pieces[tried[k]];
-                    if (piecesFarApart(a, b) ||
-                        !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
+                    if (piecesFarApart(a, b) || !absorbPieceAlong(scratch, a, b))
                         continue;
                     absorbed = i + 1;
                     while (order[absorbed] != tried[k])
@@ -249,7 +338,7 @@ void mergePiecesSkippingSettled(MergeScratch& scratch) {
                 for (size_t j = i + 1; j < n; ++j) {
                     const MergeScratch::Piece& b = pieces[order[j]];
                     if ((settled && b.changed < a.rowDone) || piecesFarApart(a, b) ||
-                        !absorbPiece(a.start, a.end, a.reach, b.start, b.end, b.reach))
+                        !absorbPieceAlong(scratch, a, b))
                         continue;
                     absorbed = j;
                     break;

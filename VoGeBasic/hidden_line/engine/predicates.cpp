@@ -67,6 +67,8 @@ int surelyOnOrOff(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, double pa2, do
     constexpr double kSureMaxDist2 = 1e100;
     // Keeps the cross product's square far from underflow.
     constexpr double kSureMinLen2 = 1e-100;
+    // An end's dot product above 1e-14 of the two lengths has its sign to spare (squares).
+    constexpr double kBeyondEnd = 1e-28;
     const double ab2 = pointDist2(a, b);
     const double sum = pa2 + pb2;
     if (!(sum <= kSureMaxDist2 && ab2 <= kSureMaxDist2 && ab2 >= kSureMinLen2 &&
@@ -79,9 +81,18 @@ int surelyOnOrOff(_s_hd_point_ p, _s_hd_point_ a, _s_hd_point_ b, double pa2, do
     const double scale = pa2 * pb2 * ab2;
     if (h2 > kSurelyOff * scale)
         return 0;
-    if (h2 < kSurelyOn * scale && pa2 >= kSureMinDist2 && pb2 >= kSureMinDist2 &&
-        vecDot(ap, ab) > 0.0 && vecDot(vecSub(p, b), ab) < 0.0)
+    const double atA = vecDot(ap, ab);
+    const double atB = vecDot(vecSub(p, b), ab);
+    if (h2 < kSurelyOn * scale && pa2 >= kSureMinDist2 && pb2 >= kSureMinDist2 && atA > 0.0 &&
+        atB < 0.0)
         return 1;
+    // p beyond an end, along the segment or off it: the triangle's angle at that end is obtuse
+    // (its dot product, rounded by under 1e-15 of the product of the two lengths, is farther
+    // from zero than that), so the angle at p is acute and the cosine above 0, less its rounding
+    // (below 7.8e-9, as above): far above kOnSegSureOffCos, where the test answers 0.
+    if ((atA < 0.0 && atA * atA > kBeyondEnd * pa2 * ab2) ||
+        (atB > 0.0 && atB * atB > kBeyondEnd * pb2 * ab2))
+        return 0;
     return -1;
 }
 

@@ -283,6 +283,34 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
         ASSERT_EQ(measured(linComb(1.0, a, t, vecSub(b, a)), a, b), 1) << k;
     }
     EXPECT_GT(sure, 50000);
+    // Piece ends worked out on a line (its ends, or points from their parameter), on it and past
+    // its ends: where their places along the line settle the test (MergeScratch::onByAlong), it
+    // is what measuring answers, near the coordinate limit too; so is isPointOnSeg's answer.
+    int settled = 0;
+    MergeScratch scratch;
+    for (int k = 0; k < 100000; ++k) {
+        const double far = k % 2 == 0 ? 9.9e8 : 0.0;
+        const double size = k % 3 == 0 ? 0.2 : k % 3 == 1 ? 50.0 : 1e6;
+        const P p = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+        const P q = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+        auto at = [&]() {
+            const double u = r();
+            return u < 0.1 ? p : u < 0.2 ? q : linComb(1.0, p, r(-0.02, 1.02), vecSub(q, p));
+        };
+        scratch.clearFor(p, q);
+        const P x = at();
+        ASSERT_TRUE(scratch.append(at(), at()) && scratch.append(x, x));
+        MergeScratch::Piece* piece = scratch.pieces();
+        const int expected = measured(x, piece[0].start, piece[0].end);
+        ASSERT_EQ(isPointOnSeg(x, piece[0].start, piece[0].end), expected) << k;
+        const int known =
+            scratch.onByAlong(piece[1].alongStart, piece[0].alongStart, piece[0].alongEnd);
+        if (known < 0)
+            continue;
+        ++settled;
+        ASSERT_EQ(known, expected) << k;
+    }
+    EXPECT_GT(settled, 50000);
 }
 
 // The inside test decides from the rough angle sum away from its tolerance's edges: its answers
