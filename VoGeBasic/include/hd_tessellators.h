@@ -216,7 +216,9 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// the circle by up to a tenth of the allowance below, and then beyond the chord by at most nine
 /// tenths of it: the rings next to a rim seen nearly along the tube lie that little outside it),
 /// with the ring's pattern vertices there inside that chord and the silhouette points of the rings
-/// on either side no farther outside the rim's chords than the sagitta allowance below, holds the
+/// on either side no farther outside the rim's chords than the sagitta allowance below (twice it
+/// for the ring after, where the ring before holds a pattern vertex there too: that ring ends the
+/// run, whose last faces would otherwise stand over the end of the chord), holds the
 /// pattern vertex nearest that point in its place, and that silhouette is not drawn to or from
 /// that ring (it lies along the rim there). Where the silhouette turns round the tube by more than
 /// a quarter of a chord between an end rim and the ring beside it (the tube seen nearly along its
@@ -255,9 +257,7 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// tube), where only one silhouette point of that ring lies beyond a chord square beside it or the
 /// silhouette turns less between them, and where the silhouette points of the rings further on
 /// turn back over that chain. Their chords, not drawn, are then the visible edge, and in such
-/// views a gap of up to about three and a half sagittas remains; where such a ring just outside
-/// the rim's circle holds a pattern vertex, a ring further on can still stand over the rim's
-/// chord at its end, and a gap of a little over a sagitta was found; seen a few degrees off its
+/// views a gap of up to about three and a half sagittas remains; seen a few degrees off its
 /// length at an end, such a gap is rarer and smaller (under two sagittas where it was found). Seen
 /// within about 1e-3 of its length at an end where the tube beyond is farther from the viewer, a
 /// visible piece can stray from the true outline by up to about one and a half sagittas. And where

@@ -92,6 +92,12 @@ constexpr double kRimSlackShare = 0.01;
 /// next to a rim seen nearly along the tube lie that little outside it.
 constexpr double kRimReachShare = 0.1;
 constexpr double kRimOverShare = 0.9;
+/// The chain's point on the ring after a ring under a rim lies no farther outside the rim's chords
+/// than the outline's allowance, or this many allowances where the ring before holds a pattern
+/// vertex in place of its silhouette point too (see ElbowBuilder::underRim): the outline from the
+/// rim's chord out to that point, not drawn, then stays within about half of it of the chord or
+/// of the chain drawn on from there.
+constexpr double kRimRunEndShare = 2.0;
 /// A ring seen end-on where the tangent comes nearest the view axis takes the place of a chosen
 /// ring within this many chosen steps of it: the bands on either side then span a step or more.
 constexpr double kEndOnStandInSteps = 0.25;
@@ -655,7 +661,7 @@ private:
             }
         } else if (measurable) {
             for (int side = 0; side < 2; ++side)
-                extras.snapped[side] = underRim(p, side, bandTube_.chain(side), next.chain(side));
+                extras.snapped[side] = underRim(p, side, bandTube_, next.chain(side));
         }
         const bool remake = extras.count > 0 || extras.snapped[0] || extras.snapped[1];
         addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn,
@@ -691,9 +697,12 @@ private:
     // outline there is the rim (unless the other end's face hides that chord anyway): the chain
     // runs through the nearest pattern vertex instead, whose faces keep inside the chord, and is
     // not drawn to or from that ring (its stretch lies along the rim, within the allowance of the
-    // drawn chords).
-    bool underRim(const PendingRing& p, int side, _s_hd_point_ prev, _s_hd_point_ next) const {
+    // drawn chords). Where prev holds a pattern vertex there already, p ends that run along the
+    // rim: left as made, its faces would stand over the end of the chord from prev's vertex, so
+    // next may lie up to kRimRunEndShare allowances out.
+    bool underRim(const PendingRing& p, int side, const TubeRing& prev, _s_hd_point_ next) const {
         const _s_hd_point_ s = p.tube.chain(side);
+        const double nextReach = (prev.onSilhouette[side] ? 1.0 : kRimRunEndShare) * chainTol_;
         for (const RimView* rim : {&startRim_, &farRim_}) {
             if (!rim->usable || !rimCovers(*rim, s, kRimReachShare * chainTol_) ||
                 !nearerThanRim(*rim, s))
@@ -706,7 +715,8 @@ private:
             const double beyond = beyondChord(*rim, over, s);
             if (!(beyond > rimSlack_) ||
                 (beyond > kRimOverShare * chainTol_ && !rimCovers(*rim, s)) ||
-                beyondChords(*rim, prev) > chainTol_ || beyondChords(*rim, next) > chainTol_ ||
+                beyondChords(*rim, prev.chain(side)) > chainTol_ ||
+                beyondChords(*rim, next) > nextReach ||
                 behindOtherEnd(*rim, rim == &startRim_ ? farRim_ : startRim_, over))
                 continue;
             bool beside = true;
