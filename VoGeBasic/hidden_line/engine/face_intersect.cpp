@@ -50,10 +50,7 @@ bool extentsOverlap(const F& f, const G& g) {
 // hundredth of a radian at coordinates within kCullCoordLimit), far from the half turn the test
 // looks for.
 bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
-    const double gap2 = hd::kOffEdgeGap * hd::kOffEdgeGap;
-    const bool beyond =
-        (t > 1.0 && (t - 1.0) * (t - 1.0) * len2 > gap2) || (t < 0.0 && t * t * len2 > gap2);
-    return beyond && boundedEnds(a, b);
+    return beyondSegmentEnd(t, len2, hd::kOffEdgeGap) && boundedEnds(a, b);
 }
 
 // True when every coordinate of the face lies within kCullCoordLimit (NaN fails): the tests
@@ -686,8 +683,10 @@ inline PairSides openPair(const PreparedFace& f, const Extents& fe, const Prepar
         return {true, 0u, 0u};
     const FaceFacts& ff = f.facts;
     const FaceFacts& gf = g.facts;
-    if (!ff.cullable || !gf.cullable)
-        return pairSides(f.face, ff, g.face, gf, true);
+    if (!ff.cullable || !gf.cullable) {
+        const PairSides sides = pairSides(f.face, ff, g.face, gf, true);
+        return !sides.apart && own && meetOnlyAtShared(f, g) ? PairSides{true, 0u, 0u} : sides;
+    }
     if (parallelNormals(ff.normal, gf.normal))
         return {true, 0u, 0u};
     const double span = commonSpan(fe, ge, true);
@@ -699,8 +698,9 @@ inline PairSides openPair(const PreparedFace& f, const Extents& fe, const Prepar
     if (allBeyond(df, f.face.count, m))
         return {true, 0u, 0u};
     // With own (two distinct faces of one object), a pair that meets only where the two share a
-    // vertex or an edge (meetOnlyAtShared) is passed over as apart before g's distances: whether
-    // the rest of pairSides parts it or not, the faces give no line, in either order.
+    // vertex or an edge (meetOnlyAtShared) is passed over as apart (before g's distances, for two
+    // cullable faces): whether the rest of pairSides parts it or not, the faces give no line, in
+    // either order, and nothing is kept for the pair (g, f).
     if (own && meetOnlyAtShared(f, g))
         return {true, 0u, 0u};
     return sidesApart(f.face, ff, g.face, gf, span, m, true, df);
@@ -1004,10 +1004,6 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
                     ok = found.append(a, b);
                 continue;
             }
-            // No line either way: nothing to append, nothing to keep for (g, f). openPair has asked
-            // already for two cullable faces.
-            if (!(f.facts.cullable && g.facts.cullable) && meetOnlyAtShared(f, g))
-                continue;
             _s_hd_point_ fromF[kMaxFaceVertices];
             _s_hd_point_ fromG[kMaxFaceVertices];
             const int nf = allPiercings(f.face, g.face, &f.prep, &g.prep, sides.fOff, fromF);

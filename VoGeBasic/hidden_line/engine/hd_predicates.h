@@ -201,6 +201,17 @@ inline bool surelyOnSegment(double t, double len2, _s_hd_point_ a, _s_hd_point_ 
     return surelyWithinSegment(t, len2) && boundedEnds(a, b);
 }
 
+/// True when the point a + t (b - a) of a segment of squared length len2 lies on the segment's
+/// line beyond an end by more than gap, with |t| at most kBeyondParamMax (which keeps the point
+/// and its rounding finite); NaN fails. The culls that pass such a point over as off the segment
+/// (isPointOnSeg answers 0 there) give their own reasons beside them.
+inline bool beyondSegmentEnd(double t, double len2, double gap) {
+    constexpr double kBeyondParamMax = 1e6;
+    if (!(std::fabs(t) <= kBeyondParamMax))
+        return false;
+    const double u = t < 0.0 ? t : t - 1.0;
+    return (t < 0.0 || t > 1.0) && u * u * len2 > gap * gap;
+}
 /// onSegWithin for the point p = linComb(1, a, t, b - a) worked out from t (len2 the segment's
 /// squared length): well inside the segment it is on it without measuring (surelyOnSegment).
 inline bool onSegAt(_s_hd_point_ p, double t, double len2, _s_hd_point_ a, _s_hd_point_ b,

@@ -113,24 +113,21 @@ bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
 }
 
 // True when the point pointAlong(p, q, t) lies on the extension of the line p -> q (both ends
-// within kCullCoordLimit: the caller asks boundedEnds) at least kBeyondEndMin beyond an end, len2
+// within kCullCoordLimit: the caller asks boundedEnds) more than kBeyondEndMin beyond an end, len2
 // being pointDist2(p, q): there onSegAt answers false. t outside [0, 1] fails surelyWithinSegment,
 // so onSegAt is onSegWithin. The point is p + t (q - p) rounded: off the exact point by at most
 // 3.3e-16 of |t| |q - p| plus 1.1e-16 of its coordinates, below 1e-6 plus parts in 1e15 of its
-// distance from the nearer end (|t| at most kBeyondParamMax, |q - p| below 3.5e9), so it lies
-// beyond that end, on the line to within that, at least 9.9e-4 from it (len2 is rounded by parts
-// in 1e15). isPointOnSeg finds it at neither end (isSamePointFine, the squared end distance of
-// 1e-9), surelyOnOrOff cannot answer 1 (the point's offset from the end along the segment has the
-// wrong sign), and the segment subtends under 2e-3 rad from it: the cosine worked out from the
-// distances, off by at most 2e-16 times the farther end's distance over the nearer's (below
-// 1e13), stays far above kOnSegSureOffCos, and isPointOnSeg answers 0. NaN fails.
+// distance from the nearer end (|t| at most beyondSegmentEnd's kBeyondParamMax, |q - p|
+// below 3.5e9), so it lies beyond that end, on the line to within that, at least 9.9e-4 from it
+// (len2 is rounded by parts in 1e15). isPointOnSeg finds it at neither end (isSamePointFine, the
+// squared end distance of 1e-9), surelyOnOrOff cannot answer 1 (the point's offset from the end
+// along the segment has the wrong sign), and the segment subtends under 2e-3 rad from it: the
+// cosine worked out from the distances, off by at most 2e-16 times the farther end's distance over
+// the nearer's (below 1e13), stays far above kOnSegSureOffCos, and isPointOnSeg answers 0. NaN
+// fails.
 bool beyondLineEnds(double t, double len2) {
-    constexpr double kBeyondEndMin = 1e-3;   // far above the 3.2e-5 of isPointOnSeg's end test
-    constexpr double kBeyondParamMax = 1e6;  // keeps the point's coordinates and rounding finite
-    if (!(std::fabs(t) <= kBeyondParamMax))
-        return false;
-    const double u = t < 0.0 ? t : t - 1.0;
-    return (t < 0.0 || t > 1.0) && u * u * len2 >= kBeyondEndMin * kBeyondEndMin;
+    constexpr double kBeyondEndMin = 1e-3;  // far above the 3.2e-5 of isPointOnSeg's end test
+    return beyondSegmentEnd(t, len2, kBeyondEndMin);
 }
 
 // The crossings of the face's outline that hide the line p -> q where they cross it: the
