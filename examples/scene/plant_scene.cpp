@@ -236,18 +236,29 @@ constexpr double kLevel1 = 5.0;     // first beam level
 constexpr double kLevel2 = 8.0;     // second beam level
 constexpr double kSteel = 0.35;     // section of columns and beams
 
+// The beams and braces stop at the columns' faces, as rack steel is cut to fit: kCut is half a
+// column's depth, from its centre line to its face.
+constexpr double kCut = 0.5 * kSteel;
+
 void rackBay(Builder& b, W o, bool brace) {
     for (double y : {0.0, kRackWidth}) {
         b.member(add(o, {0, y, 0}), add(o, {0, y, kLevel2 + kSteel}), kSteel);
     }
     for (double z : {kLevel1, kLevel2}) {
-        b.member(add(o, {0, 0, z}), add(o, {0, kRackWidth, z}), kSteel);  // cross beam
+        b.member(add(o, {0, kCut, z}), add(o, {0, kRackWidth - kCut, z}), kSteel);  // cross beam
         for (double y : {0.0, kRackWidth}) {
-            b.member(add(o, {0, y, z}), add(o, {kBay, y, z}), kSteel * 0.8);  // runner
+            b.member(add(o, {kCut, y, z}), add(o, {kBay - kCut, y, z}), kSteel * 0.8);  // runner
         }
     }
-    if (brace)
-        b.member(add(o, {0, 0, 0.5}), add(o, {kBay, 0, kLevel1 - 0.3}), kSteel * 0.6);
+    if (brace) {
+        // From 0.5 above the foot of one column to 0.3 below the first level at the next, the
+        // line between the columns' centres cut back to their faces.
+        const double zFrom = 0.5;
+        const double zTo = kLevel1 - 0.3;
+        const double rise = (zTo - zFrom) * kCut / kBay;
+        b.member(add(o, {kCut, 0, zFrom + rise}), add(o, {kBay - kCut, 0, zTo - rise}),
+                 kSteel * 0.6);
+    }
 }
 
 void rackEnd(Builder& b, W o) {
@@ -255,7 +266,7 @@ void rackEnd(Builder& b, W o) {
         b.member(add(o, {0, y, 0}), add(o, {0, y, kLevel2 + kSteel}), kSteel);
     }
     for (double z : {kLevel1, kLevel2})
-        b.member(add(o, {0, 0, z}), add(o, {0, kRackWidth, z}), kSteel);
+        b.member(add(o, {0, kCut, z}), add(o, {0, kRackWidth - kCut, z}), kSteel);
 }
 
 constexpr double kQuarterTurn = 1.5707963267948966;
