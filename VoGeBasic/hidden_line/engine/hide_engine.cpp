@@ -703,6 +703,14 @@ NearFaces::Entry* nextNearLine(NearFaces::Entry* e, NearFaces::Entry* end, const
 // only piece left. Nothing of the line is visible then: the gaps getVisibleProline leaves before
 // p and after q are empty, as finite ends are the same point as themselves by isSamePointFine,
 // so the merge need not run.
+//
+// A face hiding the whole line, p -> q to the bit, settles nothing when it comes after the first
+// piece: a piece before it that ends within isPointOnSeg's end distance of p (or q) but not at it
+// to the bit takes that end in as its own (p lies on it) and keeps its end where it is, and
+// getVisibleProline leaves the sliver from p to that end visible where it is not the same point
+// by isSamePointFine (a face the line pierces a hundred-thousandth after p hides from there on).
+// So a line is stopped only once its first piece is the whole line; the pieces before a later
+// whole-line piece decide, and the faces that give them are not known without testing them.
 bool hiddenWhole(MergeScratch& hidden, const HideLine& line) {
     return line.bounded && hidden.playFirstRow(line.p, line.q);
 }

@@ -157,6 +157,22 @@ std::vector<_s_hd_prof_*> awkwardScene(std::uint32_t seed) {
     return objs;
 }
 
+// A face hiding every line whole, and before it in the candidates' order a face that the lines
+// after the first pierce just after their near ends, at distances straddling the on-segment
+// test's end tolerance, hiding from there on: a piece from a point near the near end, then the
+// whole line, which the merge may leave a sliver of the line visible before. An engine that
+// settled a line by the face that hid the one before it whole, without the pieces before that
+// face, would leave the sliver out.
+std::vector<_s_hd_prof_*> nearEndScene() {
+    std::vector<enginetest::Seg> lines = {{{-5, -5, 1}, {-4, -5, 1.5}}};
+    for (double d : {2e-7, 2e-6, 1e-5, 3e-5, 5e-5})
+        lines.push_back({{0.5, 0.2 + d * 1e4, -d}, {1.5, 0.2 + d * 1e4, 0.5}});
+    return {enginetest::makeObject({{{0, 0, 0}, {3, 0, 0}, {3, 1, 0}, {0, 1, 0}}}, {}),
+            enginetest::makeObject(
+                {{{-10, -10, -10}, {10, -10, -10}, {10, 10, -10}, {-10, 10, -10}}}, {}),
+            enginetest::makeObject({}, lines)};
+}
+
 // Plants as big as the benchmark's (every primitive kind), the degenerate views and the awkward
 // scenes.
 TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
@@ -170,6 +186,7 @@ TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
     }
     for (std::uint32_t seed : {1u, 2u, 3u})
         expectEngineMatchesReference(awkwardScene(seed), awkwardScene(seed));
+    expectEngineMatchesReference(nearEndScene(), nearEndScene());
     kestFaceIntersectAll(nullptr, 3);  // nothing to do, nothing touched
 }
 
