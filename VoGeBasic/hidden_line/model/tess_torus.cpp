@@ -98,6 +98,10 @@ constexpr double kRimOverShare = 0.9;
 /// rim's chord out to that point, not drawn, then stays within about half of it of the chord or
 /// of the chain drawn on from there.
 constexpr double kRimRunEndShare = 2.0;
+/// A ring's edge from its silhouette point, outside an end rim's chord nearer the viewer, may
+/// stand over that chord for this share of the outline's allowance beyond the point before the
+/// pattern vertex it runs to is left out (see ElbowBuilder::overRimChord).
+constexpr double kRimCoverShare = 1.0;
 /// A ring seen end-on where the tangent comes nearest the view axis takes the place of a chosen
 /// ring within this many chosen steps of it: the bands on either side then span a step or more.
 constexpr double kEndOnStandInSteps = 0.25;
@@ -175,6 +179,8 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
 struct RingExtras {
     bool snapped[2] = {false, false};
     int vertex[2] = {-1, -1};  // an end ring's chain runs through this vertex of its pattern ring
+    bool undrawn[2] = {false, false};  // ... and is not drawn from it
+    int leaveOut[2] = {-1, -1};        // these vertices of the pattern ring are left out
     int count = 0;
     double angle[4] = {0.0, 0.0, 0.0, 0.0};  // round the tube (aroundTube)
 };
@@ -222,7 +228,8 @@ _s_hd_point_ ringPoint(const Bend& b, const Station& st, double a) {
 // vertex, so an end ring split at its silhouette keeps exactly its m vertices; other pattern
 // vertices closer than kSilhouetteClearChords of a chord to a silhouette point are left out. A
 // snapped chain takes the nearest pattern vertex instead, a chain given a vertex takes that one
-// (within a chord of the silhouette point; it is drawn), and the extras go in at their angles.
+// (within a chord of the silhouette point; it is drawn unless marked undrawn), the pattern
+// vertices to leave out are left out, and the extras go in at their angles.
 TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, int offset,
                   const RingExtras& extras = RingExtras{}) {
     TubeRing out;
@@ -308,14 +315,15 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
             out.half = out.count;
         if (k != silVertex[0] && k != silVertex[1] &&
             ((out.onSilhouette[0] && (angle[k] < clear || angle[k] > core::kFullTurn - clear)) ||
-             (out.onSilhouette[1] && std::fabs(angle[k] - core::kPi) < clear)))
+             (out.onSilhouette[1] && std::fabs(angle[k] - core::kPi) < clear) ||
+             k == extras.leaveOut[0] || k == extras.leaveOut[1]))
             continue;
         out.push(ring.pts[k], (k + offset) % m, angle[k]);
     }
     putUpTo(HUGE_VAL);
     for (int side = 0; side < 2; ++side) {
         if (extras.vertex[side] >= 0)
-            out.onSilhouette[side] = out.throughRim[side] = true;
+            out.onSilhouette[side] = out.throughRim[side] = !extras.undrawn[side];
     }
     out.centre = st.centre;
     out.phi = st.phi;
@@ -660,10 +668,14 @@ private:
                 }
             }
         } else if (measurable) {
-            for (int side = 0; side < 2; ++side)
+            for (int side = 0; side < 2; ++side) {
                 extras.snapped[side] = underRim(p, side, bandTube_, next.chain(side));
+                if (!extras.snapped[side] && p.tube.onSilhouette[side])
+                    extras.leaveOut[side] = overRimChord(p, side);
+            }
         }
-        const bool remake = extras.count > 0 || extras.snapped[0] || extras.snapped[1];
+        const bool remake = extras.count > 0 || extras.snapped[0] || extras.snapped[1] ||
+                            extras.leaveOut[0] >= 0 || extras.leaveOut[1] >= 0;
         addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn,
                 p.alongRim);
     }
@@ -733,6 +745,56 @@ private:
         return false;
     }
 
+    // The pattern vertex of ring p next round the tube from its silhouette point s on the given
+    // side, towards the end of an end rim's chord away from the ring (seen along Z), when s lies
+    // nearer the viewer than the rim, outside that chord and square beside it, and the ring's
+    // edge from s to that vertex would stand over the chord for more than kRimCoverShare of the
+    // outline's allowance beyond s; otherwise -1. Seen nearly along the tube the outline there is
+    // the rim (the tube beyond lies on the ring's side of s), so the vertex is left out: the
+    // ring's edge from s then runs on to the next vertex, well inside the chord, which stays in
+    // sight.
+    int overRimChord(const PendingRing& p, int side) const {
+        const _s_hd_point_ s = p.tube.chain(side);
+        for (const RimView* rim : {&startRim_, &farRim_}) {
+            const int over = rim->usable && nearerThanRim(*rim, s) ? chordBeside(*rim, s) : -1;
+            if (over < 0)
+                continue;
+            const Station& end = rim == &startRim_ ? first_ : far_;
+            const _s_hd_point_ a = rim->pts[over];
+            const _s_hd_point_ b = rim->pts[(over + 1) % rim->count];
+            const _s_hd_point_ e =
+                rim->pts[chordEnd(*rim, over, vecSub(p.st.centre, end.centre), true)];
+            const double len = std::hypot(b.x - a.x, b.y - a.y);
+            // How far q seen along Z lies from s along the chord, towards e above 0.
+            auto along = [&](_s_hd_point_ q) {
+                const double d = ((q.x - s.x) * (b.x - a.x) + (q.y - s.y) * (b.y - a.y)) / len;
+                return (e.x - s.x) * (b.x - a.x) + (e.y - s.y) * (b.y - a.y) < 0.0 ? -d : d;
+            };
+            int next = -1;
+            double nearest = HUGE_VAL;
+            for (int k = 0; k < p.ring.count; ++k) {
+                const _s_hd_point_ q = p.ring.pts[k];
+                const double round =
+                    std::fabs(wrapAngle(aroundTube(bend_, p.st, vecSub(q, p.st.centre)) -
+                                        p.st.turn - side * core::kPi));
+                if (along(q) > 0.0 && round >= kSilhouetteClearChords * chord_ && round < nearest) {
+                    next = k;
+                    nearest = round;
+                }
+            }
+            if (next < 0)
+                continue;
+            // The edge from s to that vertex crosses the chord's line this far along it.
+            const _s_hd_point_ q = p.ring.pts[next];
+            const double ds = beyondChord(*rim, over, s);
+            const double dq = beyondChord(*rim, over, q);
+            const double share = dq < 0.0 ? ds / (ds - dq) : 1.0;
+            if (share * along(q) > kRimCoverShare * chainTol_)
+                return next;
+        }
+        return -1;
+    }
+
     // The end ring at end (its pattern ring ring, made as made) as the band to the ring beside it
     // takes it. Seen nearly along the tube at an end, the silhouette turns round the tube between
     // the rim and the ring beside it, and that ring's silhouette points lie by the rim in the
@@ -757,10 +819,19 @@ private:
         turned.turn = aroundTube(bend_, end, turned.split);
         RingExtras extras;
         for (int side = 0; side < 2; ++side) {
-            const int v = beside.onSilhouette[side]
-                              ? rimChainVertex(rim, end, beside.chain(side),
-                                               vecSub(beside.centre, end.centre), beside.phi)
-                              : -1;
+            const _s_hd_point_ shift = vecSub(beside.centre, end.centre);
+            int v = beside.onSilhouette[side]
+                        ? rimChainVertex(rim, end, beside.chain(side), shift, beside.phi)
+                        : -1;
+            // Failing that, the chain runs, not drawn, from the chord's end towards the ring.
+            const int over =
+                v < 0 && beside.onSilhouette[side] && nearerThanRim(rim, beside.chain(side))
+                    ? chordBeside(rim, beside.chain(side))
+                    : -1;
+            if (over >= 0) {
+                v = chordEnd(rim, over, shift, false);
+                extras.undrawn[side] = true;
+            }
             if (v < 0 ||
                 !(std::fabs(wrapAngle(aroundTube(bend_, end, vecSub(ring.pts[v], end.centre)) -
                                       turned.turn - side * core::kPi)) < chord_))
@@ -781,24 +852,10 @@ private:
     // depth).
     int rimChainVertex(const RimView& rim, const Station& end, _s_hd_point_ s, _s_hd_point_ shift,
                        double besidePhi) const {
-        if (!nearerThanRim(rim, s))
-            return -1;
-        int over = -1;
-        double most = rimSlack_;
-        for (int k = 0; k < rim.count; ++k) {
-            const double beyond = beyondChord(rim, k, s);
-            if (beyond > most && besideChord(rim, k, s)) {
-                over = k;
-                most = beyond;
-            }
-        }
+        const int over = nearerThanRim(rim, s) ? chordBeside(rim, s) : -1;
         if (over < 0)
             return -1;
-        const _s_hd_point_ a = rim.pts[over];
-        const _s_hd_point_ b = rim.pts[(over + 1) % rim.count];
-        const int v = a.x * shift.x + a.y * shift.y < b.x * shift.x + b.y * shift.y
-                          ? over
-                          : (over + 1) % rim.count;
+        const int v = chordEnd(rim, over, shift, true);
         const _s_hd_point_ under =
             ringPoint(bend_, end, aroundTube(bend_, end, vecSub(s, end.centre)));
         const SilhouetteRun run = silhouetteRun(end, besidePhi);
@@ -810,6 +867,30 @@ private:
                 return -1;
         }
         return v;
+    }
+
+    // The rim chord that p seen along Z lies farthest outside (by more than the slack) of those it
+    // lies square beside, or -1.
+    int chordBeside(const RimView& rim, _s_hd_point_ p) const {
+        int over = -1;
+        double most = rimSlack_;
+        for (int k = 0; k < rim.count; ++k) {
+            const double beyond = beyondChord(rim, k, p);
+            if (beyond > most && besideChord(rim, k, p)) {
+                over = k;
+                most = beyond;
+            }
+        }
+        return over;
+    }
+
+    // The end of the rim's chord k away from (or towards) a ring whose centre lies shift from the
+    // rim's, seen along Z.
+    static int chordEnd(const RimView& rim, int k, _s_hd_point_ shift, bool away) {
+        const _s_hd_point_ a = rim.pts[k];
+        const _s_hd_point_ b = rim.pts[(k + 1) % rim.count];
+        const bool aAway = a.x * shift.x + a.y * shift.y < b.x * shift.x + b.y * shift.y;
+        return aAway == away ? k : (k + 1) % rim.count;
     }
 
     // The true silhouette of the tube between the end ring at end and the ring at besidePhi,
