@@ -27,12 +27,16 @@
 // nearly over it, and their silhouette points, on the circle between its vertices, would carry
 // faces over its chords: a ring drawn whole takes the points where its neighbours' chains lie
 // outside its chords, and beside an end rim a chain whose point lies under the rim runs through
-// the nearest pattern vertex instead (so each ring's faces wait for the next ring). A ring that
+// the pattern vertex at the end of the rim's chord towards the ring instead (so each ring's
+// faces wait for the next ring), and a ring whose point lies outside such a chord leaves out
+// the vertex beside it towards the chord's far end, where the rim is the outline. A ring that
 // would lie over an end rim in the drawing closer than the hide pass tells its faces from the
 // rim's chords (which they would hide) is left out: the rim stands for it. Where the silhouette
 // turns between an end rim and the ring beside it, that ring's silhouette points can lie outside
 // a rim chord in the drawing, nearer the viewer, and the faces through them hide it: the chains
-// of that band then run from that chord's end away from the ring, the outline there.
+// of that band then run from that chord's end away from the ring, the outline there (or, where
+// such a chain would stray from it, from the end towards the ring, not drawn), and a chain
+// through a pattern vertex of that ring from the rim's vertex of the same place, not drawn.
 #include <cmath>
 #include <initializer_list>
 
@@ -98,6 +102,10 @@ constexpr double kRimOverShare = 0.9;
 /// rim's chord out to that point, not drawn, then stays within about half of it of the chord or
 /// of the chain drawn on from there.
 constexpr double kRimRunEndShare = 2.0;
+/// A ring's edge from its silhouette point, outside an end rim's chord nearer the viewer, may
+/// stand over that chord for this share of the outline's allowance beyond the point before the
+/// pattern vertex it runs to is left out (see ElbowBuilder::overRimChord).
+constexpr double kRimCoverShare = 1.0;
 /// A ring seen end-on where the tangent comes nearest the view axis takes the place of a chosen
 /// ring within this many chosen steps of it: the bands on either side then span a step or more.
 constexpr double kEndOnStandInSteps = 0.25;
@@ -169,12 +177,13 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
 }
 
 // What a tube ring holds besides its pattern and its silhouette points: a chain may run through
-// the pattern vertex nearest its silhouette point instead of the point itself (snapped), and a
-// ring drawn whole takes points round the tube at the given angles (see
-// ElbowBuilder::settlePending).
+// a given pattern vertex within a chord of its silhouette point instead of the point itself,
+// drawn or not, pattern vertices may be left out, and a ring drawn whole takes points round the
+// tube at the given angles (see ElbowBuilder::settlePending).
 struct RingExtras {
-    bool snapped[2] = {false, false};
-    int vertex[2] = {-1, -1};  // an end ring's chain runs through this vertex of its pattern ring
+    int vertex[2] = {-1, -1};          // the chain runs through this vertex of the pattern ring
+    bool undrawn[2] = {false, false};  // ... and is not drawn to or from it
+    int leaveOut[2] = {-1, -1};        // these vertices of the pattern ring are left out
     int count = 0;
     double angle[4] = {0.0, 0.0, 0.0, 0.0};  // round the tube (aroundTube)
 };
@@ -221,8 +230,9 @@ _s_hd_point_ ringPoint(const Bend& b, const Station& st, double a) {
 // bend's pattern. A silhouette point within kSilhouetteSnapAngle of a pattern vertex is that
 // vertex, so an end ring split at its silhouette keeps exactly its m vertices; other pattern
 // vertices closer than kSilhouetteClearChords of a chord to a silhouette point are left out. A
-// snapped chain takes the nearest pattern vertex instead, a chain given a vertex takes that one
-// (within a chord of the silhouette point; it is drawn), and the extras go in at their angles.
+// chain given a vertex takes that one (within a chord of the silhouette point; it is drawn unless
+// marked undrawn), the pattern vertices to leave out are left out, and the extras go in at their
+// angles.
 TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, int offset,
                   const RingExtras& extras = RingExtras{}) {
     TubeRing out;
@@ -242,8 +252,7 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
                 side == 0 ? std::fmin(a, core::kFullTurn - a) : std::fabs(a - core::kPi);
             const bool given = extras.vertex[side] >= 0;
             if (given ? k == extras.vertex[side]
-                      : off <= (extras.snapped[side] ? chord : kSilhouetteSnapAngle) &&
-                            off < silOff[side]) {
+                      : off <= kSilhouetteSnapAngle && off < silOff[side]) {
                 silVertex[side] = k;
                 silOff[side] = off;
             }
@@ -308,14 +317,15 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
             out.half = out.count;
         if (k != silVertex[0] && k != silVertex[1] &&
             ((out.onSilhouette[0] && (angle[k] < clear || angle[k] > core::kFullTurn - clear)) ||
-             (out.onSilhouette[1] && std::fabs(angle[k] - core::kPi) < clear)))
+             (out.onSilhouette[1] && std::fabs(angle[k] - core::kPi) < clear) ||
+             k == extras.leaveOut[0] || k == extras.leaveOut[1]))
             continue;
         out.push(ring.pts[k], (k + offset) % m, angle[k]);
     }
     putUpTo(HUGE_VAL);
     for (int side = 0; side < 2; ++side) {
         if (extras.vertex[side] >= 0)
-            out.onSilhouette[side] = out.throughRim[side] = true;
+            out.onSilhouette[side] = out.throughRim[side] = !extras.undrawn[side];
     }
     out.centre = st.centre;
     out.phi = st.phi;
@@ -644,7 +654,8 @@ private:
     // takes the points round the tube where its neighbours' chains lie outside its chords: the
     // faces through them then keep to its side of its chords, which run through those points.
     // An end rim takes no extra vertex (it meets a pipe's rim chord for chord): a chain of the
-    // ring beside it runs through the nearest pattern vertex instead (see underRim).
+    // ring beside it runs through a pattern vertex instead (see underRim), or leaves out the
+    // pattern vertex whose faces would stand over a rim chord (see overRimChord).
     void settlePending(const TubeRing& next) {
         const PendingRing& p = pending_;
         RingExtras extras;
@@ -660,10 +671,15 @@ private:
                 }
             }
         } else if (measurable) {
-            for (int side = 0; side < 2; ++side)
-                extras.snapped[side] = underRim(p, side, bandTube_, next.chain(side));
+            for (int side = 0; side < 2; ++side) {
+                extras.vertex[side] = underRim(p, side, bandTube_, next.chain(side));
+                extras.undrawn[side] = extras.vertex[side] >= 0;
+                if (extras.vertex[side] < 0 && p.tube.onSilhouette[side])
+                    extras.leaveOut[side] = overRimChord(p, side);
+            }
         }
-        const bool remake = extras.count > 0 || extras.snapped[0] || extras.snapped[1];
+        const bool remake = extras.count > 0 || extras.vertex[0] >= 0 || extras.vertex[1] >= 0 ||
+                            extras.leaveOut[0] >= 0 || extras.leaveOut[1] >= 0;
         addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn,
                 p.alongRim);
     }
@@ -688,19 +704,22 @@ private:
         bandTube_ = tube;
     }
 
-    // True when the silhouette point of ring p on the given side lies under an end rim, between
+    // The pattern vertex the chain of ring p on the given side runs through, not drawn, or -1:
+    // when the silhouette point of ring p on that side lies under an end rim, between
     // the rim's circle and one of its chords seen along Z, while the ring's pattern vertices on
     // either side of it lie inside that chord (the ring lies beside the rim, with its pattern)
     // and the chain's points on the rings before and after (prev, next) lie no farther outside
     // the rim's chords than the outline may stray. When that point lies nearer the viewer than
     // the rim, the faces through it would stand over the rim's chord and hide it, while the true
     // outline there is the rim (unless the other end's face hides that chord anyway): the chain
-    // runs through the nearest pattern vertex instead, whose faces keep inside the chord, and is
-    // not drawn to or from that ring (its stretch lies along the rim, within the allowance of the
-    // drawn chords). Where prev holds a pattern vertex there already, p ends that run along the
-    // rim: left as made, its faces would stand over the end of the chord from prev's vertex, so
-    // next may lie up to kRimRunEndShare allowances out.
-    bool underRim(const PendingRing& p, int side, const TubeRing& prev, _s_hd_point_ next) const {
+    // runs through the pattern vertex within a chord of that point nearest the chord's end
+    // towards the ring instead, whose faces keep inside the chord (the band on to the next ring
+    // then reaches that ring's point from the chord's near end, over the stretch the tube hides
+    // anyway), and is not drawn to or from that ring (its stretch lies along the rim, within the
+    // allowance of the drawn chords). Where prev holds a pattern vertex there already, p ends that
+    // run along the rim: left as made, its faces would stand over the end of the chord from prev's
+    // vertex, so next may lie up to kRimRunEndShare allowances out.
+    int underRim(const PendingRing& p, int side, const TubeRing& prev, _s_hd_point_ next) const {
         const _s_hd_point_ s = p.tube.chain(side);
         const double nextReach = (prev.onSilhouette[side] ? 1.0 : kRimRunEndShare) * chainTol_;
         for (const RimView* rim : {&startRim_, &farRim_}) {
@@ -719,18 +738,81 @@ private:
                 beyondChords(*rim, next) > nextReach ||
                 behindOtherEnd(*rim, rim == &startRim_ ? farRim_ : startRim_, over))
                 continue;
+            // The pattern vertices within a chord of s must lie inside the chord; the chain takes
+            // the one nearest the chord's end towards the ring.
+            const Station& end = rim == &startRim_ ? first_ : far_;
+            const _s_hd_point_ e =
+                rim->pts[chordEnd(*rim, over, vecSub(p.st.centre, end.centre), false)];
             bool beside = true;
+            int nearest = -1;
+            double nearestDist = HUGE_VAL;
             for (int k = 0; k < p.ring.count && beside; ++k) {
-                const double a =
-                    wrapAngle(aroundTube(bend_, p.st, vecSub(p.ring.pts[k], p.st.centre)) -
-                              p.st.turn - side * core::kPi);
-                beside =
-                    std::fabs(a) > chord_ || beyondChord(*rim, over, p.ring.pts[k]) <= rimSlack_;
+                const _s_hd_point_ q = p.ring.pts[k];
+                const double a = wrapAngle(aroundTube(bend_, p.st, vecSub(q, p.st.centre)) -
+                                           p.st.turn - side * core::kPi);
+                if (std::fabs(a) > chord_)
+                    continue;
+                beside = beyondChord(*rim, over, q) <= rimSlack_;
+                const double dist = std::hypot(q.x - e.x, q.y - e.y);
+                if (dist < nearestDist) {
+                    nearest = k;
+                    nearestDist = dist;
+                }
             }
             if (beside)
-                return true;
+                return nearest;
         }
-        return false;
+        return -1;
+    }
+
+    // The pattern vertex of ring p next round the tube from its silhouette point s on the given
+    // side, towards the end of an end rim's chord away from the ring (seen along Z), when s lies
+    // nearer the viewer than the rim, outside that chord and square beside it, and the ring's
+    // edge from s to that vertex would stand over the chord for more than kRimCoverShare of the
+    // outline's allowance beyond s; otherwise -1. Seen nearly along the tube the outline there is
+    // the rim (the tube beyond lies on the ring's side of s), so the vertex is left out: the
+    // ring's edge from s then runs on to the next vertex, well inside the chord, which stays in
+    // sight.
+    int overRimChord(const PendingRing& p, int side) const {
+        const _s_hd_point_ s = p.tube.chain(side);
+        for (const RimView* rim : {&startRim_, &farRim_}) {
+            const int over = rim->usable && nearerThanRim(*rim, s) ? chordBeside(*rim, s) : -1;
+            if (over < 0)
+                continue;
+            const Station& end = rim == &startRim_ ? first_ : far_;
+            const _s_hd_point_ a = rim->pts[over];
+            const _s_hd_point_ b = rim->pts[(over + 1) % rim->count];
+            const _s_hd_point_ e =
+                rim->pts[chordEnd(*rim, over, vecSub(p.st.centre, end.centre), true)];
+            const double len = std::hypot(b.x - a.x, b.y - a.y);
+            // How far q seen along Z lies from s along the chord, towards e above 0.
+            auto along = [&](_s_hd_point_ q) {
+                const double d = ((q.x - s.x) * (b.x - a.x) + (q.y - s.y) * (b.y - a.y)) / len;
+                return (e.x - s.x) * (b.x - a.x) + (e.y - s.y) * (b.y - a.y) < 0.0 ? -d : d;
+            };
+            int next = -1;
+            double nearest = HUGE_VAL;
+            for (int k = 0; k < p.ring.count; ++k) {
+                const _s_hd_point_ q = p.ring.pts[k];
+                const double round =
+                    std::fabs(wrapAngle(aroundTube(bend_, p.st, vecSub(q, p.st.centre)) -
+                                        p.st.turn - side * core::kPi));
+                if (along(q) > 0.0 && round >= kSilhouetteClearChords * chord_ && round < nearest) {
+                    next = k;
+                    nearest = round;
+                }
+            }
+            if (next < 0)
+                continue;
+            // The edge from s to that vertex crosses the chord's line this far along it.
+            const _s_hd_point_ q = p.ring.pts[next];
+            const double ds = beyondChord(*rim, over, s);
+            const double dq = beyondChord(*rim, over, q);
+            const double share = dq < 0.0 ? ds / (ds - dq) : 1.0;
+            if (share * along(q) > kRimCoverShare * chainTol_)
+                return next;
+        }
+        return -1;
     }
 
     // The end ring at end (its pattern ring ring, made as made) as the band to the ring beside it
@@ -740,8 +822,12 @@ private:
     // the rim, the faces through it hide that chord, and the outline runs from the chord's end
     // away from the ring (seen along Z) to the point. Each chain then runs through that end of
     // the chord (see rimChainVertex) and is drawn: the band folds along it, and it keeps to the
-    // true outline within the allowance. Otherwise, or when the silhouette turns less than
-    // maxTwist_ between them, the ring stays as made.
+    // true outline within the allowance. Where it would stray, the chain runs instead, not drawn,
+    // from the chord's end towards the ring: the tube hides the rim on that side of the point, and
+    // the band's faces from that end keep off the rest of the chord. A chain of the ring beside
+    // that runs through a pattern vertex (see underRim) runs, not drawn, from the rim's vertex of
+    // the same place in the pattern. Otherwise, or when the silhouette turns less than maxTwist_
+    // between them, the ring stays as made.
     TubeRing besideRim(const Station& end, const ViewSplitRing& ring, int offset,
                        const TubeRing& made, const TubeRing& beside) const {
         if (fullTurn_ || !(rimSlack_ <= kRimSlackShare * chainTol_) ||
@@ -757,10 +843,26 @@ private:
         turned.turn = aroundTube(bend_, end, turned.split);
         RingExtras extras;
         for (int side = 0; side < 2; ++side) {
-            const int v = beside.onSilhouette[side]
-                              ? rimChainVertex(rim, end, beside.chain(side),
-                                               vecSub(beside.centre, end.centre), beside.phi)
-                              : -1;
+            const _s_hd_point_ shift = vecSub(beside.centre, end.centre);
+            int v = beside.onSilhouette[side]
+                        ? rimChainVertex(rim, end, beside.chain(side), shift, beside.phi)
+                        : -1;
+            // Failing that, the chain runs, not drawn, from the chord's end towards the ring.
+            const int over =
+                v < 0 && beside.onSilhouette[side] && nearerThanRim(rim, beside.chain(side))
+                    ? chordBeside(rim, beside.chain(side))
+                    : -1;
+            if (over >= 0) {
+                v = chordEnd(rim, over, shift, false);
+                extras.undrawn[side] = true;
+            }
+            // A chain through a pattern vertex of the ring beside runs, not drawn, from the rim's
+            // vertex of the same place in the pattern.
+            const int k = beside.patternAt(side == 0 ? 0 : beside.half);
+            if (!beside.onSilhouette[side] && k >= 0) {
+                v = ((k - offset) % ring.count + ring.count) % ring.count;
+                extras.undrawn[side] = true;
+            }
             if (v < 0 ||
                 !(std::fabs(wrapAngle(aroundTube(bend_, end, vecSub(ring.pts[v], end.centre)) -
                                       turned.turn - side * core::kPi)) < chord_))
@@ -781,24 +883,10 @@ private:
     // depth).
     int rimChainVertex(const RimView& rim, const Station& end, _s_hd_point_ s, _s_hd_point_ shift,
                        double besidePhi) const {
-        if (!nearerThanRim(rim, s))
-            return -1;
-        int over = -1;
-        double most = rimSlack_;
-        for (int k = 0; k < rim.count; ++k) {
-            const double beyond = beyondChord(rim, k, s);
-            if (beyond > most && besideChord(rim, k, s)) {
-                over = k;
-                most = beyond;
-            }
-        }
+        const int over = nearerThanRim(rim, s) ? chordBeside(rim, s) : -1;
         if (over < 0)
             return -1;
-        const _s_hd_point_ a = rim.pts[over];
-        const _s_hd_point_ b = rim.pts[(over + 1) % rim.count];
-        const int v = a.x * shift.x + a.y * shift.y < b.x * shift.x + b.y * shift.y
-                          ? over
-                          : (over + 1) % rim.count;
+        const int v = chordEnd(rim, over, shift, true);
         const _s_hd_point_ under =
             ringPoint(bend_, end, aroundTube(bend_, end, vecSub(s, end.centre)));
         const SilhouetteRun run = silhouetteRun(end, besidePhi);
@@ -810,6 +898,30 @@ private:
                 return -1;
         }
         return v;
+    }
+
+    // The rim chord that p seen along Z lies farthest outside (by more than the slack) of those it
+    // lies square beside, or -1.
+    int chordBeside(const RimView& rim, _s_hd_point_ p) const {
+        int over = -1;
+        double most = rimSlack_;
+        for (int k = 0; k < rim.count; ++k) {
+            const double beyond = beyondChord(rim, k, p);
+            if (beyond > most && besideChord(rim, k, p)) {
+                over = k;
+                most = beyond;
+            }
+        }
+        return over;
+    }
+
+    // The end of the rim's chord k away from (or towards) a ring whose centre lies shift from the
+    // rim's, seen along Z.
+    static int chordEnd(const RimView& rim, int k, _s_hd_point_ shift, bool away) {
+        const _s_hd_point_ a = rim.pts[k];
+        const _s_hd_point_ b = rim.pts[(k + 1) % rim.count];
+        const bool aAway = a.x * shift.x + a.y * shift.y < b.x * shift.x + b.y * shift.y;
+        return aAway == away ? k : (k + 1) % rim.count;
     }
 
     // The true silhouette of the tube between the end ring at end and the ring at besidePhi,
