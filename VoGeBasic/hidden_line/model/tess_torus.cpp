@@ -550,6 +550,28 @@ private:
             addOutline(ring.at(k), ring.at(k + 1));
     }
 
+    // Which way, seen along Z, the face with the edge from p to q faces: the sign of its normal's
+    // Z component (0 for none).
+    static int facing(_s_hd_point_ p, _s_hd_point_ q, _s_hd_point_ third) {
+        const double z = core::planCross(q.x - p.x, q.y - p.y, third.x - p.x, third.y - p.y);
+        return z > 0.0 ? 1 : z < 0.0 ? -1 : 0;
+    }
+
+    // The same for the band faces of a quadrilateral: the face of faces holding p and q.
+    static int facing(const PlanarQuadFaces& faces, _s_hd_point_ p, _s_hd_point_ q) {
+        for (int i = 0; i < faces.count; ++i) {
+            const PlanarQuadFaces::Face& f = faces.faces[i];
+            for (int k = 0; k < f.count; ++k) {
+                const _s_hd_point_ a = f.pts[k];
+                const _s_hd_point_ b = f.pts[(k + 1) % f.count];
+                if (a.x == p.x && a.y == p.y && a.z == p.z && b.x == q.x && b.y == q.y &&
+                    b.z == q.z)
+                    return facing(a, b, f.pts[(k + 2) % f.count]);
+            }
+        }
+        return 0;
+    }
+
     // The faces between rings a and b. The two silhouette chains cut the band in two halves;
     // each is walked from chain to chain, taking the next vertex of whichever ring comes first
     // round the tube, with a quadrilateral where both rings step across the same pattern chord
@@ -559,6 +581,8 @@ private:
     // the one farther round from it, so that it turns the way the tube does on its side (and a
     // quadrilateral that would reach a chain on one ring only gives way to triangles).
     void addBand(const TubeRing& a, const TubeRing& b) {
+        for (int k = 0; k < kMaxTubeRingVertices; ++k)
+            facingAfter_[k] = facingBefore_[k] = 0;
         // b's angles from a's first silhouette point: its own first one lies less than a
         // quarter turn round from there.
         const double twist = wrapAngle(b.sil - a.sil);
@@ -574,8 +598,11 @@ private:
             while ((i < endA || j < endB) && draft_.ok()) {
                 if (i < endA && j < endB && (i + 1 == endA) == (j + 1 == endB) &&
                     sameChord(a, i, b, j)) {
-                    draft_.addFaces(
-                        bandQuadFaces(a.at(i), a.at(i + 1), b.at(j + 1), b.at(j), size_));
+                    const PlanarQuadFaces faces =
+                        bandQuadFaces(a.at(i), a.at(i + 1), b.at(j + 1), b.at(j), size_);
+                    draft_.addFaces(faces);
+                    facingAfter_[i] = facing(faces, a.at(i), a.at(i + 1));
+                    facingBefore_[j] = facing(faces, b.at(j + 1), b.at(j));
                     ++i;
                     ++j;
                     continue;
@@ -594,9 +621,11 @@ private:
                     stepA = aFirst;
                 if (stepA) {
                     draft_.addTri(a.at(i), a.at(i + 1), b.at(j));
+                    facingAfter_[i] = facing(a.at(i), a.at(i + 1), b.at(j));
                     ++i;
                 } else {
                     draft_.addTri(a.at(i), b.at(j + 1), b.at(j));
+                    facingBefore_[j] = facing(b.at(j + 1), b.at(j), a.at(i));
                     ++j;
                 }
             }
@@ -693,14 +722,30 @@ private:
             startBand_ = false;
             bandTube_ = besideRim(first_, startRing_, 0, bandTube_, tube);
         }
+        int before[kMaxTubeRingVertices];
+        for (int k = 0; k < kMaxTubeRingVertices; ++k)
+            before[k] = facingBefore_[k];
         addBand(bandTube_, tube);
-        for (int side = 0; side < 2; ++side) {
-            const bool drawn = !alongRim || bandTube_.throughRim[side] || tube.throughRim[side];
-            if (drawn && bandTube_.onSilhouette[side] && tube.onSilhouette[side])
-                addOutline(bandTube_.chain(side), tube.chain(side));
+        // The ring drawn whole before this one: its chords but those whose faces on either side
+        // face the same way (no contour edge; the faces fold along a neighbour's chord instead).
+        if (wholePending_) {
+            for (int k = 0; k < bandTube_.count; ++k) {
+                if (before[k] * facingAfter_[k] <= 0)
+                    addOutline(bandTube_.at(k), bandTube_.at(k + 1));
+            }
+            wholePending_ = false;
         }
-        if (drawnWhole)
-            addRingOutline(tube);
+        // A chain seen end-on (within the slack of a point seen along Z, where the tube runs
+        // along the view) draws nothing, and is left out.
+        for (int side = 0; side < 2; ++side) {
+            const _s_hd_point_ a = bandTube_.chain(side);
+            const _s_hd_point_ b = tube.chain(side);
+            const bool drawn = (!alongRim || bandTube_.throughRim[side] || tube.throughRim[side]) &&
+                               std::hypot(b.x - a.x, b.y - a.y) > rimSlack_;
+            if (drawn && bandTube_.onSilhouette[side] && tube.onSilhouette[side])
+                addOutline(a, b);
+        }
+        wholePending_ = drawnWhole;
         bandTube_ = tube;
     }
 
@@ -1064,9 +1109,14 @@ private:
     RimView startRim_;
     RimView farRim_;
     double rimSlack_ = 0.0;
-    ViewSplitRing prevRing_;   // the last pattern ring made: the far end's at the end
-    ViewSplitRing startRing_;  // the start's pattern ring
-    bool startBand_ = true;    // the band beside the start rim is still to come
+    ViewSplitRing prevRing_;     // the last pattern ring made: the far end's at the end
+    ViewSplitRing startRing_;    // the start's pattern ring
+    bool wholePending_ = false;  // bandTube_ is drawn whole, its chords wait for its next band
+    // Which way the faces of the last band face on the chords of its rings (see facing): on a's
+    // chord k after it, on b's chord k before it.
+    int facingAfter_[kMaxTubeRingVertices] = {};
+    int facingBefore_[kMaxTubeRingVertices] = {};
+    bool startBand_ = true;  // the band beside the start rim is still to come
     ProlineChain outline_;
 };
 
