@@ -198,8 +198,8 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// and the tube is seen end-on where it reaches the axis; none beside a chosen ring seen end-on,
 /// and one seen end-on takes the place of a chosen ring within a quarter step of it), wherever its
 /// silhouette turns round the tube by more than a quarter of a ring chord between two rings, and
-/// wherever the silhouette drawn between two rings would stray from the one half way between by
-/// more than the larger of the ring chords' and the outer
+/// wherever the silhouette drawn between two rings would stray from the ones half way, a quarter
+/// and three quarters of the way between by more than the larger of the ring chords' and the outer
 /// equator's sagittas (the equator's over a step of at most an eighth of a turn, so that a coarse n
 /// still gets the rings a tube needs); but no ring goes where it would lie, seen along Z, within
 /// 1e-3 (or a quarter of that allowance, if less) of an end rim all round and not 1e-3 or more
@@ -261,15 +261,13 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// end-on and drawn whole; the true outline there leaves it by at most sqrt(2 r R) times the root
 /// of that lean (R the bend radius), a hundredth of sqrt(r R). Where the tube is seen nearly along
 /// its length, at an end or about a ring drawn whole, the rings there nearly coincide in the
-/// drawing; the points above keep the faces of the rings beside the drawn one off its chords. Three
+/// drawing; the points above keep the faces of the rings beside the drawn one off its chords. Two
 /// shortcomings are left. Seen within about 1e-3 of its length at an end where the tube beyond is
 /// nearer the viewer, a ring's edge from its silhouette point to the pattern vertex after the one
 /// left out still stands over the rim chord for a little way beyond the point, and the faces of
 /// rings further on, where their silhouette points turn back over the rim, can stand over a rim
 /// chord too: in such views a gap of up to a little over a sagitta remains; seen a few degrees off
-/// its length at an end, such a gap is rarer (under two sagittas where it was found). Seen within
-/// about 1e-3 of its length at an end where the tube beyond is farther from the viewer, a visible
-/// piece can stray from the true outline by up to about one and a half sagittas. And at a ring
+/// its length at an end, such a gap is rarer (under two sagittas where it was found). And at a ring
 /// drawn whole whose tangent leans from Z by nearly the limit above, the true outline lies a little
 /// outside the ring's circle: where the ring's chord sagitta is the whole allowance, a chord there
 /// can lie inside the true outline by a little more than the sagitta (1.09 sagittas where it was

@@ -528,8 +528,10 @@ private:
     }
 
     // True when a silhouette chain from the last ring to the ring of st passes farther than
-    // chainTol_ from the silhouette point of the ring half way between: where the silhouette
-    // turns round the tube fast (the tube seen nearly end-on), its chord cuts inside it.
+    // chainTol_ from the silhouette point of the ring half way between, or from those of the rings
+    // a quarter and three quarters of the way: where the silhouette turns round the tube fast (the
+    // tube seen nearly end-on), its chord cuts inside it, and where it turns unevenly along the
+    // bend (the tube seen nearly along its length beside an end) it strays most off the middle.
     bool chainStraysFrom(const Station& st) const {
         const Station mid = stationAt(bend_, 0.5 * (prev_.phi + st.phi), &prev_);
         const double r = bend_.tubeRadius;
@@ -541,6 +543,15 @@ private:
             // A chain that rounding alone puts off (or that cannot be measured) adds no ring.
             if (vecDot(d, d) > chainTol_ * chainTol_)
                 return true;
+        }
+        for (double share : {0.25, 0.75}) {
+            const Station q = stationAt(bend_, prev_.phi + share * (st.phi - prev_.phi), &prev_);
+            for (double side : {1.0, -1.0}) {
+                const _s_hd_point_ a = linComb(1.0, prev_.centre, side * r, prev_.split);
+                const _s_hd_point_ b = linComb(1.0, st.centre, side * r, st.split);
+                if (fromSegment(linComb(1.0, q.centre, side * r, q.split), a, b) > chainTol_)
+                    return true;
+            }
         }
         return false;
     }
