@@ -198,82 +198,83 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// and the tube is seen end-on where it reaches the axis; none beside a chosen ring seen end-on,
 /// and one seen end-on takes the place of a chosen ring within a quarter step of it), wherever its
 /// silhouette turns round the tube by more than a quarter of a ring chord between two rings, and
-/// wherever the silhouette drawn between two rings would stray from the one half way between by
-/// more than the larger of the ring chords' and the outer equator's sagittas (the equator's over a
-/// step of at most an eighth of a turn, so that a coarse n still gets the rings a tube needs); but
-/// no ring goes where it would lie, seen along Z, within 1e-3 (or a quarter of that allowance, if
-/// less) of an end rim all round and not 1e-3 or more behind it: there the hide pass cannot tell
-/// its faces from the rim's chords, which they would hide, and the rim stands for it. Every ring
-/// holds one pattern of m = 8, 10 or 12 vertices at equal angles round the tube (the disc's rule on
-/// r), measured from the ring's radial direction: the end rings start at the silhouette point
-/// centre + r * unit(Z x tangent), as a disc of their circle does (a ring seen end-on starts on the
-/// bend axis), and the pattern turns along the bend between them by at most half a chord in all,
-/// smoothly, standing still at both ends. Each other ring also holds its two silhouette points, and
-/// leaves out the pattern vertices closer than half a chord to them. A ring drawn whole (below)
-/// also holds the points round the tube where its neighbours' silhouette points lie outside its
-/// chords seen along Z. Beside an end rim, a ring whose silhouette point lies nearer the viewer
-/// than the rim, under the rim's circle but outside one of its chords seen along Z (or outside
-/// the circle by up to a tenth of the allowance below, and then beyond the chord by at most nine
-/// tenths of it: the rings next to a rim seen nearly along the tube lie that little outside it),
-/// with the ring's pattern vertices there inside that chord and the silhouette points of the rings
-/// on either side no farther outside the rim's chords than the sagitta allowance below (twice it
-/// for the ring after, where the ring before holds a pattern vertex there too: that ring ends the
-/// run, whose last faces would otherwise stand over the end of the chord), holds in its place
-/// the pattern vertex within a chord of that point nearest the end of that chord towards the ring
-/// (seen along Z; the tube hides the rim on that side of the point), and that silhouette is not
-/// drawn to or from that ring (it lies along the rim there). Where the silhouette turns round the
-/// tube by more than a quarter of a chord between an end rim and the ring beside it (the tube seen
-/// nearly along its length there), and each chain of that ring either runs through a pattern vertex
-/// (above) or runs through its silhouette point and that point lies nearer the viewer than the
-/// rim, outside one of its chords seen along Z and square beside it, each chain of the band between
-/// them runs from a rim vertex instead of from the rim's own silhouette point: to a pattern vertex
-/// from the rim's vertex at the same place in the pattern, not drawn; to the point from the end of
-/// that chord away from the ring (seen along Z), drawn (also along a rim), provided it keeps within
-/// the allowance below of the rim, of the tube's line from the rim to that point or of the true
-/// silhouette between the rim and that ring (where it turns round the tube): the faces through the
-/// point hide the chord, and the band folds along the chain, which is the outline there; where it
-/// would stray, to the point from the end of that chord towards the ring, not drawn (the tube
-/// hides the rim on that side of the point, and the band's faces keep off the rest of the
-/// chord). A ring beside an end rim whose silhouette point lies so, nearer
-/// the viewer than the rim and outside one of its chords seen along Z, square beside it, leaves
-/// out its pattern vertex next round the tube towards that chord's end away from the ring where
-/// its edge from the point to that vertex would stand over the chord for more than the allowance
-/// below beyond the point: the rim is the outline there, and the ring's edge then runs on to the
-/// next vertex, inside the chord. Faces between two rings are stitched from one silhouette chain to
-/// the other and back: quadrilaterals where both rings step across the same pattern chord (two
-/// triangles along the shorter diagonal where not planar), triangles elsewhere. A sweep within 1e-9
-/// of 2 pi is a full ring without ends; otherwise flat ends close the tube, each a strip across its
-/// end ring. A tube radius above the bend radius gives a closed face set that passes through itself
-/// near the axis. Faces: the start end, the tube between consecutive rings (ring by ring, each band
-/// from the first silhouette chain round to the second, then on round to the first), the far end;
-/// tag 0. Lines: the start ring's m chords, then ring by ring the tube's two silhouettes (the
-/// chains of the rings' silhouette points, edges of the faces on the true outline, from a rim
-/// vertex where the band beside the rim takes one above, but for the stretches along a rim above
-/// and the bands beside a rim that stands for the rings left out) and the whole of any ring seen
-/// end-on (its chords through its silhouette points and the points above), then the far ring's m
-/// chords; no end rings for a full ring. The silhouettes are drawn rather than the faces' own
-/// outline, which on the side towards the bend centre can run inside the true one; since the rings'
-/// vertices do not turn with the silhouette and no face reaches across a chain, no face leans over
-/// the drawn outline, and the visible drawing keeps to the true outline within the sagitta. A ring
-/// whose tangent leans less than about 4.5e-5 from Z is taken as seen end-on and drawn whole; the
-/// true outline there leaves it by at most sqrt(2 r R) times the root of that lean (R the bend
-/// radius), a hundredth of sqrt(r R). Where the tube is seen nearly along its length, at an end or
-/// about a ring drawn whole, the rings there nearly coincide in the drawing; the points above keep
-/// the faces of the rings beside the drawn one off its chords. Three shortcomings are left. Seen
-/// within about 1e-3 of its length at an end where the tube beyond is nearer the viewer, a ring's
-/// edge from its silhouette point to the pattern vertex after the one left out still stands over
-/// the rim chord for a little way beyond the point, and the faces of rings further on, where their
-/// silhouette points turn back over the rim, can stand over a rim chord too: in such views a gap of
-/// up to a little over a sagitta remains; seen a few degrees off its length at an end, such a gap
-/// is rarer (under two sagittas where it was found). Seen within about 1e-3 of its length at an end
-/// where the tube beyond is farther from the viewer, a visible piece can stray from the true
-/// outline by up to about one and a half sagittas. And where rings are put in close beside a ring
-/// drawn whole (taken as seen end-on though its tangent leans a little from Z, beside an end rim or
-/// on a full ring), the faces beside some of its chords can face the same way, and those chords are
-/// drawn though they are no contour edge. Returns a new object owned by the caller; release it with
-/// freeHDProfObjectPointer. Returns null on non-finite input, when r or |s - c| is below 0.01, for
-/// a null axis, for s - c off the plane normal to the axis, for an angle not above 0 or above 2 pi,
-/// for n below 0 or above 100000, or if an allocation fails.
+/// wherever the silhouette drawn between two rings would stray from the ones half way, a quarter
+/// and three quarters of the way between by more than the larger of the ring chords' and the outer
+/// equator's sagittas (the equator's over a step of at most an eighth of a turn, so that a coarse n
+/// still gets the rings a tube needs); but no ring goes where it would lie, seen along Z, within
+/// 1e-3 (or a quarter of that allowance, if less) of an end rim all round and not 1e-3 or more
+/// behind it: there the hide pass cannot tell its faces from the rim's chords, which they would
+/// hide, and the rim stands for it. Every ring holds one pattern of m = 8, 10 or 12 vertices at
+/// equal angles round the tube (the disc's rule on r), measured from the ring's radial direction:
+/// the end rings start at the silhouette point centre + r * unit(Z x tangent), as a disc of their
+/// circle does (a ring seen end-on starts on the bend axis), and the pattern turns along the bend
+/// between them by at most half a chord in all, smoothly, standing still at both ends. Each other
+/// ring also holds its two silhouette points, and leaves out the pattern vertices closer than half
+/// a chord to them. A ring drawn whole (below) also holds the points round the tube where its
+/// neighbours' silhouette points lie outside its chords seen along Z. Beside an end rim, a ring
+/// whose silhouette point lies nearer the viewer than the rim, under the rim's circle but outside
+/// one of its chords seen along Z (or outside the circle by up to a tenth of the allowance below,
+/// and then beyond the chord by at most nine tenths of it: the rings next to a rim seen nearly
+/// along the tube lie that little outside it), with the ring's pattern vertices there inside that
+/// chord and the silhouette points of the rings on either side no farther outside the rim's chords
+/// than the sagitta allowance below (twice it for the ring after, where the ring before holds a
+/// pattern vertex there too: that ring ends the run, whose last faces would otherwise stand over
+/// the end of the chord), holds in its place the pattern vertex within a chord of that point
+/// nearest the end of that chord towards the ring (seen along Z; the tube hides the rim on that
+/// side of the point), and that silhouette is not drawn to or from that ring (it lies along the rim
+/// there). Where the silhouette turns round the tube by more than a quarter of a chord between an
+/// end rim and the ring beside it (the tube seen nearly along its length there), and each chain of
+/// that ring either runs through a pattern vertex (above) or runs through its silhouette point and
+/// that point lies nearer the viewer than the rim, outside one of its chords seen along Z and
+/// square beside it, each chain of the band between them runs from a rim vertex instead of from the
+/// rim's own silhouette point: to a pattern vertex from the rim's vertex at the same place in the
+/// pattern, not drawn; to the point from the end of that chord away from the ring (seen along Z),
+/// drawn (also along a rim), provided it keeps within the allowance below of the rim, of the tube's
+/// line from the rim to that point or of the true silhouette between the rim and that ring (where
+/// it turns round the tube): the faces through the point hide the chord, and the band folds along
+/// the chain, which is the outline there; where it would stray, to the point from the end of that
+/// chord towards the ring, not drawn (the tube hides the rim on that side of the point, and the
+/// band's faces keep off the rest of the chord). A ring beside an end rim whose silhouette point
+/// lies so, nearer the viewer than the rim and outside one of its chords seen along Z, square
+/// beside it, leaves out its pattern vertex next round the tube towards that chord's end away from
+/// the ring where its edge from the point to that vertex would stand over the chord for more than
+/// the allowance below beyond the point: the rim is the outline there, and the ring's edge then
+/// runs on to the next vertex, inside the chord. Faces between two rings are stitched from one
+/// silhouette chain to the other and back: quadrilaterals where both rings step across the same
+/// pattern chord (two triangles along the shorter diagonal where not planar), triangles elsewhere.
+/// A sweep within 1e-9 of 2 pi is a full ring without ends; otherwise flat ends close the tube,
+/// each a strip across its end ring. A tube radius above the bend radius gives a closed face set
+/// that passes through itself near the axis. Faces: the start end, the tube between consecutive
+/// rings (ring by ring, each band from the first silhouette chain round to the second, then on
+/// round to the first), the far end; tag 0. Lines: the start ring's m chords, then ring by ring the
+/// tube's two silhouettes (the chains of the rings' silhouette points, edges of the faces on the
+/// true outline, from a rim vertex where the band beside the rim takes one above, but for the
+/// stretches along a rim above, the bands beside a rim that stands for the rings left out and a
+/// stretch no longer seen along Z than rounding can tell, where the tube runs along the view) and
+/// the whole of any ring seen end-on (its chords through its silhouette points and the points
+/// above, but for those whose faces on either side face the same way, which are no contour edge),
+/// then the far ring's m chords; no end rings for a full ring. The silhouettes are drawn rather
+/// than the faces' own outline, which on the side towards the bend centre can run inside the true
+/// one; since the rings' vertices do not turn with the silhouette and no face reaches across a
+/// chain, no face leans over the drawn outline, and the visible drawing keeps to the true outline
+/// within the sagitta. A ring whose tangent leans less than about 4.5e-5 from Z is taken as seen
+/// end-on and drawn whole; the true outline there leaves it by at most sqrt(2 r R) times the root
+/// of that lean (R the bend radius), a hundredth of sqrt(r R). Where the tube is seen nearly along
+/// its length, at an end or about a ring drawn whole, the rings there nearly coincide in the
+/// drawing; the points above keep the faces of the rings beside the drawn one off its chords. Two
+/// shortcomings are left. Seen within about 1e-3 of its length at an end where the tube beyond is
+/// nearer the viewer, a ring's edge from its silhouette point to the pattern vertex after the one
+/// left out still stands over the rim chord for a little way beyond the point, and the faces of
+/// rings further on, where their silhouette points turn back over the rim, can stand over a rim
+/// chord too: in such views a gap of up to a little over a sagitta remains; seen a few degrees off
+/// its length at an end, such a gap is rarer (under two sagittas where it was found). And at a ring
+/// drawn whole whose tangent leans from Z by nearly the limit above, the true outline lies a little
+/// outside the ring's circle: where the ring's chord sagitta is the whole allowance, a chord there
+/// can lie inside the true outline by a little more than the sagitta (1.09 sagittas where it was
+/// found). Returns a new object owned by the caller; release it with freeHDProfObjectPointer.
+/// Returns null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c
+/// off the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or above
+/// 100000, or if an allocation fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ s,
                                          _s_hd_point_ axis, int n);
 

@@ -528,8 +528,10 @@ private:
     }
 
     // True when a silhouette chain from the last ring to the ring of st passes farther than
-    // chainTol_ from the silhouette point of the ring half way between: where the silhouette
-    // turns round the tube fast (the tube seen nearly end-on), its chord cuts inside it.
+    // chainTol_ from the silhouette point of the ring half way between, or from those of the rings
+    // a quarter and three quarters of the way: where the silhouette turns round the tube fast (the
+    // tube seen nearly end-on), its chord cuts inside it, and where it turns unevenly along the
+    // bend (the tube seen nearly along its length beside an end) it strays most off the middle.
     bool chainStraysFrom(const Station& st) const {
         const Station mid = stationAt(bend_, 0.5 * (prev_.phi + st.phi), &prev_);
         const double r = bend_.tubeRadius;
@@ -542,12 +544,43 @@ private:
             if (vecDot(d, d) > chainTol_ * chainTol_)
                 return true;
         }
+        for (double share : {0.25, 0.75}) {
+            const Station q = stationAt(bend_, prev_.phi + share * (st.phi - prev_.phi), &prev_);
+            for (double side : {1.0, -1.0}) {
+                const _s_hd_point_ a = linComb(1.0, prev_.centre, side * r, prev_.split);
+                const _s_hd_point_ b = linComb(1.0, st.centre, side * r, st.split);
+                if (fromSegment(linComb(1.0, q.centre, side * r, q.split), a, b) > chainTol_)
+                    return true;
+            }
+        }
         return false;
     }
 
     void addRingOutline(const TubeRing& ring) {
         for (int k = 0; k < ring.count; ++k)
             addOutline(ring.at(k), ring.at(k + 1));
+    }
+
+    // Which way, seen along Z, the face with the edge from p to q faces: the sign of its normal's
+    // Z component (0 for none).
+    static int facing(_s_hd_point_ p, _s_hd_point_ q, _s_hd_point_ third) {
+        const double z = core::planCross(q.x - p.x, q.y - p.y, third.x - p.x, third.y - p.y);
+        return z > 0.0 ? 1 : z < 0.0 ? -1 : 0;
+    }
+
+    // The same for the band faces of a quadrilateral: the face of faces holding p and q.
+    static int facing(const PlanarQuadFaces& faces, _s_hd_point_ p, _s_hd_point_ q) {
+        for (int i = 0; i < faces.count; ++i) {
+            const PlanarQuadFaces::Face& f = faces.faces[i];
+            for (int k = 0; k < f.count; ++k) {
+                const _s_hd_point_ a = f.pts[k];
+                const _s_hd_point_ b = f.pts[(k + 1) % f.count];
+                if (a.x == p.x && a.y == p.y && a.z == p.z && b.x == q.x && b.y == q.y &&
+                    b.z == q.z)
+                    return facing(a, b, f.pts[(k + 2) % f.count]);
+            }
+        }
+        return 0;
     }
 
     // The faces between rings a and b. The two silhouette chains cut the band in two halves;
@@ -559,6 +592,8 @@ private:
     // the one farther round from it, so that it turns the way the tube does on its side (and a
     // quadrilateral that would reach a chain on one ring only gives way to triangles).
     void addBand(const TubeRing& a, const TubeRing& b) {
+        for (int k = 0; k < kMaxTubeRingVertices; ++k)
+            facingAfter_[k] = facingBefore_[k] = 0;
         // b's angles from a's first silhouette point: its own first one lies less than a
         // quarter turn round from there.
         const double twist = wrapAngle(b.sil - a.sil);
@@ -574,8 +609,11 @@ private:
             while ((i < endA || j < endB) && draft_.ok()) {
                 if (i < endA && j < endB && (i + 1 == endA) == (j + 1 == endB) &&
                     sameChord(a, i, b, j)) {
-                    draft_.addFaces(
-                        bandQuadFaces(a.at(i), a.at(i + 1), b.at(j + 1), b.at(j), size_));
+                    const PlanarQuadFaces faces =
+                        bandQuadFaces(a.at(i), a.at(i + 1), b.at(j + 1), b.at(j), size_);
+                    draft_.addFaces(faces);
+                    facingAfter_[i] = facing(faces, a.at(i), a.at(i + 1));
+                    facingBefore_[j] = facing(faces, b.at(j + 1), b.at(j));
                     ++i;
                     ++j;
                     continue;
@@ -594,9 +632,11 @@ private:
                     stepA = aFirst;
                 if (stepA) {
                     draft_.addTri(a.at(i), a.at(i + 1), b.at(j));
+                    facingAfter_[i] = facing(a.at(i), a.at(i + 1), b.at(j));
                     ++i;
                 } else {
                     draft_.addTri(a.at(i), b.at(j + 1), b.at(j));
+                    facingBefore_[j] = facing(b.at(j + 1), b.at(j), a.at(i));
                     ++j;
                 }
             }
@@ -693,14 +733,30 @@ private:
             startBand_ = false;
             bandTube_ = besideRim(first_, startRing_, 0, bandTube_, tube);
         }
+        int before[kMaxTubeRingVertices];
+        for (int k = 0; k < kMaxTubeRingVertices; ++k)
+            before[k] = facingBefore_[k];
         addBand(bandTube_, tube);
-        for (int side = 0; side < 2; ++side) {
-            const bool drawn = !alongRim || bandTube_.throughRim[side] || tube.throughRim[side];
-            if (drawn && bandTube_.onSilhouette[side] && tube.onSilhouette[side])
-                addOutline(bandTube_.chain(side), tube.chain(side));
+        // The ring drawn whole before this one: its chords but those whose faces on either side
+        // face the same way (no contour edge; the faces fold along a neighbour's chord instead).
+        if (wholePending_) {
+            for (int k = 0; k < bandTube_.count; ++k) {
+                if (before[k] * facingAfter_[k] <= 0)
+                    addOutline(bandTube_.at(k), bandTube_.at(k + 1));
+            }
+            wholePending_ = false;
         }
-        if (drawnWhole)
-            addRingOutline(tube);
+        // A chain seen end-on (within the slack of a point seen along Z, where the tube runs
+        // along the view) draws nothing, and is left out.
+        for (int side = 0; side < 2; ++side) {
+            const _s_hd_point_ a = bandTube_.chain(side);
+            const _s_hd_point_ b = tube.chain(side);
+            const bool drawn = (!alongRim || bandTube_.throughRim[side] || tube.throughRim[side]) &&
+                               std::hypot(b.x - a.x, b.y - a.y) > rimSlack_;
+            if (drawn && bandTube_.onSilhouette[side] && tube.onSilhouette[side])
+                addOutline(a, b);
+        }
+        wholePending_ = drawnWhole;
         bandTube_ = tube;
     }
 
@@ -1064,9 +1120,14 @@ private:
     RimView startRim_;
     RimView farRim_;
     double rimSlack_ = 0.0;
-    ViewSplitRing prevRing_;   // the last pattern ring made: the far end's at the end
-    ViewSplitRing startRing_;  // the start's pattern ring
-    bool startBand_ = true;    // the band beside the start rim is still to come
+    ViewSplitRing prevRing_;     // the last pattern ring made: the far end's at the end
+    ViewSplitRing startRing_;    // the start's pattern ring
+    bool wholePending_ = false;  // bandTube_ is drawn whole, its chords wait for its next band
+    // Which way the faces of the last band face on the chords of its rings (see facing): on a's
+    // chord k after it, on b's chord k before it.
+    int facingAfter_[kMaxTubeRingVertices] = {};
+    int facingBefore_[kMaxTubeRingVertices] = {};
+    bool startBand_ = true;  // the band beside the start rim is still to come
     ProlineChain outline_;
 };
 
