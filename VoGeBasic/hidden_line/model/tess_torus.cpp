@@ -464,6 +464,15 @@ public:
         }
     }
 
+    // The station of an end rim: the start's or the far end's.
+    const Station& endOf(const RimView& rim) const { return &rim == &startRim_ ? first_ : far_; }
+
+    // How far round the tube from st's silhouette point on the given side (0 or 1) the point q
+    // of st's ring lies, in (-pi, pi].
+    double fromSilhouette(const Station& st, _s_hd_point_ q, int side) const {
+        return wrapAngle(aroundTube(bend_, st, vecSub(q, st.centre)) - st.turn - side * core::kPi);
+    }
+
     // True when the ring at phi would lie, seen along Z, within kRimApart (or kRimApartShare of
     // the outline's allowance) of an end rim all round, and nowhere farther from the viewer than
     // it by kRimBehind. Where the tube is seen nearly along its length beside the rim, such
@@ -475,7 +484,7 @@ public:
         for (const RimView* rim : {&startRim_, &farRim_}) {
             if (!rim->usable)
                 continue;
-            const Station& end = rim == &startRim_ ? first_ : far_;
+            const Station& end = endOf(*rim);
             bool on = true;
             for (int k = 0; k < kRimApartSamples && on; ++k) {
                 const double a = core::kFullTurn * k / kRimApartSamples;
@@ -796,7 +805,7 @@ private:
                 continue;
             // The pattern vertices within a chord of s must lie inside the chord; the chain takes
             // the one nearest the chord's end towards the ring.
-            const Station& end = rim == &startRim_ ? first_ : far_;
+            const Station& end = endOf(*rim);
             const _s_hd_point_ e =
                 rim->pts[chordEnd(*rim, over, vecSub(p.st.centre, end.centre), false)];
             bool beside = true;
@@ -804,9 +813,7 @@ private:
             double nearestDist = HUGE_VAL;
             for (int k = 0; k < p.ring.count && beside; ++k) {
                 const _s_hd_point_ q = p.ring.pts[k];
-                const double a = wrapAngle(aroundTube(bend_, p.st, vecSub(q, p.st.centre)) -
-                                           p.st.turn - side * core::kPi);
-                if (std::fabs(a) > chord_)
+                if (std::fabs(fromSilhouette(p.st, q, side)) > chord_)
                     continue;
                 beside = beyondChord(*rim, over, q) <= rimSlack_;
                 const double dist = std::hypot(q.x - e.x, q.y - e.y);
@@ -835,7 +842,7 @@ private:
             const int over = rim->usable && nearerThanRim(*rim, s) ? chordBeside(*rim, s) : -1;
             if (over < 0)
                 continue;
-            const Station& end = rim == &startRim_ ? first_ : far_;
+            const Station& end = endOf(*rim);
             const _s_hd_point_ a = rim->pts[over];
             const _s_hd_point_ b = rim->pts[(over + 1) % rim->count];
             const _s_hd_point_ e =
@@ -850,9 +857,7 @@ private:
             double nearest = HUGE_VAL;
             for (int k = 0; k < p.ring.count; ++k) {
                 const _s_hd_point_ q = p.ring.pts[k];
-                const double round =
-                    std::fabs(wrapAngle(aroundTube(bend_, p.st, vecSub(q, p.st.centre)) -
-                                        p.st.turn - side * core::kPi));
+                const double round = std::fabs(fromSilhouette(p.st, q, side));
                 if (along(q) > 0.0 && round >= kSilhouetteClearChords * chord_ && round < nearest) {
                     next = k;
                     nearest = round;
@@ -919,9 +924,7 @@ private:
                 v = ((k - offset) % ring.count + ring.count) % ring.count;
                 extras.undrawn[side] = true;
             }
-            if (v < 0 ||
-                !(std::fabs(wrapAngle(aroundTube(bend_, end, vecSub(ring.pts[v], end.centre)) -
-                                      turned.turn - side * core::kPi)) < chord_))
+            if (v < 0 || !(std::fabs(fromSilhouette(turned, ring.pts[v], side)) < chord_))
                 return made;
             extras.vertex[side] = v;
         }
