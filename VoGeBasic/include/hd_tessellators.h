@@ -292,7 +292,16 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c,
 /// contour from e0 over the top to -e0 (m / 2 chords), and, when f is above 0, the flange's top
 /// ring. The last two are exclusive: seen so nearly along the axis that the hide pass takes the
 /// flange's faces as edge-on (the axis within 0.0003 of Z), the top ring is drawn instead of
-/// the dome's contour, which hugs it.
+/// the dome's contour, which hugs it; so too a little farther off, where the flange's rings lie
+/// apart in the drawing (f sin t, t the axis's tilt from Z) and the dome reaches beyond the top
+/// ring (sqrt((r cos t)^2 + (h sin t)^2) - r cos t) by no more than 2% of the rings' chord
+/// sagitta, for there the dome's faces next to the top ring would hide the base ring where it is
+/// the outline. Where the contour rises above the plane of the ring it meets (the top ring, or
+/// the base ring without a flange) by no more than twice the hide pass's level depth, 0.0003,
+/// the pass cannot tell it from that ring's faces and would hide both: the contour is left out
+/// (the dome is cut as when seen along the axis) and the ring's half on its side stands for it
+/// (drawn after the others; the base ring is drawn already). Seen a little off the axis, the
+/// outline beside a flange can lie outside the drawn ring by up to those 2% of the sagitta.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or h is below 0.01, when f is negative, for a null axis, or
 /// if an allocation fails.

@@ -4,6 +4,7 @@
 #define VOGEBASIC_HD_ENGINE_TOLERANCES_H
 
 #include "core/constants.h"
+#include "hidden_line/model/hd_tolerances.h"
 
 namespace geolib {
 namespace hd {
@@ -24,9 +25,8 @@ constexpr double kPierceExtentTol = 0.0003;
 /// A point straight behind (or in front of) a face must lie within the face's X and Y extents
 /// widened by this on each side.
 constexpr double kBehindExtentTol = 0.03;
-/// Two depths closer than this are level: a line end on a face counts as behind it, and an
-/// edge level with the line hides it where they cross.
-constexpr double kLevelDepthTol = 0.0003;
+// kLevelDepthTol, the depth within which a line lies level with a face, is the model's
+// (hd_tolerances.h) too.
 /// A second crossing of the face's outline counts only when its distance from the line's near
 /// end differs from the first's by more than this.
 constexpr double kCrossingSeparation = 0.0005;

@@ -58,6 +58,11 @@ constexpr double kFacingTol = 1e-9;
 /// hide nothing, and a tessellator that must know how the pass will see its faces asks the same.
 constexpr double kEdgeOnNormalZ = 0.0003;
 
+/// Two depths closer than this are level: the hide pass takes a line end on a face as behind
+/// it, and an edge level with the line as hiding it where they cross; a tessellator whose lines
+/// lie that close to its own faces asks the same.
+constexpr double kLevelDepthTol = 0.0003;
+
 /// A vertex within this fraction of the object's size of a face's plane (or of a triangle's
 /// longest side) lies on it: far above the rounding of coordinates computed from the object's
 /// own dimensions, far below anything a drawing can show.

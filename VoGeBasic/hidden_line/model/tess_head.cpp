@@ -26,6 +26,14 @@ namespace {
 /// the two lunes either side of the contour, and the contour.
 constexpr int kMaxMeridians = hd::kMaxCurveChords + 3;
 
+/// A contour that rises above the equator's plane by no more than this many times the hide
+/// pass's level depth is drawn by the equator's half beside it (see ep_divide_ova).
+constexpr double kContourLevelShare = 2.0;
+
+/// A flange whose two rings lie apart in the drawing, and whose dome reaches beyond its top ring,
+/// by no more than this part of the rings' chord sagitta is drawn as one seen along its axis.
+constexpr double kRingsApartShare = 0.02;
+
 // Appends to lambda the meridians that cut (from, to] into pieces no wider than step; the last
 // is exactly to.
 void cutLune(double from, double to, double step, double* lambda, int& count) {
@@ -52,7 +60,7 @@ _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c, _s_hd_p
     // Seen so nearly along the axis that the hide pass takes every face of the flange as edge-on,
     // the flange's top ring is outline (the base rim lies within a hair of it) and the dome's
     // contour hugs that ring: the ring is drawn instead.
-    const bool endOn = zxa < hd::kEdgeOnNormalZ;
+    bool endOn = zxa < hd::kEdgeOnNormalZ;
     const _s_hd_point_ e0 =
         zxa > 0.0 ? _s_hd_point_{-a.y / zxa, a.x / zxa, 0.0} : _s_hd_point_{1.0, 0.0, 0.0};
     const _s_hd_point_ b0 = vecCross(a, e0);
@@ -62,6 +70,17 @@ _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c, _s_hd_p
         return nullptr;
     const int m = base.count;
     const int half = m / 2;
+    // A little farther off the axis the flange's rings lie a hair apart in the drawing (f sin t,
+    // t the tilt), and the dome's faces next to the top ring take the base ring as lying under
+    // them where it is outline: where they lie that close, and the dome reaches beyond the top
+    // ring as little (the outline's half width across the tilt, sqrt((r cos t)^2 + (h sin t)^2),
+    // less the ring's, r cos t), the top ring is drawn as when seen along the axis.
+    if (!endOn && f > 0.0) {
+        const double across = r * std::fabs(a.z);
+        const double lean = h * zxa;
+        const double bulge = lean * lean / (std::hypot(across, lean) + across);
+        endOn = std::fmax(bulge, f * zxa) <= kRingsApartShare * r * (1.0 - std::cos(core::kPi / m));
+    }
     ViewSplitRing top = base;
     for (int k = 0; k < m; ++k)
         top.pts[k] = linComb(1.0, base.pts[k], f, a);
@@ -75,6 +94,9 @@ _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c, _s_hd_p
     double lambda[kMaxMeridians];
     int meridians = 0;
     int contour = -1;
+    // Where the contour rises above the equator's plane by less than the hide pass can tell from
+    // it, the equator's half on its side (0 from e0, half from -e0) stands for it.
+    int levelHalf = -1;
     lambda[meridians++] = 0.0;
     if (endOn) {
         cutLune(0.0, core::kPi, step, lambda, meridians);
@@ -85,9 +107,14 @@ _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c, _s_hd_p
         double lc = std::atan2(-vecDot(w, b0), vecDot(w, a));
         if (lc < 0.0)
             lc += core::kPi;
-        cutLune(0.0, lc, step, lambda, meridians);
-        contour = meridians - 1;
-        cutLune(lc, core::kPi, step, lambda, meridians);
+        if (h * std::sin(lc) <= kContourLevelShare * hd::kLevelDepthTol) {
+            levelHalf = lc < 0.5 * core::kPi ? 0 : half;
+            cutLune(0.0, core::kPi, step, lambda, meridians);
+        } else {
+            cutLune(0.0, lc, step, lambda, meridians);
+            contour = meridians - 1;
+            cutLune(lc, core::kPi, step, lambda, meridians);
+        }
     }
 
     HDProfDraft draft;
@@ -137,6 +164,9 @@ _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c, _s_hd_p
     }
     if (endOn && f > 0.0)
         draft.addRingLines(top);
+    if (levelHalf >= 0 && f > 0.0)
+        for (int j = levelHalf; j < levelHalf + half; ++j)
+            draft.addLine(top.pts[j], top.pts[(j + 1) % m]);
     return draft.finish();
 }
 
