@@ -211,7 +211,11 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// between them by at most half a chord in all, smoothly, standing still at both ends. Each other
 /// ring also holds its two silhouette points, and leaves out the pattern vertices closer than half
 /// a chord to them. A ring drawn whole (below) also holds the points round the tube where its
-/// neighbours' silhouette points lie outside its chords seen along Z. Beside an end rim, a ring
+/// neighbours' silhouette points lie outside its chords seen along Z, and the middle of each chord
+/// whose sagitta exceeds the allowance below (a chord beside a silhouette point, with the pattern
+/// vertices within half a chord of that point left out, spans up to one and a half pattern chords:
+/// drawn, it would stray from the ring's circle by up to twice and a quarter the sagitta of one).
+/// Beside an end rim, a ring
 /// whose silhouette point lies nearer the viewer than the rim, under the rim's circle but outside
 /// one of its chords seen along Z (or outside the circle by up to a tenth of the allowance below,
 /// and then beyond the chord by at most nine tenths of it: the rings next to a rim seen nearly
@@ -266,12 +270,16 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// nearer the viewer, a ring's edge from its silhouette point to the pattern vertex after the one
 /// left out still stands over the rim chord for a little way beyond the point, and the faces of
 /// rings further on, where their silhouette points turn back over the rim, can stand over a rim
-/// chord too: in such views a gap of up to a little over a sagitta remains; seen a few degrees off
-/// its length at an end, such a gap is rarer (under two sagittas where it was found). And at a ring
-/// drawn whole whose tangent leans from Z by nearly the limit above, the true outline lies a little
-/// outside the ring's circle: where the ring's chord sagitta is the whole allowance, a chord there
-/// can lie inside the true outline by a little more than the sagitta (1.09 sagittas where it was
-/// found). Returns a new object owned by the caller; release it with freeHDProfObjectPointer.
+/// chord too: in such views a gap of up to a little over a sagitta remains (leaving out the vertex
+/// after too can leave the half of a coarse ring between its chains with no vertex, whose band
+/// then hides the chord whole). Seen 1e-3 to 0.1 rad off its length at an end, gaps are commoner:
+/// about one view in seven of those tried shows one, of up to five sagittas (a rim chord hidden
+/// whole by the faces of the tube nearer the viewer, with the true outline outside it), and a few
+/// a visible line up to one and a half sagittas off it. And at a ring drawn whole whose tangent
+/// leans from Z by nearly the limit above, the true outline lies a little outside the ring's
+/// circle (by the figure above), which a chord whose sagitta is the whole allowance does not allow
+/// for (no view was found where that shows). Returns a new object owned by the caller; release it
+/// with freeHDProfObjectPointer.
 /// Returns null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c
 /// off the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or above
 /// 100000, or if an allocation fails.

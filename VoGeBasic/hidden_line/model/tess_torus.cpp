@@ -36,7 +36,9 @@
 // a rim chord in the drawing, nearer the viewer, and the faces through them hide it: the chains
 // of that band then run from that chord's end away from the ring, the outline there (or, where
 // such a chain would stray from it, from the end towards the ring, not drawn), and a chain
-// through a pattern vertex of that ring from the rim's vertex of the same place, not drawn.
+// through a pattern vertex of that ring from the rim's vertex of the same place, not drawn. A ring
+// drawn whole also takes the middles of the chords beside its silhouette points (which span up to
+// one and a half pattern chords) where they would stray from it by more than the allowance.
 #include <cmath>
 #include <initializer_list>
 
@@ -126,7 +128,11 @@ constexpr int kRimApartSamples = 16;
 /// distance from the true outline is measured, and the stations between the rim and the ring
 /// beside it whose silhouette points stand for the true silhouette there.
 constexpr int kRimChainSamples = 16;
-constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 6;
+/// A ring drawn whole takes at most this many points besides its pattern and its silhouette points:
+/// four where its neighbours hold their chains, and the middles of the (at most four) chords
+/// beside its silhouette points (see ElbowBuilder::settlePending).
+constexpr int kMaxRingExtras = 8;
+constexpr int kMaxTubeRingVertices = hd::kMaxCurveChords + 2 + kMaxRingExtras;
 
 // The bend: centre c, unit axis a, unit radial u0 towards the start, v0 = a x u0, so that the
 // angle phi runs counter-clockwise about a.
@@ -185,7 +191,7 @@ struct RingExtras {
     bool undrawn[2] = {false, false};  // ... and is not drawn to or from it
     int leaveOut[2] = {-1, -1};        // these vertices of the pattern ring are left out
     int count = 0;
-    double angle[4] = {0.0, 0.0, 0.0, 0.0};  // round the tube (aroundTube)
+    double angle[kMaxRingExtras] = {};  // round the tube (aroundTube)
 };
 
 // A ring of the tube as the faces use it: the vertices of its pattern ring with its two
@@ -269,9 +275,9 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
     }
     for (int side = 0; side < 2; ++side)
         out.onSilhouette[side] = silVertex[side] < 0 || silOff[side] <= kSilhouetteSnapAngle;
-    double extra[4];
+    double extra[kMaxRingExtras];
     int extraCount = 0;
-    for (int i = 0; i < extras.count && i < 4; ++i) {
+    for (int i = 0; i < extras.count && i < kMaxRingExtras; ++i) {
         double a = extras.angle[i] - st.turn;
         a -= core::kFullTurn * std::floor(a / core::kFullTurn);
         bool taken = std::fabs(a - core::kPi) <= kSilhouetteSnapAngle ||
@@ -718,6 +724,15 @@ private:
                         extras.angle[extras.count++] =
                             t->sil + (side == 0 ? 0.0 : t->angle[t->half]);
                 }
+            }
+            // A chord beside a silhouette point spans up to one and a half pattern chords (the
+            // pattern vertices within half a chord of the point are left out); drawn whole, such a
+            // chord whose sagitta exceeds the outline's allowance (with the chains' margin) takes
+            // its middle point.
+            for (int k = 0; k < p.tube.count && extras.count < kMaxRingExtras; ++k) {
+                const double span = p.tube.angleAt(k + 1) - p.tube.angle[k];
+                if (bend_.tubeRadius * (1.0 - std::cos(0.5 * span)) > chainTol_)
+                    extras.angle[extras.count++] = p.tube.sil + p.tube.angle[k] + 0.5 * span;
             }
         } else if (measurable) {
             for (int side = 0; side < 2; ++side) {
