@@ -204,7 +204,10 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// still gets the rings a tube needs); but no ring goes where it would lie, seen along Z, within
 /// 1e-3 (or a quarter of that allowance, if less) of an end rim all round and not 1e-3 or more
 /// behind it: there the hide pass cannot tell its faces from the rim's chords, which they would
-/// hide, and the rim stands for it. Every ring holds one pattern of m = 8, 10 or 12 vertices at
+/// hide, and the rim stands for it (only up to the first ring put in beside the rim: beyond it the
+/// tube seen a few degrees off its length can come back over the rim in the drawing, where the
+/// faces of the rings between already hide the rim's chords, and rings there carry the silhouette
+/// round the tube). Every ring holds one pattern of m = 8, 10 or 12 vertices at
 /// equal angles round the tube (the disc's rule on r), measured from the ring's radial direction:
 /// the end rings start at the silhouette point centre + r * unit(Z x tangent), as a disc of their
 /// circle does (a ring seen end-on starts on the bend axis), and the pattern turns along the bend
@@ -213,13 +216,14 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// a chord to them. A ring drawn whole (below) also holds the points round the tube where its
 /// neighbours' silhouette points lie outside its chords seen along Z. Beside an end rim, a ring
 /// whose silhouette point lies nearer the viewer than the rim, under the rim's circle but outside
-/// one of its chords seen along Z (or outside the circle by up to a tenth of the allowance below,
-/// and then beyond the chord by at most nine tenths of it: the rings next to a rim seen nearly
-/// along the tube lie that little outside it), with the ring's pattern vertices there inside that
-/// chord and the silhouette points of the rings on either side no farther outside the rim's chords
-/// than the sagitta allowance below (twice it for the ring after, where the ring before holds a
-/// pattern vertex there too: that ring ends the run, whose last faces would otherwise stand over
-/// the end of the chord), holds in its place the pattern vertex within a chord of that point
+/// one of its chords seen along Z (or outside the circle by up to a tenth of the allowance below
+/// but no more than 1e-4, and then beyond the chord by at most nine tenths of it: the rings next
+/// to a rim seen nearly along the tube lie that little outside it, while farther out the rings
+/// bulge past the rim and are the outline there), with the ring's pattern vertices there inside
+/// that chord and the silhouette points of the rings on either side no farther outside the rim's
+/// chords than the sagitta allowance below (twice it for the ring after, where the ring before
+/// holds a pattern vertex there too: that ring ends the run, whose last faces would otherwise stand
+/// over the end of the chord), holds in its place the pattern vertex within a chord of that point
 /// nearest the end of that chord towards the ring (seen along Z; the tube hides the rim on that
 /// side of the point), and that silhouette is not drawn to or from that ring (it lies along the rim
 /// there). Where the silhouette turns round the tube by more than a quarter of a chord between an
@@ -236,7 +240,8 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// chord towards the ring, not drawn (the tube hides the rim on that side of the point, and the
 /// band's faces keep off the rest of the chord). A ring beside an end rim whose silhouette point
 /// lies so, nearer the viewer than the rim and outside one of its chords seen along Z, square
-/// beside it, leaves out its pattern vertex next round the tube towards that chord's end away from
+/// beside it and within the allowance below of the rim's disc,
+/// leaves out its pattern vertex next round the tube towards that chord's end away from
 /// the ring where its edge from the point to that vertex would stand over the chord for more than
 /// the allowance below beyond the point: the rim is the outline there, and the ring's edge then
 /// runs on to the next vertex, inside the chord. Faces between two rings are stitched from one
@@ -267,7 +272,8 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// left out still stands over the rim chord for a little way beyond the point, and the faces of
 /// rings further on, where their silhouette points turn back over the rim, can stand over a rim
 /// chord too: in such views a gap of up to a little over a sagitta remains; seen a few degrees off
-/// its length at an end, such a gap is rarer (under two sagittas where it was found). And at a ring
+/// its length at an end, such a gap is rarer still (1.14 sagittas where it was found, on a bend
+/// of a few degrees seen 0.022 off its length). And at a ring
 /// drawn whole whose tangent leans from Z by nearly the limit above, the true outline lies a little
 /// outside the ring's circle: where the ring's chord sagitta is the whole allowance, a chord there
 /// can lie inside the true outline by a little more than the sagitta (1.09 sagittas where it was
