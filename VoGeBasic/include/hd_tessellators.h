@@ -189,41 +189,44 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 // ---- doubly curved primitives: pipe elbow and dished head ---------------------------------------
 
 /// A pipe elbow: a tube of radius r whose centre line is the arc about the bend centre c that
-/// starts at s and sweeps `angle` radians (0 < angle <= 2 pi) counter-clockwise about `axis`
-/// seen from its tip. The bend radius is |s - c|; s - c must be normal to the axis within 1e-6
-/// of its length; the axis is normalised. The tube is cut into rings at n + 1 stations along the
-/// bend at equal angles (n = 0: getArcDivideNum on the outer radius |s - c| + r for the sweep, 8
-/// to 12 chords), with further rings where the tangent comes nearest the view axis (when it
-/// comes within a chosen ring step of it: the silhouette turns half round the tube about there,
-/// and the tube is seen end-on where it reaches the axis; none beside a chosen ring seen end-on,
-/// and one seen end-on takes the place of a chosen ring within a quarter step of it), wherever its
-/// silhouette turns round the tube by more than a quarter of a ring chord between two rings, and
-/// wherever the silhouette drawn between two rings would stray from the ones half way, a quarter
-/// and three quarters of the way between by more than the larger of the ring chords' and the outer
-/// equator's sagittas (the equator's over a step of at most an eighth of a turn, so that a coarse n
-/// still gets the rings a tube needs); but no ring goes where it would lie, seen along Z, within
-/// 1e-3 (or a quarter of that allowance, if less) of an end rim all round and not 1e-3 or more
-/// behind it: there the hide pass cannot tell its faces from the rim's chords, which they would
-/// hide, and the rim stands for it. Every ring holds one pattern of m = 8, 10 or 12 vertices at
-/// equal angles round the tube (the disc's rule on r), measured from the ring's radial direction:
-/// the end rings start at the silhouette point centre + r * unit(Z x tangent), as a disc of their
-/// circle does (a ring seen end-on starts on the bend axis), and the pattern turns along the bend
-/// between them by at most half a chord in all, smoothly, standing still at both ends. Each other
-/// ring also holds its two silhouette points, and leaves out the pattern vertices closer than half
-/// a chord to them. A ring drawn whole (below) also holds the points round the tube where its
-/// neighbours' silhouette points lie outside its chords seen along Z, and the middle of each chord
-/// whose sagitta exceeds the allowance below (a chord beside a silhouette point, with the pattern
-/// vertices within half a chord of that point left out, spans up to one and a half pattern chords:
-/// drawn, it would stray from the ring's circle by up to twice and a quarter the sagitta of one).
-/// Beside an end rim, a ring
-/// whose silhouette point lies nearer the viewer than the rim, under the rim's circle but outside
-/// one of its chords seen along Z (or outside the circle by up to a tenth of the allowance below,
-/// and then beyond the chord by at most nine tenths of it: the rings next to a rim seen nearly
-/// along the tube lie that little outside it), with the ring's pattern vertices there inside that
-/// chord and the silhouette points of the rings on either side no farther outside the rim's chords
-/// than the sagitta allowance below (twice it for the ring after, where the ring before holds a
-/// pattern vertex there too: that ring ends the run, whose last faces would otherwise stand over
-/// the end of the chord), holds in its place the pattern vertex within a chord of that point
+/// starts at s and sweeps `angle` radians (0 < angle <= 2 pi) counter-clockwise about `axis` seen
+/// from its tip. The bend radius is |s - c|; s - c must be normal to the axis within 1e-6 of its
+/// length; the axis is normalised. The tube is cut into rings at n + 1 stations along the bend at
+/// equal angles (n = 0: getArcDivideNum on the outer radius |s - c| + r for the sweep, 8 to 12
+/// chords), with further rings where the tangent comes nearest the view axis (when it comes within
+/// a chosen ring step of it: the silhouette turns half round the tube about there, and the tube is
+/// seen end-on where it reaches the axis; none beside a chosen ring seen end-on, and one seen
+/// end-on takes the place of a chosen ring within a quarter step of it), wherever its silhouette
+/// turns round the tube by more than a quarter of a ring chord between two rings, and wherever the
+/// silhouette drawn between two rings would stray from the ones half way, a quarter and three
+/// quarters of the way between by more than the larger of the ring chords' and the outer equator's
+/// sagittas (the equator's over a step of at most an eighth of a turn, so that a coarse n still
+/// gets the rings a tube needs); but no ring goes where it would lie, seen along Z, within 1e-3 (or
+/// a quarter of that allowance, if less) of an end rim all round and not 1e-3 or more behind it:
+/// there the hide pass cannot tell its faces from the rim's chords, which they would hide, and the
+/// rim stands for it (only up to the first ring put in beside the rim: beyond it the tube seen a
+/// few degrees off its length can come back over the rim in the drawing, where the faces of the
+/// rings between already hide the rim's chords, and rings there carry the silhouette round the
+/// tube). Every ring holds one pattern of m = 8, 10 or 12 vertices at equal angles round the tube
+/// (the disc's rule on r), measured from the ring's radial direction: the end rings start at the
+/// silhouette point centre + r * unit(Z x tangent), as a disc of their circle does (a ring seen
+/// end-on starts on the bend axis), and the pattern turns along the bend between them by at most
+/// half a chord in all, smoothly, standing still at both ends. Each other ring also holds its two
+/// silhouette points, and leaves out the pattern vertices closer than half a chord to them. A ring
+/// drawn whole (below) also holds the points round the tube where its neighbours' silhouette points
+/// lie outside its chords seen along Z, and the middle of each chord whose sagitta exceeds the
+/// allowance below (a chord beside a silhouette point, with the pattern vertices within half a
+/// chord of that point left out, spans up to one and a half pattern chords: drawn, it would stray
+/// from the ring's circle by up to twice and a quarter the sagitta of one). Beside an end rim, a
+/// ring whose silhouette point lies nearer the viewer than the rim, under the rim's circle but
+/// outside one of its chords seen along Z (or outside the circle by up to a tenth of the allowance
+/// below but no more than 1e-4, and then beyond the chord by at most nine tenths of it: the rings
+/// next to a rim seen nearly along the tube lie that little outside it, while farther out the rings
+/// bulge past the rim and are the outline there), with the ring's pattern vertices there inside
+/// that chord and the silhouette points of the rings on either side no farther outside the rim's
+/// chords than the sagitta allowance below (twice it for the ring after, where the ring before
+/// holds a pattern vertex there too: that ring ends the run, whose last faces would otherwise stand
+/// over the end of the chord), holds in its place the pattern vertex within a chord of that point
 /// nearest the end of that chord towards the ring (seen along Z; the tube hides the rim on that
 /// side of the point), and that silhouette is not drawn to or from that ring (it lies along the rim
 /// there). Where the silhouette turns round the tube by more than a quarter of a chord between an
@@ -240,46 +243,44 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// chord towards the ring, not drawn (the tube hides the rim on that side of the point, and the
 /// band's faces keep off the rest of the chord). A ring beside an end rim whose silhouette point
 /// lies so, nearer the viewer than the rim and outside one of its chords seen along Z, square
-/// beside it, leaves out its pattern vertex next round the tube towards that chord's end away from
-/// the ring where its edge from the point to that vertex would stand over the chord for more than
-/// the allowance below beyond the point: the rim is the outline there, and the ring's edge then
-/// runs on to the next vertex, inside the chord. Faces between two rings are stitched from one
-/// silhouette chain to the other and back: quadrilaterals where both rings step across the same
-/// pattern chord (two triangles along the shorter diagonal where not planar), triangles elsewhere.
-/// A sweep within 1e-9 of 2 pi is a full ring without ends; otherwise flat ends close the tube,
-/// each a strip across its end ring. A tube radius above the bend radius gives a closed face set
-/// that passes through itself near the axis. Faces: the start end, the tube between consecutive
-/// rings (ring by ring, each band from the first silhouette chain round to the second, then on
-/// round to the first), the far end; tag 0. Lines: the start ring's m chords, then ring by ring the
-/// tube's two silhouettes (the chains of the rings' silhouette points, edges of the faces on the
-/// true outline, from a rim vertex where the band beside the rim takes one above, but for the
-/// stretches along a rim above, the bands beside a rim that stands for the rings left out and a
-/// stretch no longer seen along Z than rounding can tell, where the tube runs along the view) and
-/// the whole of any ring seen end-on (its chords through its silhouette points and the points
-/// above, but for those whose faces on either side face the same way, which are no contour edge),
-/// then the far ring's m chords; no end rings for a full ring. The silhouettes are drawn rather
-/// than the faces' own outline, which on the side towards the bend centre can run inside the true
-/// one; since the rings' vertices do not turn with the silhouette and no face reaches across a
-/// chain, no face leans over the drawn outline, and the visible drawing keeps to the true outline
-/// within the sagitta. A ring whose tangent leans less than about 4.5e-5 from Z is taken as seen
-/// end-on and drawn whole; the true outline there leaves it by at most sqrt(2 r R) times the root
-/// of that lean (R the bend radius), a hundredth of sqrt(r R). Where the tube is seen nearly along
-/// its length, at an end or about a ring drawn whole, the rings there nearly coincide in the
-/// drawing; the points above keep the faces of the rings beside the drawn one off its chords. Two
-/// shortcomings are left. Seen within about 1e-3 of its length at an end where the tube beyond is
-/// nearer the viewer, a ring's edge from its silhouette point to the pattern vertex after the one
-/// left out still stands over the rim chord for a little way beyond the point, and the faces of
-/// rings further on, where their silhouette points turn back over the rim, can stand over a rim
-/// chord too: in such views a gap of up to a little over a sagitta remains (leaving out the vertex
-/// after too can leave the half of a coarse ring between its chains with no vertex, whose band
-/// then hides the chord whole). Seen 1e-3 to 0.1 rad off its length at an end, gaps are commoner:
-/// about one view in seven of those tried shows one, of up to five sagittas (a rim chord hidden
-/// whole by the faces of the tube nearer the viewer, with the true outline outside it), and a few
-/// a visible line up to one and a half sagittas off it. And at a ring drawn whole whose tangent
-/// leans from Z by nearly the limit above, the true outline lies a little outside the ring's
-/// circle (by the figure above), which a chord whose sagitta is the whole allowance does not allow
-/// for (no view was found where that shows). Returns a new object owned by the caller; release it
-/// with freeHDProfObjectPointer.
+/// beside it and within the allowance below of the rim's disc, leaves out its pattern vertex next
+/// round the tube towards that chord's end away from the ring where its edge from the point to that
+/// vertex would stand over the chord for more than the allowance below beyond the point: the rim is
+/// the outline there, and the ring's edge then runs on to the next vertex, inside the chord. Faces
+/// between two rings are stitched from one silhouette chain to the other and back: quadrilaterals
+/// where both rings step across the same pattern chord (two triangles along the shorter diagonal
+/// where not planar), triangles elsewhere. A sweep within 1e-9 of 2 pi is a full ring without ends;
+/// otherwise flat ends close the tube, each a strip across its end ring. A tube radius above the
+/// bend radius gives a closed face set that passes through itself near the axis. Faces: the start
+/// end, the tube between consecutive rings (ring by ring, each band from the first silhouette chain
+/// round to the second, then on round to the first), the far end; tag 0. Lines: the start ring's m
+/// chords, then ring by ring the tube's two silhouettes (the chains of the rings' silhouette
+/// points, edges of the faces on the true outline, from a rim vertex where the band beside the rim
+/// takes one above, but for the stretches along a rim above, the bands beside a rim that stands for
+/// the rings left out and a stretch no longer seen along Z than rounding can tell, where the tube
+/// runs along the view) and the whole of any ring seen end-on (its chords through its silhouette
+/// points and the points above, but for those whose faces on either side face the same way, which
+/// are no contour edge), then the far ring's m chords; no end rings for a full ring. The
+/// silhouettes are drawn rather than the faces' own outline, which on the side towards the bend
+/// centre can run inside the true one; since the rings' vertices do not turn with the silhouette
+/// and no face reaches across a chain, no face leans over the drawn outline, and the visible
+/// drawing keeps to the true outline within the sagitta. A ring whose tangent leans less than about
+/// 4.5e-5 from Z is taken as seen end-on and drawn whole; the true outline there leaves it by at
+/// most sqrt(2 r R) times the root of that lean (R the bend radius), a hundredth of sqrt(r R).
+/// Where the tube is seen nearly along its length, at an end or about a ring drawn whole, the rings
+/// there nearly coincide in the drawing; the points above keep the faces of the rings beside the
+/// drawn one off its chords. Two shortcomings are left. Seen within about 1e-3 of its length at an
+/// end where the tube beyond is nearer the viewer, a ring's edge from its silhouette point to the
+/// pattern vertex after the one left out still stands over the rim chord for a little way beyond
+/// the point, and the faces of rings further on, where their silhouette points turn back over the
+/// rim, can stand over a rim chord too: in such views a gap of up to a little over a sagitta
+/// remains (leaving out the vertex after too can leave the half of a coarse ring between its chains
+/// with no vertex, whose band then hides the chord whole). Seen a few degrees off its length at an
+/// end, such a gap is rarer (1.14 sagittas where it was found, on a bend of a few degrees seen
+/// 0.022 off its length). And at a ring drawn whole whose tangent leans from Z by nearly the limit
+/// above, the true outline lies a little outside the ring's circle (by the figure above), which a
+/// chord whose sagitta is the whole allowance does not allow for (no view was found where that
+/// shows). Returns a new object owned by the caller; release it with freeHDProfObjectPointer.
 /// Returns null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c
 /// off the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or above
 /// 100000, or if an allocation fails.

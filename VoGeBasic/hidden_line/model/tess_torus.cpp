@@ -31,7 +31,8 @@
 // faces wait for the next ring), and a ring whose point lies outside such a chord leaves out
 // the vertex beside it towards the chord's far end, where the rim is the outline. A ring that
 // would lie over an end rim in the drawing closer than the hide pass tells its faces from the
-// rim's chords (which they would hide) is left out: the rim stands for it. Where the silhouette
+// rim's chords (which they would hide) is left out, between the rim and the rings beside it that
+// lie farther off: the rim stands for it. Where the silhouette
 // turns between an end rim and the ring beside it, that ring's silhouette points can lie outside
 // a rim chord in the drawing, nearer the viewer, and the faces through them hide it: the chains
 // of that band then run from that chord's end away from the ring, the outline there (or, where
@@ -95,8 +96,13 @@ constexpr double kRimSlackShare = 0.01;
 /// A silhouette point of a ring beside an end rim up to this share of the outline's allowance
 /// outside the rim's circle seen along Z still lies along the rim (see ElbowBuilder::underRim)
 /// where it lies beyond the rim's chord by no more than kRimOverShare of the allowance: the rings
-/// next to a rim seen nearly along the tube lie that little outside it.
+/// next to a rim seen nearly along the tube lie that little outside it. It is never more than
+/// kRimReachMost (model units), within which the hide pass takes a point as on the rim's vertex:
+/// a point farther out lies, seen a few degrees off the tube's length, where the rings beside the
+/// rim bulge past it in the drawing, and the chain through it is the outline there (the faces of
+/// those rings hide the rim's chords).
 constexpr double kRimReachShare = 0.1;
+constexpr double kRimReachMost = 1e-4;
 constexpr double kRimOverShare = 0.9;
 /// The chain's point on the ring after a ring under a rim lies no farther outside the rim's chords
 /// than the outline's allowance, or this many allowances where the ring before holds a pattern
@@ -453,12 +459,15 @@ public:
             const double right = pending[top - 1];
             const Station st = stationAt(bend_, right, &prev_);
             // A ring that would lie over an end rim is not put in: the band lies along the rim.
+            // Only next to the rim: beyond a ring put in, the tube seen a few degrees off its
+            // length comes back over the rim in the drawing, where the faces of the rings between
+            // hide the rim's chords, and rings carry the silhouette round the tube there.
             bool alongRim = false;
             if ((std::fabs(wrapAngle(st.turn - prev_.turn)) > maxTwist_ || chainStraysFrom(st)) &&
                 right - prev_.phi > hd::kMinRingStep && top < kMaxRingDepth &&
                 added_ < hd::kMaxAddedRings) {
                 const double mid = 0.5 * (prev_.phi + right);
-                alongRim = onRimInDrawing(mid);
+                alongRim = (prev_.phi == first_.phi || (last && top == 1)) && onRimInDrawing(mid);
                 if (!alongRim) {
                     pending[top++] = mid;
                     ++added_;
@@ -803,7 +812,8 @@ private:
         const _s_hd_point_ s = p.tube.chain(side);
         const double nextReach = (prev.onSilhouette[side] ? 1.0 : kRimRunEndShare) * chainTol_;
         for (const RimView* rim : {&startRim_, &farRim_}) {
-            if (!rim->usable || !rimCovers(*rim, s, kRimReachShare * chainTol_) ||
+            if (!rim->usable ||
+                !rimCovers(*rim, s, std::fmin(kRimReachMost, kRimReachShare * chainTol_)) ||
                 !nearerThanRim(*rim, s))
                 continue;
             int over = 0;
@@ -845,16 +855,19 @@ private:
 
     // The pattern vertex of ring p next round the tube from its silhouette point s on the given
     // side, towards the end of an end rim's chord away from the ring (seen along Z), when s lies
-    // nearer the viewer than the rim, outside that chord and square beside it, and the ring's
-    // edge from s to that vertex would stand over the chord for more than kRimCoverShare of the
-    // outline's allowance beyond s; otherwise -1. Seen nearly along the tube the outline there is
-    // the rim (the tube beyond lies on the ring's side of s), so the vertex is left out: the
+    // nearer the viewer than the rim, outside that chord and square beside it (and within the
+    // outline's allowance of the rim's disc: the rim at the other end may lie far off), and the
+    // ring's edge from s to that vertex would stand over the chord for more than kRimCoverShare of
+    // the outline's allowance beyond s; otherwise -1. Seen nearly along the tube the outline there
+    // is the rim (the tube beyond lies on the ring's side of s), so the vertex is left out: the
     // ring's edge from s then runs on to the next vertex, well inside the chord, which stays in
     // sight.
     int overRimChord(const PendingRing& p, int side) const {
         const _s_hd_point_ s = p.tube.chain(side);
         for (const RimView* rim : {&startRim_, &farRim_}) {
-            const int over = rim->usable && nearerThanRim(*rim, s) ? chordBeside(*rim, s) : -1;
+            const int over = rim->usable && nearerThanRim(*rim, s) && rimCovers(*rim, s, chainTol_)
+                                 ? chordBeside(*rim, s)
+                                 : -1;
             if (over < 0)
                 continue;
             const Station& end = endOf(*rim);

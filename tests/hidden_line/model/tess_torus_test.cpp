@@ -137,6 +137,25 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
          2.8658202171325682,
          {0.57476440546195562, 2.9393178966078288, 2.707792303197591},
          {-0.91105832006603693, -0.41227715878683674, 0.00053083057944040791}},
+        // Seen a few degrees off its length at an end, the tube beyond nearer the viewer: the rings
+        // beside the rim bulge past it in the drawing, their faces hide its chords, and the
+        // silhouette turns round the tube over them. Half a turn 0.05 off at the start, fat 0.033
+        // off at the far end, and a thick tube 0.03 off at the start.
+        {"a few degrees off the tube at the start",
+         0.44592903493079894,
+         kPi,
+         {0.6599544115978695, 2.8746478253933816, 3.048276445218298},
+         {-0.93195063878778994, -0.36255992819900079, 0.0042784725505278674}},
+        {"fat, a few degrees off the tube at the far end",
+         0.23953412618534053,
+         kPi,
+         {1.1065065826998222, 1.7556038974627484, 2.993627820875055},
+         {0.91670955631821172, 0.39890268108851978, 0.02280877846922796}},
+        {"thick, a few degrees off the tube at the start",
+         6.9872527532644995,
+         1.9528652906417847,
+         {-8.497120002733205, -7.068554679594328, 3.278630914344788},
+         {0.69005848469335007, -0.72338202419616993, -0.023189108921415281}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, vecNormalize(v.a), 0};
