@@ -40,6 +40,9 @@
 // through a pattern vertex of that ring from the rim's vertex of the same place, not drawn. A ring
 // drawn whole also takes the middles of the chords beside its silhouette points (which span up to
 // one and a half pattern chords) where they would stray from it by more than the allowance.
+// Seen a few degrees off its length at an end where the tube beyond comes nearer the viewer, the
+// rings there shift sideways in the drawing and their pattern vertices come out between a rim
+// chord and the rim's circle: each such vertex moves round the tube to just inside the chord.
 #include <cmath>
 #include <initializer_list>
 
@@ -104,6 +107,12 @@ constexpr double kRimSlackShare = 0.01;
 constexpr double kRimReachShare = 0.1;
 constexpr double kRimReachMost = 1e-4;
 constexpr double kRimOverShare = 0.9;
+/// A ring vertex outside an end rim's chord moves round the tube by at most this share of a
+/// pattern chord (see ElbowBuilder::insideRimChords): its neighbours, moving too, stay apart, and
+/// it stays clear of the silhouette points.
+constexpr double kRimMoveChords = 0.45;
+/// Halvings of the angle that finds where a ring comes inside a rim chord: far below rounding.
+constexpr int kRimMoveSteps = 60;
 /// The chain's point on the ring after a ring under a rim lies no farther outside the rim's chords
 /// than the outline's allowance, or this many allowances where the ring before holds a pattern
 /// vertex in place of its silhouette point too (see ElbowBuilder::underRim): the outline from the
@@ -193,9 +202,11 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
 // drawn or not, pattern vertices may be left out, and a ring drawn whole takes points round the
 // tube at the given angles (see ElbowBuilder::settlePending).
 struct RingExtras {
-    int vertex[2] = {-1, -1};          // the chain runs through this vertex of the pattern ring
-    bool undrawn[2] = {false, false};  // ... and is not drawn to or from it
-    int leaveOut[2] = {-1, -1};        // these vertices of the pattern ring are left out
+    int vertex[2] = {-1, -1};              // the chain runs through this vertex of the pattern ring
+    bool undrawn[2] = {false, false};      // ... and is not drawn to or from it
+    int leaveOut[2] = {-1, -1};            // these vertices of the pattern ring are left out
+    bool moved[hd::kMaxCurveChords] = {};  // these vertices of the pattern ring move round
+    double movedTo[hd::kMaxCurveChords] = {};  // ... the tube to these angles (aroundTube)
     int count = 0;
     double angle[kMaxRingExtras] = {};  // round the tube (aroundTube)
 };
@@ -332,7 +343,13 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
              (out.onSilhouette[1] && std::fabs(angle[k] - core::kPi) < clear) ||
              k == extras.leaveOut[0] || k == extras.leaveOut[1]))
             continue;
-        out.push(ring.pts[k], (k + offset) % m, angle[k]);
+        if (extras.moved[k] && k != silVertex[0] && k != silVertex[1]) {
+            double a = extras.movedTo[k] - st.turn;
+            a -= core::kFullTurn * std::floor(a / core::kFullTurn);
+            out.push(ringPoint(b, st, st.turn + a), (k + offset) % m, a);
+        } else {
+            out.push(ring.pts[k], (k + offset) % m, angle[k]);
+        }
     }
     putUpTo(HUGE_VAL);
     for (int side = 0; side < 2; ++side) {
@@ -495,7 +512,7 @@ public:
     // are not drawn (they lie along the rim within that distance).
     bool onRimInDrawing(double phi) const {
         const Station st = stationAt(bend_, phi, nullptr);
-        const double apart = std::fmin(kRimApart, kRimApartShare * chainTol_);
+        const double apart = rimApart();
         for (const RimView* rim : {&startRim_, &farRim_}) {
             if (!rim->usable)
                 continue;
@@ -723,6 +740,7 @@ private:
     void settlePending(const TubeRing& next) {
         const PendingRing& p = pending_;
         RingExtras extras;
+        bool moved = false;
         // With rounding too coarse to tell the sides of a chord the ring stays as made.
         const bool measurable = rimSlack_ <= kRimSlackShare * chainTol_;
         if (measurable && p.st.endOn) {
@@ -750,9 +768,10 @@ private:
                 if (extras.vertex[side] < 0 && p.tube.onSilhouette[side])
                     extras.leaveOut[side] = overRimChord(p, side);
             }
+            moved = insideRimChords(p, extras);
         }
         const bool remake = extras.count > 0 || extras.vertex[0] >= 0 || extras.vertex[1] >= 0 ||
-                            extras.leaveOut[0] >= 0 || extras.leaveOut[1] >= 0;
+                            extras.leaveOut[0] >= 0 || extras.leaveOut[1] >= 0 || moved;
         addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn,
                 p.alongRim);
     }
@@ -812,9 +831,7 @@ private:
         const _s_hd_point_ s = p.tube.chain(side);
         const double nextReach = (prev.onSilhouette[side] ? 1.0 : kRimRunEndShare) * chainTol_;
         for (const RimView* rim : {&startRim_, &farRim_}) {
-            if (!rim->usable ||
-                !rimCovers(*rim, s, std::fmin(kRimReachMost, kRimReachShare * chainTol_)) ||
-                !nearerThanRim(*rim, s))
+            if (!rim->usable || !rimCovers(*rim, s, rimReach()) || !nearerThanRim(*rim, s))
                 continue;
             int over = 0;
             for (int k = 1; k < rim->count; ++k) {
@@ -902,6 +919,64 @@ private:
                 return next;
         }
         return -1;
+    }
+
+    // Moves round the tube each pattern vertex of ring p (but those the silhouette points clear,
+    // left out or taken by a chain) that lies, seen along Z, nearer the viewer than an end rim,
+    // under its disc (with the ring for kRimMoveChords of a chord either way: where the ring
+    // comes out of the disc nearby, the tube beyond is the outline there and the rim's chord is
+    // hidden anyway) and outside one of its chords square beside it, to the nearest point of the
+    // ring within kRimMoveChords of a chord that lies rimApart() inside that chord and inside the
+    // rim's other chords; true when one moves. Seen a few degrees off the tube's length at an end
+    // where the tube beyond comes nearer the viewer, the rings there shift sideways in the drawing
+    // and their vertices come out between a rim chord and the rim's circle: the faces through them
+    // would hide the chord, where the rim is the outline and the ring's own chord no contour edge.
+    bool insideRimChords(const PendingRing& p, RingExtras& extras) const {
+        bool any = false;
+        const double margin = rimApart();
+        for (int k = 0; k < p.ring.count; ++k) {
+            const _s_hd_point_ q = p.ring.pts[k];
+            const double a = std::fabs(fromSilhouette(p.st, q, 0));
+            if (std::fmin(a, core::kPi - a) < kSilhouetteClearChords * chord_ ||
+                k == extras.leaveOut[0] || k == extras.leaveOut[1] || k == extras.vertex[0] ||
+                k == extras.vertex[1])
+                continue;
+            const double at = aroundTube(bend_, p.st, vecSub(q, p.st.centre));
+            for (const RimView* rim : {&startRim_, &farRim_}) {
+                const int over =
+                    rim->usable && nearerThanRim(*rim, q) && rimCovers(*rim, q) &&
+                            rimCovers(*rim, ringPoint(bend_, p.st, at + kRimMoveChords * chord_)) &&
+                            rimCovers(*rim, ringPoint(bend_, p.st, at - kRimMoveChords * chord_))
+                        ? chordBeside(*rim, q)
+                        : -1;
+                if (over < 0)
+                    continue;
+                // Below 0 where the ring's point t round from q lies far enough inside the chord.
+                auto beyond = [&](double t) {
+                    return beyondChord(*rim, over, ringPoint(bend_, p.st, at + t)) + margin;
+                };
+                double best = HUGE_VAL;
+                for (double reach : {kRimMoveChords * chord_, -kRimMoveChords * chord_}) {
+                    if (!(beyond(reach) < 0.0))
+                        continue;
+                    double out = 0.0;
+                    double in = reach;
+                    for (int step = 0; step < kRimMoveSteps; ++step) {
+                        const double mid = 0.5 * (out + in);
+                        (beyond(mid) < 0.0 ? in : out) = mid;
+                    }
+                    if (std::fabs(in) < std::fabs(best))
+                        best = in;
+                }
+                if (best == HUGE_VAL || beyondChords(*rim, ringPoint(bend_, p.st, at + best)) > 0.0)
+                    continue;
+                extras.moved[k] = true;
+                extras.movedTo[k] = at + best;
+                any = true;
+                break;
+            }
+        }
+        return any;
     }
 
     // The end ring at end (its pattern ring ring, made as made) as the band to the ring beside it
@@ -1077,6 +1152,13 @@ private:
         const _s_hd_point_ mid = linComb(0.5, rim.pts[k], 0.5, rim.pts[(k + 1) % rim.count]);
         return beyondChords(other, mid) < -rimSlack_ && !nearerThanRim(other, mid);
     }
+
+    // How far outside an end rim's circle a point still lies along it for the hide pass (see
+    // kRimReachShare).
+    double rimReach() const { return std::fmin(kRimReachMost, kRimReachShare * chainTol_); }
+
+    // How far apart the hide pass tells a ring's faces from an end rim's chords (see kRimApart).
+    double rimApart() const { return std::fmin(kRimApart, kRimApartShare * chainTol_); }
 
     // True when p lies nearer the viewer than the rim's plane straight behind or before it.
     bool nearerThanRim(const RimView& rim, _s_hd_point_ p) const {

@@ -156,6 +156,14 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
          1.9528652906417847,
          {-8.497120002733205, -7.068554679594328, 3.278630914344788},
          {0.69005848469335007, -0.72338202419616993, -0.023189108921415281}},
+        // A short bend seen 5.7e-3 off its length at the start, the tube beyond nearer the viewer:
+        // the rings there shift sideways in the drawing, and their vertices come out between a rim
+        // chord and the rim's circle, where their faces would hide the chord.
+        {"a short bend a few degrees off the tube at the start",
+         25.317894474195398,
+         0.14343242645263671,
+         {5.5683389351907007, -85.335896834259842, 2.6732469814980355},
+         {0.99862495442523702, 0.052251622773852952, -0.0042389051289671662}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, vecNormalize(v.a), 0};
