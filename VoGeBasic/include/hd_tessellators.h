@@ -108,11 +108,13 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_po
 // oblique side with silhouette generators seen end-on). Where the side is nearly edge-on, a wide
 // side face can lean past the view while the side does not; the chord count is then doubled, up to
 // four times, until every side face turns to the view as the side does at its middle generator, so
-// the faces' outline is the side's. Each returns a new object owned by the caller; release it with
+// the faces' outline is the side's. A side without silhouette whose faces still lean past the view
+// then is seen within a hair of edge-on along one generator: its rings at that last count are split
+// there instead, vertex 0 and the count's half on that generator and the one opposite, where no
+// side face can lean past the view. Each returns a new object owned by the caller; release it with
 // freeHDProfObjectPointer. Each returns null on a non-finite argument, a negative radius, both
 // radii below 0.01, a null axis (ends closer than 1e-5), an axis within 1e-6 (cosine) of the end
-// planes, sizes so near the largest double that a vertex would overflow, or if an allocation
-// fails.
+// planes, sizes so near the largest double that a vertex would overflow, or if an allocation fails.
 
 /// A truncated cone about the axis a -> b: the end circle of radius ra about a and of radius rb
 /// about b, both square to the axis (n = b - a). ra == rb is a cylinder (a straight pipe); one

@@ -144,20 +144,22 @@ bool setUpCone(ObliqueCone& cone, double& size) {
 // (d'(theta) x D) - (rb - ra) n, with D = cb - ca and d the unit radial direction, and it is
 // square to Z where A cos theta + B sin theta = C. Returns false when there is no such pair of
 // generators (the side seen along its axis or from within its half-angle, or two generators so
-// close that they are one); otherwise theta1 = phi - alpha and theta2 = phi + alpha.
+// close that they are one), with theta1 = phi, where the side comes nearest to edge-on or turns
+// farthest from it; otherwise theta1 = phi - alpha and theta2 = phi + alpha.
 bool silhouetteAngles(const ObliqueCone& cone, double& theta1, double& alpha) {
     const _s_hd_point_ axis = vecSub(cone.cb, cone.ca);
     const double a = vecCross(cone.v, axis).z;
     const double b = -vecCross(cone.u, axis).z;
     const double c = (cone.rb - cone.ra) * cone.n.z;
     const double r = std::hypot(a, b);
+    theta1 = std::atan2(b, a);
     if (!(r > std::fabs(c)))
         return false;
     const double half = std::acos(c / r);
     if (half < hd::kSilhouetteMergeAngle || half > core::kPi - hd::kSilhouetteMergeAngle)
         return false;
     alpha = half;
-    theta1 = std::atan2(b, a) - half;
+    theta1 -= half;
     return true;
 }
 
@@ -202,10 +204,12 @@ int arcChords(double sweep, int perTurn) {
 
 // The rings of an oblique cone whose circles take perTurn chords. With a silhouette, ring
 // vertices sit on its two generators and the arcs between are divided in proportion; without
-// one, the circle is split at u and -u alike. viewSplit (perTurn came from the disc's rule)
-// takes the disc's own ring for a right circular cylinder, whose split points are then the
-// silhouette's, and for rings without silhouette whose circles take the same count.
-bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, Rings& rings) {
+// one, the circle is split at u and -u alike, or with atTurn at phi and phi + pi (see
+// silhouetteAngles). viewSplit (perTurn came from the disc's rule) takes the disc's own ring for
+// a right circular cylinder, whose split points are then the silhouette's, and for rings without
+// silhouette whose circles take the same count.
+bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, bool atTurn,
+                   Rings& rings) {
     double theta1 = 0.0;
     double alpha = 0.5 * core::kPi;
     // A right cylinder's silhouette lies on the disc's split points; once the normal was
@@ -233,7 +237,7 @@ bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, Rings& 
             rings.silhouette[1] = m / 2;
         }
     } else {
-        if (!seen)
+        if (!seen && !atTurn)
             theta1 = 0.0;
         const int chords1 = arcChords(2.0 * alpha, perTurn);
         const int chords2 = arcChords(core::kFullTurn - 2.0 * alpha, perTurn);
@@ -283,13 +287,19 @@ bool sideFacesTrue(const ObliqueCone& cone, const Rings& rings) {
 }
 
 // The rings of an oblique cone with perTurn chords to a circle, doubled until no side face
-// looks the other way to its side (at most kMaxSideRefinements times).
+// looks the other way to its side (at most kMaxSideRefinements times). A side without silhouette
+// that still folds then is seen within a hair of edge-on along a generator, and its rings are
+// split at that generator instead: a face from angle t - h to t + h leans from the side at t as
+// if (rb - ra) n.z became (rb - ra) n.z cos h in A cos t + B sin t - C, so with vertices at phi
+// and phi + pi no face can turn the other way, however many chords there are.
 bool makeTrueConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, Rings& rings) {
     for (int refined = 0;; ++refined, perTurn *= 2) {
-        if (!makeConeRings(cone, perTurn, viewSplit && refined == 0, rings))
+        if (!makeConeRings(cone, perTurn, viewSplit && refined == 0, false, rings))
             return false;
-        if (refined == hd::kMaxSideRefinements || sideFacesTrue(cone, rings))
+        if (sideFacesTrue(cone, rings))
             return true;
+        if (refined == hd::kMaxSideRefinements)
+            return rings.silhouettes > 0 || makeConeRings(cone, perTurn, false, true, rings);
     }
 }
 
@@ -361,7 +371,7 @@ _s_hd_prof_* ep_divide_scy(_s_hd_point_ a, _s_hd_point_ b, double r, _s_hd_point
     if (m % 2 != 0)
         ++m;
     Rings rings;
-    if (!makeConeRings(cone, m, true, rings))
+    if (!makeConeRings(cone, m, true, false, rings))
         return nullptr;
     for (int k = 0; k < rings.count; ++k) {
         rings.a[k] = linComb(1.0, rings.a[k], -vecDot(cut, vecSub(rings.a[k], a)) / slope, w);

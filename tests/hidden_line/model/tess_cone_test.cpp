@@ -65,6 +65,15 @@ TEST(RuledSolids, RandomConesAreClosedAndDrawnByRimsAndSilhouettes) {
         };
         expectTrueSolid(ep_divide_scy(a, b, rc, n), ruled(cut(a), cut(b)), "scy " + id);
     }
+    // Seen a milliradian off the circles' normal, an eccentric cone whose side leans to within a
+    // hair of edge-on along one generator: its faces fold there at any chord count that does not
+    // put a vertex on that generator.
+    const P a{1.1199850004169329, -2.6132983343061769, 0.74665666694462196};
+    const P b = add(a, {2.756267697329664, 8.2441368343500354, 3.8246772136006935});
+    const P d{-0.0010139987030815417, 9.0775170322679325e-05, 0.99999948178311504};
+    const double ra = 1.9942292039328569, rb = 10.688276112530744;
+    expectTrueSolid(ep_divide_ecn(a, b, ra, rb, vecScale(3, d)),
+                    ruled(circleAt(a, ra, d), circleAt(b, rb, d)), "ecn nearly edge-on");
 }
 
 // Non-finite points and sizes, radii below the smallest, a zero axis, an eccentric cone's
