@@ -248,7 +248,11 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// beside it and within the allowance below of the rim's disc, leaves out its pattern vertex next
 /// round the tube towards that chord's end away from the ring where its edge from the point to that
 /// vertex would stand over the chord for more than the allowance below beyond the point: the rim is
-/// the outline there, and the ring's edge then runs on to the next vertex, inside the chord. A
+/// the outline there, and the ring's edge then runs on to the next vertex, inside the chord (where
+/// the ring leans from the rim, on a fat tube seen a few degrees off its length, that edge too can
+/// stand over the chord: the vertices after are left out while the edge to the next one still
+/// stands over it so and the one after, less than a quarter turn from the point, brings its
+/// crossing of the chord nearer the point). A
 /// pattern vertex of such a ring (but those left out, beside a silhouette point or taken by a
 /// chain) that lies so too, nearer the viewer than the rim, under its disc (with the ring round it
 /// for nine twentieths of a chord either way) and outside one of its chords square beside it, moves
@@ -286,15 +290,18 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// rim, can stand over a rim chord too: in such views a gap of up to a little over a sagitta
 /// remains (leaving out the vertex after too can leave the half of a coarse ring between its chains
 /// with no vertex, whose band then hides the chord whole). Seen a few degrees off its length at an
-/// end, such a gap is rarer, up to about 1.26 sagittas where it was found (at the far end of half a
-/// turn seen 1.4e-3 off its length, where a band's faces from a silhouette point outside the rim
-/// hide the rim chord beyond the chain's end). And at a ring drawn whole whose tangent leans from Z
-/// by nearly the limit above, the true outline lies a little outside the ring's circle (by the
-/// figure above), which a chord whose sagitta is the whole allowance does not allow for (no view
-/// was found where that shows). Returns a new object owned by the caller; release it with
-/// freeHDProfObjectPointer. Returns null on non-finite input, when r or |s - c| is below 0.01, for
-/// a null axis, for s - c off the plane normal to the axis, for an angle not above 0 or above 2 pi,
-/// for n below 0 or above 100000, or if an allocation fails.
+/// end, such a gap is rarer, up to about 1.09 sagittas where it was found (at the start of half a
+/// turn of a ring of eight chords seen 3.1e-3 off its length, where the edge of the ring beside
+/// the rim from its silhouette point, outside a rim chord, to its next vertex kept stands over that
+/// chord: leaving that vertex out too would leave the half of the ring between its chains with no
+/// vertex); the drawing can also stray by up to about 1.06 sagittas (at the far end of half a turn
+/// of eight chords seen 3.2e-3 off its length). And at a ring drawn whole whose
+/// tangent leans from Z by nearly the limit above, the true outline lies a little outside the
+/// ring's circle (by the figure above), which a chord whose sagitta is the whole allowance does not
+/// allow for (no view was found where that shows). Returns a new object owned by the caller;
+/// release it with freeHDProfObjectPointer. Returns null on non-finite input, when r or |s - c| is
+/// below 0.01, for a null axis, for s - c off the plane normal to the axis, for an angle not above
+/// 0 or above 2 pi, for n below 0 or above 100000, or if an allocation fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ s,
                                          _s_hd_point_ axis, int n);
 

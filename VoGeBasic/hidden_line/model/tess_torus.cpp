@@ -29,7 +29,8 @@
 // outside its chords, and beside an end rim a chain whose point lies under the rim runs through
 // the pattern vertex at the end of the rim's chord towards the ring instead (so each ring's
 // faces wait for the next ring), and a ring whose point lies outside such a chord leaves out
-// the vertex beside it towards the chord's far end, where the rim is the outline. A ring that
+// the vertex beside it towards the chord's far end, where the rim is the outline (and the ones
+// after it while its edge from the point would still stand over the chord). A ring that
 // would lie over an end rim in the drawing closer than the hide pass tells its faces from the
 // rim's chords (which they would hide) is left out, between the rim and the rings beside it that
 // lie farther off: the rim stands for it. Where the silhouette
@@ -123,6 +124,10 @@ constexpr double kRimRunEndShare = 2.0;
 /// stand over that chord for this share of the outline's allowance beyond the point before the
 /// pattern vertex it runs to is left out (see ElbowBuilder::overRimChord).
 constexpr double kRimCoverShare = 1.0;
+/// ... and a vertex after that one is left out too only where the vertex the edge then runs to
+/// lies less than this share of a turn round the tube from the point, so that each half of the
+/// ring between its chains keeps a vertex.
+constexpr double kRimCoverTurnMost = 0.25;
 /// A ring seen end-on where the tangent comes nearest the view axis takes the place of a chosen
 /// ring within this many chosen steps of it: the bands on either side then span a step or more.
 constexpr double kEndOnStandInSteps = 0.25;
@@ -202,10 +207,10 @@ Station stationAt(const Bend& b, double phi, const Station* prev) {
 // drawn or not, pattern vertices may be left out, and a ring drawn whole takes points round the
 // tube at the given angles (see ElbowBuilder::settlePending).
 struct RingExtras {
-    int vertex[2] = {-1, -1};              // the chain runs through this vertex of the pattern ring
-    bool undrawn[2] = {false, false};      // ... and is not drawn to or from it
-    int leaveOut[2] = {-1, -1};            // these vertices of the pattern ring are left out
-    bool moved[hd::kMaxCurveChords] = {};  // these vertices of the pattern ring move round
+    int vertex[2] = {-1, -1};          // the chain runs through this vertex of the pattern ring
+    bool undrawn[2] = {false, false};  // ... and is not drawn to or from it
+    bool leaveOut[hd::kMaxCurveChords] = {};   // these vertices of the pattern ring are left out
+    bool moved[hd::kMaxCurveChords] = {};      // these vertices of the pattern ring move round
     double movedTo[hd::kMaxCurveChords] = {};  // ... the tube to these angles (aroundTube)
     int count = 0;
     double angle[kMaxRingExtras] = {};  // round the tube (aroundTube)
@@ -341,7 +346,7 @@ TubeRing tubeRing(const Bend& b, const Station& st, const ViewSplitRing& ring, i
         if (k != silVertex[0] && k != silVertex[1] &&
             ((out.onSilhouette[0] && (angle[k] < clear || angle[k] > core::kFullTurn - clear)) ||
              (out.onSilhouette[1] && std::fabs(angle[k] - core::kPi) < clear) ||
-             k == extras.leaveOut[0] || k == extras.leaveOut[1]))
+             extras.leaveOut[k]))
             continue;
         if (extras.moved[k] && k != silVertex[0] && k != silVertex[1]) {
             double a = extras.movedTo[k] - st.turn;
@@ -741,6 +746,7 @@ private:
         const PendingRing& p = pending_;
         RingExtras extras;
         bool moved = false;
+        bool leftOut = false;
         // With rounding too coarse to tell the sides of a chord the ring stays as made.
         const bool measurable = rimSlack_ <= kRimSlackShare * chainTol_;
         if (measurable && p.st.endOn) {
@@ -766,12 +772,12 @@ private:
                 extras.vertex[side] = underRim(p, side, bandTube_, next.chain(side));
                 extras.undrawn[side] = extras.vertex[side] >= 0;
                 if (extras.vertex[side] < 0 && p.tube.onSilhouette[side])
-                    extras.leaveOut[side] = overRimChord(p, side);
+                    leftOut = overRimChord(p, side, extras) || leftOut;
             }
             moved = insideRimChords(p, extras);
         }
-        const bool remake = extras.count > 0 || extras.vertex[0] >= 0 || extras.vertex[1] >= 0 ||
-                            extras.leaveOut[0] >= 0 || extras.leaveOut[1] >= 0 || moved;
+        const bool remake =
+            extras.count > 0 || extras.vertex[0] >= 0 || extras.vertex[1] >= 0 || leftOut || moved;
         addRing(remake ? tubeRing(bend_, p.st, p.ring, p.offset, extras) : p.tube, p.st.endOn,
                 p.alongRim);
     }
@@ -870,16 +876,18 @@ private:
         return -1;
     }
 
-    // The pattern vertex of ring p next round the tube from its silhouette point s on the given
-    // side, towards the end of an end rim's chord away from the ring (seen along Z), when s lies
-    // nearer the viewer than the rim, outside that chord and square beside it (and within the
-    // outline's allowance of the rim's disc: the rim at the other end may lie far off), and the
+    // Leaves out the pattern vertex of ring p next round the tube from its silhouette point s on
+    // the given side, towards the end of an end rim's chord away from the ring (seen along Z), when
+    // s lies nearer the viewer than the rim, outside that chord and square beside it (and within
+    // the outline's allowance of the rim's disc: the rim at the other end may lie far off), and the
     // ring's edge from s to that vertex would stand over the chord for more than kRimCoverShare of
-    // the outline's allowance beyond s; otherwise -1. Seen nearly along the tube the outline there
-    // is the rim (the tube beyond lies on the ring's side of s), so the vertex is left out: the
-    // ring's edge from s then runs on to the next vertex, well inside the chord, which stays in
-    // sight.
-    int overRimChord(const PendingRing& p, int side) const {
+    // the outline's allowance beyond s; true when it does. Seen nearly along the tube the outline
+    // there is the rim (the tube beyond lies on the ring's side of s), so the vertex is left out:
+    // the ring's edge from s then runs on to the next vertex, inside the chord, which stays in
+    // sight. Where the ring leans from the rim (a few degrees off the tube's length, on a fat tube)
+    // that edge can still stand over the chord: the vertices after are left out too while that
+    // brings the edge's crossing of the chord nearer s, up to a quarter turn from s.
+    bool overRimChord(const PendingRing& p, int side, RingExtras& extras) const {
         const _s_hd_point_ s = p.tube.chain(side);
         for (const RimView* rim : {&startRim_, &farRim_}) {
             const int over = rim->usable && nearerThanRim(*rim, s) && rimCovers(*rim, s, chainTol_)
@@ -910,15 +918,34 @@ private:
             }
             if (next < 0)
                 continue;
-            // The edge from s to that vertex crosses the chord's line this far along it.
-            const _s_hd_point_ q = p.ring.pts[next];
+            // How far along the chord beyond s the edge from s to vertex k stands over it (where it
+            // crosses the chord's line).
             const double ds = beyondChord(*rim, over, s);
-            const double dq = beyondChord(*rim, over, q);
-            const double share = dq < 0.0 ? ds / (ds - dq) : 1.0;
-            if (share * along(q) > kRimCoverShare * chainTol_)
-                return next;
+            auto cover = [&](int k) {
+                const _s_hd_point_ q = p.ring.pts[k];
+                const double dq = beyondChord(*rim, over, q);
+                return (dq < 0.0 ? ds / (ds - dq) : 1.0) * along(q);
+            };
+            if (!(cover(next) > kRimCoverShare * chainTol_))
+                continue;
+            // Left out, and so are the vertices after it round the tube while the edge from s to
+            // the next one still stands over the chord that much and the edge to the one after
+            // (within a quarter turn of s) would stand over it less.
+            const int m = p.ring.count;
+            const int way = fromSilhouette(p.st, p.ring.pts[next], side) < 0.0 ? m - 1 : 1;
+            extras.leaveOut[next] = true;
+            for (int i = 0, k = (next + way) % m; i < m; ++i, k = (k + way) % m) {
+                const int after = (k + way) % m;
+                if (std::fabs(fromSilhouette(p.st, p.ring.pts[after], side)) >=
+                        kRimCoverTurnMost * core::kFullTurn ||
+                    !(cover(k) > kRimCoverShare * chainTol_) || !(cover(after) < cover(k)) ||
+                    k == extras.vertex[0] || k == extras.vertex[1])
+                    break;
+                extras.leaveOut[k] = true;
+            }
+            return true;
         }
-        return -1;
+        return false;
     }
 
     // Moves round the tube each pattern vertex of ring p (but those the silhouette points clear,
@@ -938,8 +965,7 @@ private:
             const _s_hd_point_ q = p.ring.pts[k];
             const double a = std::fabs(fromSilhouette(p.st, q, 0));
             if (std::fmin(a, core::kPi - a) < kSilhouetteClearChords * chord_ ||
-                k == extras.leaveOut[0] || k == extras.leaveOut[1] || k == extras.vertex[0] ||
-                k == extras.vertex[1])
+                extras.leaveOut[k] || k == extras.vertex[0] || k == extras.vertex[1])
                 continue;
             const double at = aroundTube(bend_, p.st, vecSub(q, p.st.centre));
             for (const RimView* rim : {&startRim_, &farRim_}) {

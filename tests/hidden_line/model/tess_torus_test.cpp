@@ -164,6 +164,14 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
          0.14343242645263671,
          {5.5683389351907007, -85.335896834259842, 2.6732469814980355},
          {0.99862495442523702, 0.052251622773852952, -0.0042389051289671662}},
+        // Fat, half a turn seen 1.4e-3 off its length at the far end, the tube before it nearer
+        // the viewer: the rings beside the rim lean from it, and the edge from a ring's silhouette
+        // point stands over a rim chord past the first pattern vertex after it.
+        {"fat, a few degrees off the tube at the far end, the rings leaning",
+         44.162683742975609,
+         kPi,
+         {-43.3464922915243, 11.850613461431685, 3.02041365169754},
+         {-0.21684353272999074, -0.97620542860995485, -0.0013577428444607467}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, vecNormalize(v.a), 0};
