@@ -329,10 +329,12 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c,
 /// (the dome is cut as when seen along the axis) and the ring's half on its side stands for it
 /// (drawn after the others; the base ring is drawn already). Seen a little off the axis, the
 /// outline beside a flange can lie outside the drawn ring by up to those 2% of the sagitta. A
-/// flange shorter than about that level depth is a shortcoming: the pass cannot tell the base
-/// ring in depth from the faces beside the top ring and hides it where it is the outline, so most
-/// views of a head with a flange of 0.0001 lose up to half the outline (none was found from
-/// 0.0004 up).
+/// flange no longer than twice that level depth (0.0006) is built as part of the dome, which
+/// then stands on the base with height h + f, its apex where it was: the pass could not tell the
+/// flange's rings apart in depth, would take the base ring as level with the dome's faces beside
+/// the top ring and hide it where it is the outline, and the top ring under the base face, and
+/// most views of such a head would lose up to half the outline. The solid moves by no more than
+/// f.
 /// Returns a new object owned by the caller; release it with freeHDProfObjectPointer. Returns
 /// null on non-finite input, when r or h is below 0.01, when f is negative, for a null axis, or
 /// if an allocation fails.

@@ -30,6 +30,10 @@ constexpr int kMaxMeridians = hd::kMaxCurveChords + 3;
 /// pass's level depth is drawn by the equator's half beside it (see ep_divide_ova).
 constexpr double kContourLevelShare = 2.0;
 
+/// A flange no longer than this many times the hide pass's level depth is built as part of the
+/// dome (see ep_divide_ova).
+constexpr double kThinFlangeShare = 2.0;
+
 /// A flange whose two rings lie apart in the drawing, and whose dome reaches beyond its top ring,
 /// by no more than this part of the rings' chord sagitta is drawn as one seen along its axis.
 constexpr double kRingsApartShare = 0.02;
@@ -54,6 +58,14 @@ _s_hd_prof_* ep_divide_ova(double r, double h, double f, _s_hd_point_ c, _s_hd_p
     const _s_hd_point_ a = vecNormalize(axis);
     if (vecDot(a, a) == 0.0)
         return nullptr;
+    // A flange so short that the hide pass cannot tell its rings apart in depth would cost the
+    // outline the base ring draws: the dome's faces beside the top ring take that ring as level
+    // with them and hide it, and the base face hides the top ring. The dome stands on the base
+    // instead, its apex where it was.
+    if (f > 0.0 && f <= kThinFlangeShare * hd::kLevelDepthTol) {
+        h += f;
+        f = 0.0;
+    }
     // e0 along Z x a, normalised without the kit's snapping, so that a head a hair off the view
     // axis still splits its flange at its true contour; only exactly along Z the disc's split.
     const double zxa = std::hypot(a.x, a.y);

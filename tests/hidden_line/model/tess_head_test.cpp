@@ -16,6 +16,11 @@ using vgtest::kPi;
 
 // The analytic head: flange from c to c1 = c + f a, dome of semi-axes r across and h along a.
 Solid headSolid(double r, double h, double f, P c, P a) {
+    // A flange within twice the hide pass's level depth is built as part of the dome.
+    if (f > 0 && f <= 2 * 3e-4) {
+        h += f;
+        f = 0;
+    }
     P e1, e2;
     squareTo(a, e1, e2);
     auto round = [=](double psi) { return add(vecScale(std::cos(psi), e1), e2, std::sin(psi)); };
@@ -63,7 +68,7 @@ TEST(DishedHead, GeneratedHeadsAreClosedOnTheSurfaceAndDrawTheirOutline) {
     }
     for (std::size_t i = 0; i < axes.size(); ++i) {
         const double r = 0.05 * std::pow(10.0, 3 * next()), h = r * (0.2 + next());
-        const double f = i % 3 == 0 ? 0.0 : r * 0.5 * next();
+        const double f = i % 3 == 0 ? 0.0 : (i % 9 == 4 ? 3e-4 : r * 0.5) * next();
         const P c = {next(-50, 50), next(-50, 50), next(-50, 50)}, a = vecNormalize(axes[i]);
         expectTrueSolid(ep_divide_ova(r, h, f, c, a), headSolid(r, h, f, c, a),
                         "head " + std::to_string(i));
