@@ -167,7 +167,9 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sph(_s_hd_point_ c, double r);
 /// closed ring without end faces; ri below 0.01 makes a sector of a disc, whose inner rim is the
 /// centre line. Both arcs take getArcDivideNum(c, ro, a0, a1) chords at common angles, shared in
 /// proportion between the arcs into which the walls' silhouette generators (where the radial
-/// direction is square to Z) break the sweep; a closed ring starts at the first of them. Faces,
+/// direction is square to Z) break the sweep, each rounded up (a share within 1e-4 of a whole
+/// number takes that number, so that a bend standing on the plate shares them alike though its
+/// ends lie a rounding off the plate's); a closed ring starts at the first of them. Faces,
 /// wound counter-clockwise seen from outside: for each chord the face through c, the face
 /// through c + t k, the outer wall and the inner wall (triangles and no inner wall for a disc's
 /// sector), then the end faces at a0 and at a1. Lines: the near face's outline (outer arc's
@@ -408,12 +410,16 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_squcir(_s_hd_point_ o, double w, double h, 
 /// `profile` (at most 256 points) swept along the arc about the bend centre c that starts at s
 /// and turns `angle` radians counter-clockwise about `axis` (seen from its tip). At s the section
 /// is placed as ep_divide_str places it on an axis along the arc's direction (y along ydir made
-/// square to that direction, x along y x direction); it turns with the bend. The stations lie at
-/// getArcDivideNum(c, R, 0, angle) equal steps (8 to 12; R the largest distance of the section
-/// from the bend axis), and where the side swept by an edge of the section has a silhouette in
-/// the view along Z (such a side is a piece of a cone, cylinder or ring about the bend axis,
-/// and its silhouettes are whole copies of the edge); each side face is a planar trapezoid. An
-/// angle within 1e-9 of 2 pi makes a closed ring without caps. Lines as above; at a corner the
+/// square to that direction, x along y x direction); it turns with the bend. The bend is cut
+/// into pieces where the side swept by an edge of the section has a silhouette in the view
+/// along Z (such a side is a piece of a cone, cylinder or ring about the bend axis, and its
+/// silhouettes are whole copies of the edge; with the axis within 1e-9 (cosine) of Z, as a ring
+/// plate takes it, there are none), and the pieces share getArcDivideNum(c, R, 0, angle) chords
+/// (8 to 12; R the largest distance of the section from the bend axis) as a ring plate's arcs
+/// do; a closed ring starts at the first silhouette. So a handrail or a curved beam standing on
+/// a ring plate of its radii has its stations where the plate has its vertices, and their edges
+/// meet without notches. Each side face is a planar trapezoid. An angle within 1e-9 of 2 pi
+/// makes a closed ring without caps. Lines as above; at a corner the
 /// edge along the bend is its chain of chords, and the silhouettes are the edges across a side
 /// between a face that faces the viewer and one that faces away, station by station.
 /// Also null when s - c is shorter than 0.01 or leaves the plane square to the axis through c

@@ -107,6 +107,26 @@ int getArcDivideNum(_s_hd_point_ /*c*/, double r, double a0, double a1) {
     return clampCurveChords(std::trunc((a1 - a0) / t) + 1.0);
 }
 
+/// A piece whose part of an arc's chords comes within this of a whole number takes that number.
+/// Two solids along one circle work out their breaks in frames of their own, from coordinates a
+/// model gives to a hundredth of a millimetre: a handrail whose start lies 4e-6 degrees off its
+/// ring plate's edge must not take four chords where the plate takes three, for a piece of a
+/// quarter of a twelve-chord arc. A piece that takes one chord fewer by this has chords at most
+/// 1e-4 of a chord longer.
+constexpr double kChordShareTol = 1e-4;
+
+int shareArcChords(const double* breaks, int arcs, int n, int* chords) {
+    const double sweep = breaks[arcs] - breaks[0];
+    int total = 0;
+    for (int arc = 0; arc < arcs; ++arc) {
+        const double share =
+            std::ceil(n * (breaks[arc + 1] - breaks[arc]) / sweep - kChordShareTol);
+        chords[arc] = share < 1.0 ? 1 : static_cast<int>(std::fmin(share, n));
+        total += chords[arc];
+    }
+    return total;
+}
+
 // ---- record builders ----------------------------------------------------------------------------
 
 _s_hd_sect_* mallocQuadSect(_s_hd_point_ p1, _s_hd_point_ p2, _s_hd_point_ p3, _s_hd_point_ p4) {

@@ -34,6 +34,12 @@ int getCircleDivideNum(const double* c, double r);
 /// Chords of the arc a0..a1 (radians) of radius r: 8 to 12 whatever the arc's size, infinite
 /// included; a count that comes out NaN gives 8.
 int getArcDivideNum(_s_hd_point_ c, double r, double a0, double a1);
+/// Shares the n chords of an arc among its pieces between breaks (arcs pieces, breaks[0] to
+/// breaks[arcs] ascending): each piece takes its part of n rounded up, at least one and at most
+/// n, in chords[]. Returns the chords of all pieces. Every curved solid cut at silhouettes shares
+/// its chords this way, so that two whose rims run along one circle between the same breaks (a
+/// handrail on a ring plate) have their vertices in the same places.
+int shareArcChords(const double* breaks, int arcs, int n, int* chords);
 
 // ---- record builders ----------------------------------------------------------------------------
 

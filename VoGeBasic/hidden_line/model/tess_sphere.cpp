@@ -114,13 +114,7 @@ void plateBreaks(const PlateFrame& f, double a0, double a1, bool fullTurn, bool 
             br.angle[++br.arcs] = inside[i];
         br.angle[++br.arcs] = a1;
     }
-    const double sweep = br.angle[br.arcs] - br.angle[0];
-    br.vertices = fullTurn ? 0 : 1;
-    for (int arc = 0; arc < br.arcs; ++arc) {
-        const double share = std::ceil(n * (br.angle[arc + 1] - br.angle[arc]) / sweep);
-        br.chords[arc] = share < 1.0 ? 1 : static_cast<int>(std::fmin(share, n));
-        br.vertices += br.chords[arc];
-    }
+    br.vertices = (fullTurn ? 0 : 1) + shareArcChords(br.angle, br.arcs, n, br.chords);
 }
 
 }  // namespace

@@ -308,12 +308,14 @@ _s_hd_prof_* ep_divide_arc(point* profile, _s_hd_point_ c, _s_hd_point_ s, _s_hd
         const bool closed = angle >= core::kFullTurn - hd::kSweepTol;
         const double sweep = closed ? core::kFullTurn : angle;
         const int chords = getArcDivideNum(c, rmax, 0.0, sweep);
-        std::vector<double> phis;
-        for (int i = 0; i <= chords; ++i)
-            phis.push_back(i == chords ? sweep : sweep * i / chords);
+        // Seen along the axis (as a ring plate takes it: k.z within its facing tolerance of 1),
+        // the walls about the axis are edge-on and their rims draw them: no silhouettes, as the
+        // plate has none there.
+        std::vector<double> silhouettes;
+        const bool facing = std::fabs(std::fabs(k.z) - 1.0) <= hd::kFacingTol;
+        const std::size_t nb = facing ? 0 : sec.boundary.size();
         // A strip swept by the section edge a-b has the normal -dzeta r(phi) + drho k, square to
         // Z where dzeta (e1.z cos phi + e2.z sin phi) = drho k.z.
-        const std::size_t nb = sec.boundary.size();
         for (std::size_t j = 0; j < nb; ++j) {
             const std::size_t a = static_cast<std::size_t>(sec.boundary[j]);
             const std::size_t b = static_cast<std::size_t>(sec.boundary[(j + 1) % nb]);
@@ -329,21 +331,46 @@ _s_hd_prof_* ep_divide_arc(point* profile, _s_hd_point_ c, _s_hd_point_ s, _s_hd
                 double phi = std::fmod(root, core::kFullTurn);
                 if (phi < 0.0)
                     phi += core::kFullTurn;
-                if (phi < sweep)
-                    phis.push_back(phi);
+                silhouettes.push_back(phi);
             }
         }
-        std::sort(phis.begin(), phis.end());
-        std::vector<double> stations;
-        for (const double phi : phis)
-            if (stations.empty() || phi - stations.back() > kStationMergeAngle)
-                stations.push_back(phi);
-        if (closed) {
-            while (stations.size() > 1 && core::kFullTurn - stations.back() <= kStationMergeAngle)
-                stations.pop_back();
-        } else if (stations.back() != sweep) {
-            stations.back() = sweep;
+        std::sort(silhouettes.begin(), silhouettes.end());
+        // The bend is cut at the silhouettes strictly inside it (a closed ring runs from the
+        // first round to it again), and the pieces share the chords as a ring plate's do, so
+        // that a handrail on a ring plate, or a curved beam on one, has its vertices where the
+        // plate has them.
+        std::vector<double> breaks;
+        if (!closed)
+            breaks.push_back(0.0);
+        for (const double phi : silhouettes) {
+            const bool inside =
+                closed || (phi > kStationMergeAngle && phi < sweep - kStationMergeAngle);
+            if (inside && (breaks.empty() || phi - breaks.back() > kStationMergeAngle))
+                breaks.push_back(phi);
         }
+        if (closed) {
+            if (breaks.empty())
+                breaks.push_back(0.0);
+            while (breaks.size() > 1 &&
+                   breaks.front() + core::kFullTurn - breaks.back() <= kStationMergeAngle)
+                breaks.pop_back();
+            breaks.push_back(breaks.front() + core::kFullTurn);
+        } else {
+            breaks.push_back(sweep);
+        }
+        const int arcs = static_cast<int>(breaks.size()) - 1;
+        std::vector<int> share(static_cast<std::size_t>(arcs));
+        shareArcChords(breaks.data(), arcs, chords, share.data());
+        std::vector<double> stations;
+        for (int arc = 0; arc < arcs; ++arc) {
+            const double b0 = breaks[static_cast<std::size_t>(arc)];
+            const double b1 = breaks[static_cast<std::size_t>(arc) + 1];
+            const int n = share[static_cast<std::size_t>(arc)];
+            for (int i = 0; i < n; ++i)
+                stations.push_back(b0 + (b1 - b0) * i / n);
+        }
+        if (!closed)
+            stations.push_back(sweep);
         Sweep w;
         w.section = &sec;
         w.closed = closed;

@@ -212,6 +212,43 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
 // bend read a section's x and y only); zero or non-finite axes and thicknesses, a ydir along the
 // axis, a plate's extrusion in its plane, a circle in its rectangle's plane, sizes below the
 // smallest, an angle out of range, a start off the bend plane, a section across the bend axis.
+// A handrail on a ring plate: a bend of the plate's width standing on its far face, from its
+// edge round the same angle, has its foot's vertices where the plate's far rims have theirs, in
+// any view, also when its start lies a rounding off the plate's edge.
+TEST(SweptSolids, BendOnARingPlateHasItsVerticesWhereThePlateHas) {
+    vgtest::Lcg gen(59);
+    const auto axes = randomUnitVectors(40, 61);
+    for (std::size_t i = 0; i < axes.size(); ++i) {
+        const P k = axes[i], c{gen(-50, 50), gen(-50, 50), gen(-50, 50)};
+        const double ro = logUniform(gen, 1, 3000), ri = ro * gen(0.5, 0.98), t = 0.1 * ro;
+        const double a0 = gen(-3, 3), sweep = gen(0.5, 6.2);
+        const P ref = std::fabs(k.x) < 0.5 ? P{1, 0, 0} : P{0, 1, 0};
+        const P x = vecNormalize(add(ref, k, -vecDot(ref, k))), y = vecCross(k, x);
+        const double start = a0 + 1e-7 * gen(-1, 1), rm = 0.5 * (ri + ro), w = 0.5 * (ro - ri);
+        const P foot = add(c, k, t);
+        const P s = add(foot, add(vecScale(std::cos(start), x), y, std::sin(start)), rm);
+        PointList rail(xy({-w, 0, w, 0, w, w, -w, w}));
+        _s_hd_prof_* objs[2] = {ep_divide_sad(ri, ro, t, c, a0, a0 + sweep, k),
+                                ep_divide_arc(rail.head, foot, s, k, sweep, k)};
+        ASSERT_NE(objs[0], nullptr);
+        ASSERT_NE(objs[1], nullptr);
+        const auto plate = enginetest::pointsOf(objs[0]), bend = enginetest::pointsOf(objs[1]);
+        for (_s_hd_prof_* o : objs)
+            freeHDProfObjectPointer(o);
+        int shared = 0;
+        for (const P& p : bend) {
+            if (std::fabs(vecDot(vecSub(p, foot), k)) > 1e-9 * ro)
+                continue;  // the rail's top
+            double nearest = HUGE_VAL;
+            for (const P& q : plate)
+                nearest = std::min(nearest, norm(vecSub(p, q)));
+            EXPECT_LE(nearest, 1e-6 * ro) << "view " << i;
+            ++shared;
+        }
+        EXPECT_GT(shared, 16) << "view " << i;
+    }
+}
+
 TEST(SweptSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     const P o{0, 0, 0}, x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1}, far{0, 0, 50}, bx{100, 0, 0};
     Outline many;
