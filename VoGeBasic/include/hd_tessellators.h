@@ -84,17 +84,23 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_po
 // each end, at common angles about the end planes' normal n, so that each side face between
 // generator k and generator k + 1 is a planar trapezoid. Ring vertex 0 and the ring direction
 // (counter-clockwise about n, n pointing from the first end to the second):
-//  - where the side has a silhouette in the view along Z (two generators whose side normal is
-//    square to Z; the side is developable, so such a generator is one whole), ring vertex 0
-//    lies on the first of them and the arcs between the two are cut in proportion to their
-//    angle, each at least one chord;
-//  - for a right circular cylinder, and where there is no silhouette (seen along its axis, or
-//    looking into a cone within its half-angle) and both circles take the same count (equal
-//    radii, or an apex opposite), each ring is the disc's ring (ep_divide_cir) of its circle,
+//  - for a right circular cylinder, each ring is the disc's ring (ep_divide_cir) of its circle,
 //    split at s and 2c - s: a pipe's rims coincide with a disc of the same circle chord for
-//    chord, and a cylinder's silhouette generators run through s and 2c - s;
-//  - otherwise (no silhouette, radii that differ) both circles are split at those same points,
-//    vertex 0 at s, into two halves of half the chords each.
+//    chord, and its silhouette generators run through s and 2c - s;
+//  - for any other cone or eccentric cone (not a snout) whose two circles take the disc's count
+//    alike (radii from about 25 up, or an apex at one end), each ring is likewise the disc's
+//    ring of its circle, vertex 0 at s; where the side has a silhouette in the view along Z (two
+//    generators whose side normal is square to Z; the side is developable, so such a generator
+//    is one whole), its two generators go in between the ring's vertices, or in place of a
+//    vertex within a quarter of a chord's angle of one (a vertex so near would leave a sliver
+//    face standing nearly edge-on). A pipe joined to a reducer then has every rim vertex where
+//    the reducer has one but for the silhouettes' two at most, and the joint is drawn as one rim
+//    instead of two that cross;
+//  - otherwise, where the side has a silhouette (or both silhouettes would take one vertex),
+//    ring vertex 0 lies on the first of them and the arcs between the two are cut in proportion
+//    to their angle, each at least one chord;
+//  - otherwise (no silhouette, circles of different counts) both circles are split at s and
+//    2c - s, vertex 0 at s, into two halves of half the chords each.
 // An end of radius below 0.01 (only one may be) is an apex: its ring is the centre repeated, its
 // side faces are triangles and it has no end face and no rim.
 // Faces, wound counter-clockwise seen from outside: the side faces from generator k to k + 1 for

@@ -10,6 +10,7 @@
 // vertices themselves, so every edge is shared by exactly two faces.
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 #include "hd_tessellators.h"
 #include "hidden_line/model/hd_builders.h"
@@ -202,12 +203,100 @@ int arcChords(double sweep, int perTurn) {
     return n < 1.0 ? 1 : static_cast<int>(std::fmin(n, perTurn));
 }
 
+// A silhouette within this share of a chord's angle of a ring vertex takes that vertex's place:
+// a vertex put in so near would leave a sliver face that stands nearly edge-on, too thin for the
+// builder to keep and for the hide pass to order against its neighbour.
+constexpr double kSilhouetteSnapShare = 0.25;
+
+// The rings of a cone on the disc's rule, when its end circles take one count: the vertices of
+// the disc's split ring at each end, and where the side is seen, its two silhouette generators
+// put in between (or in place of a vertex within kSilhouetteSnapShare of a chord of one). A
+// pipe of either radius joined to the cone, whose rim is the disc's split ring, then shares
+// every rim vertex with it but the silhouettes' two, and the joint is drawn as one rim instead
+// of two crossing. False in made when the counts differ or both silhouettes would take one
+// vertex; false if an allocation fails.
+bool viewSplitConeRings(const ObliqueCone& cone, bool seen, double theta1, double alpha,
+                        Rings& rings, bool& made) {
+    made = false;
+    ViewSplitRing ringA, ringB;
+    if ((cone.ra > 0.0 && !viewSplitRing(cone.ca, cone.ra, cone.n, ringA)) ||
+        (cone.rb > 0.0 && !viewSplitRing(cone.cb, cone.rb, cone.n, ringB)))
+        return true;
+    if (cone.ra > 0.0 && cone.rb > 0.0 && ringA.count != ringB.count)
+        return true;
+    const ViewSplitRing& pattern = cone.ra > 0.0 ? ringA : ringB;
+    const _s_hd_point_ centre = cone.ra > 0.0 ? cone.ca : cone.cb;
+    const int m = pattern.count;
+    double at[hd::kMaxCurveChords];  // the pattern vertices' angles, from 0 at u
+    for (int k = 0; k < m; ++k) {
+        const _s_hd_point_ d = vecSub(pattern.pts[k], centre);
+        const double t = std::atan2(vecDot(d, cone.v), vecDot(d, cone.u));
+        at[k] = k == 0 ? 0.0 : (t < 0.0 ? t + core::kFullTurn : t);
+    }
+    double sil[2];
+    for (int s = 0; s < 2; ++s) {
+        sil[s] = std::fmod(theta1 + 2.0 * alpha * s, core::kFullTurn);
+        if (sil[s] < 0.0)
+            sil[s] += core::kFullTurn;
+    }
+    // Each ring vertex, by its angle: a pattern vertex (k >= 0) or a silhouette (-1 - s). A
+    // silhouette within the snap angle of a pattern vertex (about the circle) takes its place;
+    // any other goes in between.
+    struct Vertex {
+        double angle;
+        int k;
+        bool silhouette;
+    };
+    Vertex order[hd::kMaxCurveChords + 2];
+    int count = 0;
+    for (int k = 0; k < m; ++k)
+        order[count++] = {at[k], k, false};
+    for (int s = 0; seen && s < 2; ++s) {
+        int nearest = 0;
+        double gap = HUGE_VAL;
+        for (int k = 0; k < m; ++k) {
+            const double d = std::fabs(sil[s] - at[k]);
+            const double around = std::fmin(d, core::kFullTurn - d);
+            if (around < gap) {
+                gap = around;
+                nearest = k;
+            }
+        }
+        const double snap = kSilhouetteSnapShare * core::kFullTurn / m;
+        if (gap > snap)
+            order[count++] = {sil[s], -1 - s, true};
+        else if (!order[nearest].silhouette)
+            order[nearest] = {order[nearest].angle, -1 - s, true};
+        else
+            return true;  // both silhouettes by one vertex: the cone's own division
+    }
+    for (int i = 1; i < count; ++i)  // insertion sort: the pattern is in order already
+        for (int j = i; j > 0 && order[j].angle < order[j - 1].angle; --j)
+            std::swap(order[j], order[j - 1]);
+    if (!rings.allocate(count))
+        return false;
+    for (int j = 0; j < count; ++j) {
+        const Vertex& w = order[j];
+        const double t = w.k < 0 ? sil[-1 - w.k] : 0.0;
+        rings.a[j] = cone.ra == 0.0 ? cone.ca
+                     : w.k >= 0     ? ringA.pts[w.k]
+                                    : ringPoint(cone.ca, cone.ra, cone, t);
+        rings.b[j] = cone.rb == 0.0 ? cone.cb
+                     : w.k >= 0     ? ringB.pts[w.k]
+                                    : ringPoint(cone.cb, cone.rb, cone, t);
+        if (w.silhouette)
+            rings.silhouette[rings.silhouettes++] = j;
+    }
+    made = true;
+    return true;
+}
+
 // The rings of an oblique cone whose circles take perTurn chords. With a silhouette, ring
 // vertices sit on its two generators and the arcs between are divided in proportion; without
 // one, the circle is split at u and -u alike, or with atTurn at phi and phi + pi (see
 // silhouetteAngles). viewSplit (perTurn came from the disc's rule) takes the disc's own ring for
-// a right circular cylinder, whose split points are then the silhouette's, and for rings without
-// silhouette whose circles take the same count.
+// a right circular cylinder, whose split points are then the silhouette's, and for any other
+// cone whose circles take the same count, with its silhouette put in (viewSplitConeRings).
 bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, bool atTurn,
                    Rings& rings) {
     double theta1 = 0.0;
@@ -217,26 +306,29 @@ bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, bool at
     const bool rightCylinder =
         cone.ra == cone.rb && !cone.snapped && vecIsParallel(unitDir(cone.cb, cone.ca), cone.n);
     const bool seen = silhouetteAngles(cone, theta1, alpha);
-    // Rings of the disc's rule on both ends need circles of one chord count: equal radii, or
-    // an apex opposite.
-    const bool oneCount = cone.ra == cone.rb || cone.ra == 0.0 || cone.rb == 0.0;
-    if (viewSplit && oneCount && (rightCylinder || !seen)) {
+    if (viewSplit && rightCylinder) {
         ViewSplitRing ringA, ringB;
-        if ((cone.ra > 0.0 && !viewSplitRing(cone.ca, cone.ra, cone.n, ringA)) ||
-            (cone.rb > 0.0 && !viewSplitRing(cone.cb, cone.rb, cone.n, ringB)))
+        if (!viewSplitRing(cone.ca, cone.ra, cone.n, ringA) ||
+            !viewSplitRing(cone.cb, cone.rb, cone.n, ringB))
             return false;
-        const int m = cone.ra > 0.0 ? ringA.count : ringB.count;
+        const int m = ringA.count;
         if (!rings.allocate(m))
             return false;
         for (int k = 0; k < m; ++k) {
-            rings.a[k] = cone.ra > 0.0 ? ringA.pts[k] : cone.ca;
-            rings.b[k] = cone.rb > 0.0 ? ringB.pts[k] : cone.cb;
+            rings.a[k] = ringA.pts[k];
+            rings.b[k] = ringB.pts[k];
         }
-        if (rightCylinder) {
-            rings.silhouettes = 2;
-            rings.silhouette[1] = m / 2;
-        }
+        rings.silhouettes = 2;
+        rings.silhouette[1] = m / 2;
     } else {
+        bool made = false;
+        if (viewSplit && !viewSplitConeRings(cone, seen, theta1, alpha, rings, made))
+            return false;
+        if (made) {
+            rings.apexA = cone.ra == 0.0;
+            rings.apexB = cone.rb == 0.0;
+            return true;
+        }
         if (!seen && !atTurn)
             theta1 = 0.0;
         const int chords1 = arcChords(2.0 * alpha, perTurn);

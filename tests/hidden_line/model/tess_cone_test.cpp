@@ -2,6 +2,7 @@
 // axes, sizes and offsets are closed solids drawn by their rims and silhouettes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "hd_tessellators.h"
@@ -74,6 +75,60 @@ TEST(RuledSolids, RandomConesAreClosedAndDrawnByRimsAndSilhouettes) {
     const double ra = 1.9942292039328569, rb = 10.688276112530744;
     expectTrueSolid(ep_divide_ecn(a, b, ra, rb, vecScale(3, d)),
                     ruled(circleAt(a, ra, d), circleAt(b, rb, d)), "ecn nearly edge-on");
+}
+
+// A reducer between two pipes, concentric or eccentric, in any view: each pipe's rim at the
+// joint has its vertices where the reducer's rim has them, all but the two whose places the
+// reducer's silhouette generators may take, and the reducer adds no more than those two.
+TEST(RuledSolids, ReducerHasItsRimVerticesWherePipesHaveTheirs) {
+    vgtest::Lcg gen(23);
+    const auto dirs = randomUnitVectors(40, 29), sides = randomUnitVectors(40, 31);
+    for (std::size_t i = 0; i < dirs.size(); ++i) {
+        const P d = dirs[i], a{gen(-50, 50), gen(-50, 50), gen(-50, 50)};
+        const double ra = logUniform(gen, 30, 3000), rb = logUniform(gen, 30, 3000);
+        const double len = logUniform(gen, 0.2, 3) * std::max(ra, rb), pipe = 2 * len;
+        const P side = vecNormalize(add(sides[i], d, -vecDot(sides[i], d)));
+        for (const bool eccentric : {false, true}) {
+            const P b = add(add(a, d, len), side, eccentric ? std::fabs(ra - rb) : 0.0);
+            _s_hd_prof_* objs[3] = {
+                eccentric ? ep_divide_ecn(a, b, ra, rb, d) : ep_divide_con(a, b, ra, rb),
+                ep_divide_con(add(a, d, -pipe), a, ra, ra),
+                ep_divide_con(b, add(b, d, pipe), rb, rb)};
+            std::vector<P> pts[3];
+            for (int k = 0; k < 3; ++k) {
+                ASSERT_NE(objs[k], nullptr);
+                for (const auto& [p, q] : enginetest::segmentsOf(objs[k]->proline))
+                    pts[k].insert(pts[k].end(), {p, q});
+                freeHDProfObjectPointer(objs[k]);
+            }
+            for (int end = 0; end < 2; ++end) {
+                const P c = end == 0 ? a : b;
+                const double r = end == 0 ? ra : rb;
+                const auto rim = [&](int k) {
+                    std::vector<P> out;
+                    for (const P& p : pts[k])
+                        if (std::fabs(vecDot(vecSub(p, c), d)) <= 1e-9 * r &&
+                            std::find_if(out.begin(), out.end(), [&](P q) {
+                                return norm(vecSub(p, q)) == 0.0;
+                            }) == out.end())
+                            out.push_back(p);
+                    return out;
+                };
+                const std::vector<P> mine = rim(1 + end), reducer = rim(0);
+                int shared = 0;
+                for (const P& p : mine) {
+                    double nearest = HUGE_VAL;
+                    for (const P& q : reducer)
+                        nearest = std::min(nearest, norm(vecSub(p, q)));
+                    shared += nearest <= 1e-9 * r;
+                }
+                const std::string what = "view " + std::to_string(i) + " end " +
+                                         std::to_string(end) + (eccentric ? " ecn" : " con");
+                EXPECT_GE(shared + 2, static_cast<int>(mine.size())) << what;
+                EXPECT_LE(reducer.size(), mine.size() + 2) << what;
+            }
+        }
+    }
 }
 
 // Non-finite points and sizes, radii below the smallest, a zero axis, an eccentric cone's
