@@ -277,12 +277,15 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
     EXPECT_LT(on, 180000);
     // A point worked out on the segment from its parameter, taken as on it without measuring,
     // is on it by measuring too: near the coordinate limit, on short and long segments.
-    int sure = 0;
-    for (int k = 0; k < 200000; ++k) {
+    // Case k's point: by the coordinate limit (even k) or the origin, within 0.2, 50 or 1e6.
+    auto around = [&r](int k) {
         const double far = k % 2 == 0 ? 9.9e8 : 0.0;
         const double size = k % 3 == 0 ? 0.2 : k % 3 == 1 ? 50.0 : 1e6;
-        const P a = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
-        const P b = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+        return P{far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+    };
+    int sure = 0;
+    for (int k = 0; k < 200000; ++k) {
+        const P a = around(k), b = around(k);
         const double t = r() < 0.5 ? r(0, 1) : r(0, 0.002);
         if (!surelyOnSegment(t, pointDist2(a, b), a, b))
             continue;
@@ -296,10 +299,7 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
     int settled = 0;
     MergeScratch scratch;
     for (int k = 0; k < 100000; ++k) {
-        const double far = k % 2 == 0 ? 9.9e8 : 0.0;
-        const double size = k % 3 == 0 ? 0.2 : k % 3 == 1 ? 50.0 : 1e6;
-        const P p = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
-        const P q = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+        const P p = around(k), q = around(k);
         auto at = [&]() {
             const double u = r();
             return u < 0.1 ? p : u < 0.2 ? q : linComb(1.0, p, r(-0.02, 1.02), vecSub(q, p));
