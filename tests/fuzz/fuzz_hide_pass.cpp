@@ -144,22 +144,6 @@ _s_hd_prof_* primitiveFrom(FuzzedDataProvider& in) {
     }
 }
 
-// The lines and faces of a scene.
-struct Counts {
-    double lines = 0, faces = 0;
-};
-
-Counts count(const std::vector<_s_hd_prof_*>& objs) {
-    Counts c;
-    for (const _s_hd_prof_* obj : objs) {
-        for (const _s_hd_proline_* l = obj != nullptr ? obj->proline : nullptr; l; l = l->next)
-            ++c.lines;
-        for (const _s_hd_prosect_* f = obj != nullptr ? obj->prosect : nullptr; f; f = f->next)
-            ++c.faces;
-    }
-    return c;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -179,7 +163,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 VG_FUZZ_CHECK(enginetest::boxHoldsPoints(objs.back()),
                               "the box holds every vertex and line end");
         }
-        if (in.ConsumeBool() && count(objs).faces <= kRegisteredFacesMost)
+        if (in.ConsumeBool() && enginetest::countsOf(objs).faces <= kRegisteredFacesMost)
             enginetest::registerAll(objs);
         return objs;
     };
@@ -189,7 +173,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // thousands of lines of face intersection on one object, would keep it busy past the run's
     // time limit. Such a scene is held to the engine's own promises only.
     constexpr double kReferencePairsMost = 2e6;
-    const Counts all = count(objs);
+    const enginetest::Counts all = enginetest::countsOf(objs);
     std::vector<_s_hd_prof_*> copies;
     if (all.lines * all.faces <= kReferencePairsMost)
         copies = build(false);

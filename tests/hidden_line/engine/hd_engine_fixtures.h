@@ -106,6 +106,24 @@ inline bool boxHoldsPoints(const geolib::_s_hd_prof_* obj, bool exact = false) {
     return true;
 }
 
+/// The lines and faces of the objects (null entries hold none), counted as doubles so that their
+/// product does not overflow.
+struct Counts {
+    double lines = 0, faces = 0;
+};
+inline Counts countsOf(const std::vector<geolib::_s_hd_prof_*>& objs) {
+    Counts c;
+    for (const geolib::_s_hd_prof_* obj : objs) {
+        for (const geolib::_s_hd_proline_* l = obj != nullptr ? obj->proline : nullptr; l;
+             l = l->next)
+            ++c.lines;
+        for (const geolib::_s_hd_prosect_* f = obj != nullptr ? obj->prosect : nullptr; f;
+             f = f->next)
+            ++c.faces;
+    }
+    return c;
+}
+
 /// Registers the objects for face intersection one by one, as a caller adding them in turn does.
 inline void registerAll(std::vector<geolib::_s_hd_prof_*>& objs) {
     std::vector<geolib::_s_hd_prof_*> registry(objs.size() + 1, nullptr);

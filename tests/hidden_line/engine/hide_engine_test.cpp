@@ -36,12 +36,20 @@ void expectSameLists(const _s_hd_proline_* engine, const _s_hd_proline_* referen
 
 // Two copies of a scene, one registered for face intersection in one call, the other object by
 // object: the same lines on every object; then the engine on the one and the reference on the
-// other: the same output and the same re-oriented lines.
+// other: the same output and the same re-oriented lines. Given a third copy (registered as the
+// first: the pass leaves each line near end first, which turns a level one round), the engine
+// counts the work it does, as the benchmark reads it: the same result as the plain call on the
+// third, every line counted once, and each count within the one before it (a line looks at its
+// own object at least, tests at most the faces it looks at, and hides a piece in at most the
+// tests it makes, lines stopped once hidden whole included).
 void expectEngineMatchesReference(std::vector<_s_hd_prof_*> forEngine,
-                                  std::vector<_s_hd_prof_*> forReference) {
+                                  std::vector<_s_hd_prof_*> forReference,
+                                  std::vector<_s_hd_prof_*> forPlain = {}) {
     const int n = static_cast<int>(forEngine.size());
     kestFaceIntersectAll(forEngine.data(), n);
+    kestFaceIntersectAll(forPlain.data(), static_cast<int>(forPlain.size()));
     enginetest::registerAll(forReference);
+    const double lines = enginetest::countsOf(forEngine).lines;
     for (int pass = 0; pass < 2; ++pass) {
         for (int i = 0; i < n; ++i) {
             if (forEngine[i] != nullptr)
@@ -49,9 +57,23 @@ void expectEngineMatchesReference(std::vector<_s_hd_prof_*> forEngine,
         }
         if (pass == 1)
             break;
-        _s_hd_proline_* engine = kestHideObject(forEngine.data(), n);
+        HidePassStats stats;
+        _s_hd_proline_* engine = forPlain.empty()
+                                     ? kestHideObject(forEngine.data(), n)
+                                     : kestHideObjectMeasured(forEngine.data(), n, &stats);
         _s_hd_proline_* reference = kestHideObjectReference(forReference.data(), n);
         expectSameLists(engine, reference);
+        if (!forPlain.empty()) {
+            _s_hd_proline_* plain = kestHideObject(forPlain.data(), n);
+            expectSameLists(engine, plain);
+            releaseProline(plain);
+            EXPECT_EQ(static_cast<double>(stats.lines), lines);
+            EXPECT_GE(stats.candidatesScanned, stats.lines);
+            EXPECT_GE(stats.facesScanned, stats.faceTests);
+            EXPECT_GE(stats.faceTests, stats.hidingTests);
+            EXPECT_GT(stats.hidingTests, 0);
+            EXPECT_GT(stats.workingBytes, 0u);
+        }
         // What the pass promises of its pieces, and every line left near end first.
         EXPECT_EQ(enginetest::piecesProblem(forEngine, engine), nullptr);
         for (const _s_hd_prof_* o : forEngine) {
@@ -63,6 +85,7 @@ void expectEngineMatchesReference(std::vector<_s_hd_prof_*> forEngine,
     }
     vgscene::releaseAll(forEngine);
     vgscene::releaseAll(forReference);
+    vgscene::releaseAll(forPlain);
 }
 
 // Curved solids where their outlines degenerate, cutting through each other: a pipe along the
@@ -173,8 +196,8 @@ std::vector<_s_hd_prof_*> nearEndScene() {
             enginetest::makeObject({}, lines)};
 }
 
-// Plants as big as the benchmark's (every primitive kind), the degenerate views and the awkward
-// scenes.
+// Plants as big as the benchmark's (every primitive kind) and the degenerate views, counting the
+// engine's work, and the awkward scenes.
 TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
     const std::vector<vgscene::Primitive> scenes[] = {
         vgscene::builtinPlant(), degenerateScene(), vgscene::generatePlant(150, 1),
@@ -182,45 +205,12 @@ TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
     for (const auto& s : scenes) {
         const auto objs = vgscene::tessellateAll(s);
         EXPECT_EQ(std::count(objs.begin(), objs.end(), nullptr), 0) << "a primitive gave none";
-        expectEngineMatchesReference(objs, vgscene::tessellateAll(s));
+        expectEngineMatchesReference(objs, vgscene::tessellateAll(s), vgscene::tessellateAll(s));
     }
     for (std::uint32_t seed : {1u, 2u, 3u})
         expectEngineMatchesReference(awkwardScene(seed), awkwardScene(seed));
     expectEngineMatchesReference(nearEndScene(), nearEndScene());
     kestFaceIntersectAll(nullptr, 3);  // nothing to do, nothing touched
-}
-
-// The counts the benchmark reads, taken on a plant: the same result as the plain call, every line
-// counted once, and each count within the one before it (a line looks at its own object at least,
-// tests at most the faces it looks at, and hides a piece in at most the tests it makes, lines
-// stopped once hidden whole included).
-TEST(KestHideObject, CountsTheWorkItDoes) {
-    // Two copies: the pass leaves each line near end first, which turns a level one round.
-    const std::vector<vgscene::Primitive> plant = vgscene::generatePlant(150, 1);
-    std::vector<_s_hd_prof_*> objs = vgscene::tessellateAll(plant);
-    std::vector<_s_hd_prof_*> copy = vgscene::tessellateAll(plant);
-    const int n = static_cast<int>(objs.size());
-    kestFaceIntersectAll(objs.data(), n);
-    kestFaceIntersectAll(copy.data(), n);
-    long long lines = 0;
-    for (const _s_hd_prof_* o : objs) {
-        for (const _s_hd_proline_* l = o->proline; l != nullptr; l = l->next)
-            ++lines;
-    }
-    HidePassStats stats;
-    _s_hd_proline_* measured = kestHideObjectMeasured(objs.data(), n, &stats);
-    _s_hd_proline_* plain = kestHideObject(copy.data(), n);
-    expectSameLists(measured, plain);
-    EXPECT_EQ(stats.lines, lines);
-    EXPECT_GE(stats.candidatesScanned, stats.lines);
-    EXPECT_GE(stats.facesScanned, stats.faceTests);
-    EXPECT_GE(stats.faceTests, stats.hidingTests);
-    EXPECT_GT(stats.hidingTests, 0);
-    EXPECT_GT(stats.workingBytes, 0u);
-    releaseProline(measured);
-    releaseProline(plain);
-    vgscene::releaseAll(objs);
-    vgscene::releaseAll(copy);
 }
 
 // Each allocation of face intersection, of the engine (its grid, cached faces, memo and merge
@@ -287,12 +277,15 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
     EXPECT_LT(on, 180000);
     // A point worked out on the segment from its parameter, taken as on it without measuring,
     // is on it by measuring too: near the coordinate limit, on short and long segments.
-    int sure = 0;
-    for (int k = 0; k < 200000; ++k) {
+    // Case k's point: by the coordinate limit (even k) or the origin, within 0.2, 50 or 1e6.
+    auto around = [&r](int k) {
         const double far = k % 2 == 0 ? 9.9e8 : 0.0;
         const double size = k % 3 == 0 ? 0.2 : k % 3 == 1 ? 50.0 : 1e6;
-        const P a = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
-        const P b = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+        return P{far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+    };
+    int sure = 0;
+    for (int k = 0; k < 200000; ++k) {
+        const P a = around(k), b = around(k);
         const double t = r() < 0.5 ? r(0, 1) : r(0, 0.002);
         if (!surelyOnSegment(t, pointDist2(a, b), a, b))
             continue;
@@ -306,10 +299,7 @@ TEST(IsPointOnSeg, AnswersAsMeasuringTheAngleEveryTime) {
     int settled = 0;
     MergeScratch scratch;
     for (int k = 0; k < 100000; ++k) {
-        const double far = k % 2 == 0 ? 9.9e8 : 0.0;
-        const double size = k % 3 == 0 ? 0.2 : k % 3 == 1 ? 50.0 : 1e6;
-        const P p = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
-        const P q = {far + r(-1, 1) * size, -far + r(-1, 1) * size, r(-1, 1) * size};
+        const P p = around(k), q = around(k);
         auto at = [&]() {
             const double u = r();
             return u < 0.1 ? p : u < 0.2 ? q : linComb(1.0, p, r(-0.02, 1.02), vecSub(q, p));

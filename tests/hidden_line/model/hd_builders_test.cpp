@@ -88,9 +88,7 @@ TEST(HDBuilders, ArcChordsRunFromStartThroughTheMiddleToTheEndExactly) {
         const P c{gen(-50, 50), gen(-50, 50), gen(-50, 50)};
         // Every sixth a half circle, e straight across from s: there m alone tells the side.
         const double sweep = half++ % 6 == 0 ? vgtest::kPi : gen(0.01, 6.2);
-        auto at = [&](double a) {
-            return hdtest::add(hdtest::add(c, u, r * std::cos(a0 + a)), v, r * std::sin(a0 + a));
-        };
+        auto at = [&](double a) { return hdtest::onCircle(c, u, v, r, a0 + a); };
         const P s = at(0), e = sweep == vgtest::kPi ? vecSub(vecScale(2, c), s) : at(sweep);
         _s_hd_proline_* arc = nullptr;
         ASSERT_TRUE(divideArc2Proline(c, s, at(sweep * gen(0.1, 0.9)), e, gen.below(21), arc));

@@ -84,11 +84,15 @@ Curve curve(F f, double from = 0.0, double to = kTwoPi) {
         c.push_back(f(from + (to - from) * i / 4096));
     return c;
 }
+/// The point at angle t from u towards v on the circle of radius r about c.
+inline P onCircle(P c, P u, P v, double r, double t) {
+    return add(c, add(vecScale(std::cos(t), u), v, std::sin(t)), r);
+}
 /// The circle of radius r about c square to n, as a function of the angle.
 inline std::function<P(double)> circleAt(P c, double r, P n) {
     P u, v;
     squareTo(vecNormalize(n), u, v);
-    return [=](double t) { return add(c, add(vecScale(std::cos(t), u), v, std::sin(t)), r); };
+    return [=](double t) { return onCircle(c, u, v, r, t); };
 }
 
 /// The contour generators in the view along Z of the surface f(u, v) over [u0, u1] x [v0, v1]:

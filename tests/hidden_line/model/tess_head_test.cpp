@@ -23,10 +23,9 @@ Solid headSolid(double r, double h, double f, P c, P a) {
     }
     P e1, e2;
     squareTo(a, e1, e2);
-    auto round = [=](double psi) { return add(vecScale(std::cos(psi), e1), e2, std::sin(psi)); };
-    auto flange = [=](double psi, double t) { return add(add(c, round(psi), r), a, t * f); };
+    auto flange = [=](double psi, double t) { return add(onCircle(c, e1, e2, r, psi), a, t * f); };
     auto dome = [=](double psi, double beta) {
-        return add(add(c, round(psi), r * std::sin(beta)), a, f + h * std::cos(beta));
+        return add(onCircle(c, e1, e2, r * std::sin(beta), psi), a, f + h * std::cos(beta));
     };
     Solid s;
     s.rims = {curve(circleAt(c, r, a))};

@@ -37,9 +37,7 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
         const P ref = std::fabs(k.x) < 0.5 ? P{1, 0, 0} : P{0, 1, 0};
         const P x = vecNormalize(add(ref, k, -vecDot(ref, k))), y = vecCross(k, x);
         auto at = [&](double r, double depth) {
-            return [=](double a) {
-                return add(add(c, k, depth), add(vecScale(std::cos(a), x), y, std::sin(a)), r);
-            };
+            return [=](double a) { return onCircle(add(c, k, depth), x, y, r, a); };
         };
         Solid s;
         for (double depth : {0.0, t}) {

@@ -138,10 +138,8 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
                     const P q = add(add(vecSub(st, c), X, p.x), Y, p.y);
                     const double rho = vecDot(q, e1), zeta = vecDot(q, k);
                     meridian.push_back({rho, zeta, 0});
-                    arcs.push_back([=](double phi) {
-                        return add(add(c, add(vecScale(std::cos(phi), e1), e2, std::sin(phi)), rho),
-                                   k, zeta);
-                    });
+                    arcs.push_back(
+                        [=](double phi) { return add(onCircle(c, e1, e2, rho, phi), k, zeta); });
                 }
                 Solid s;
                 for (double end : ring ? std::vector<double>{} : std::vector<double>{0.0, angle}) {
@@ -185,9 +183,7 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
         const P yy = height > 0 ? y : vecScale(-1, y);
         const P corner[4] = {add(add(o, x, -w / 2), yy, -h / 2), add(add(o, x, w / 2), yy, -h / 2),
                              add(add(o, x, w / 2), yy, h / 2), add(add(o, x, -w / 2), yy, h / 2)};
-        auto round = [=](double t) {
-            return add(c, add(vecScale(std::cos(t), x), yy, std::sin(t)), r);
-        };
+        auto round = [=](double t) { return onCircle(c, x, yy, r, t); };
         // The side as a ruled surface over eight pieces: the flat triangle over side q (its
         // rectangle end moving), then the fan of corner q + 1 (its circle end moving).
         auto piece = [=](double t, bool rect) {

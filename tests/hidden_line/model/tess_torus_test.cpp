@@ -42,8 +42,7 @@ double elbowSagitta(const Elbow& e) {
 
 Solid elbowSolid(const Elbow& e, bool drawing = true) {
     auto at = [e](double phi, double th) {
-        return add(e.centre(phi), add(vecScale(std::cos(th), e.radial(phi)), e.a, std::sin(th)),
-                   e.r);
+        return onCircle(e.centre(phi), e.radial(phi), e.a, e.r, th);
     };
     Solid s;
     for (double phi : e.full() ? std::vector<double>{} : std::vector<double>{0, e.angle})
