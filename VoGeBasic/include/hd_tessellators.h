@@ -88,14 +88,14 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_po
 //    split at s and 2c - s: a pipe's rims coincide with a disc of the same circle chord for
 //    chord, and its silhouette generators run through s and 2c - s;
 //  - for any other cone or eccentric cone (not a snout) whose two circles take the disc's count
-//    alike (radii from about 25 up, or an apex at one end), each ring is likewise the disc's
-//    ring of its circle, vertex 0 at s; where the side has a silhouette in the view along Z (two
-//    generators whose side normal is square to Z; the side is developable, so such a generator
-//    is one whole), its two generators go in between the ring's vertices, or in place of a
-//    vertex within a quarter of a chord's angle of one (a vertex so near would leave a sliver
-//    face standing nearly edge-on). A pipe joined to a reducer then has every rim vertex where
-//    the reducer has one but for the silhouettes' two at most, and the joint is drawn as one rim
-//    instead of two that cross;
+//    alike (8 chords below a radius of about 13.1, 10 up to about 20.4, 12 above; or an apex at
+//    one end), each ring is likewise the disc's ring of its circle, vertex 0 at s; where the
+//    side has a silhouette in the view along Z (two generators whose side normal is square to
+//    Z; the side is developable, so such a generator is one whole), its two generators go in
+//    between the ring's vertices, or in place of a vertex within a quarter of a chord's angle of
+//    one (a vertex so near would leave a sliver face standing nearly edge-on). A pipe joined to
+//    a reducer then has every rim vertex where the reducer has one but for the silhouettes' two
+//    at most, and the joint is drawn as one rim instead of two that cross;
 //  - otherwise, where the side has a silhouette (or both silhouettes would take one vertex),
 //    ring vertex 0 lies on the first of them and the arcs between the two are cut in proportion
 //    to their angle, each at least one chord;
