@@ -213,10 +213,11 @@ constexpr double kSilhouetteSnapShare = 0.25;
 // put in between (or in place of a vertex within kSilhouetteSnapShare of a chord of one). A
 // pipe of either radius joined to the cone, whose rim is the disc's split ring, then shares
 // every rim vertex with it but the silhouettes' two, and the joint is drawn as one rim instead
-// of two crossing. False in made when the counts differ or both silhouettes would take one
-// vertex; false if an allocation fails.
-bool viewSplitConeRings(const ObliqueCone& cone, bool seen, double theta1, double alpha,
-                        Rings& rings, bool& made) {
+// of two crossing. A right cylinder (atSplit) has its silhouette on the split points
+// themselves, the ring's vertices 0 and m / 2. False in made when the counts differ or both
+// silhouettes would take one vertex; false if an allocation fails.
+bool viewSplitConeRings(const ObliqueCone& cone, bool atSplit, bool seen, double theta1,
+                        double alpha, Rings& rings, bool& made) {
     made = false;
     ViewSplitRing ringA, ringB;
     if ((cone.ra > 0.0 && !viewSplitRing(cone.ca, cone.ra, cone.n, ringA)) ||
@@ -250,8 +251,8 @@ bool viewSplitConeRings(const ObliqueCone& cone, bool seen, double theta1, doubl
     Vertex order[hd::kMaxCurveChords + 2];
     int count = 0;
     for (int k = 0; k < m; ++k)
-        order[count++] = {at[k], k, false};
-    for (int s = 0; seen && s < 2; ++s) {
+        order[count++] = {at[k], k, atSplit && (k == 0 || k == m / 2)};
+    for (int s = 0; seen && !atSplit && s < 2; ++s) {
         int nearest = 0;
         double gap = HUGE_VAL;
         for (int k = 0; k < m; ++k) {
@@ -306,29 +307,10 @@ bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, bool at
     const bool rightCylinder =
         cone.ra == cone.rb && !cone.snapped && vecIsParallel(unitDir(cone.cb, cone.ca), cone.n);
     const bool seen = silhouetteAngles(cone, theta1, alpha);
-    if (viewSplit && rightCylinder) {
-        ViewSplitRing ringA, ringB;
-        if (!viewSplitRing(cone.ca, cone.ra, cone.n, ringA) ||
-            !viewSplitRing(cone.cb, cone.rb, cone.n, ringB))
-            return false;
-        const int m = ringA.count;
-        if (!rings.allocate(m))
-            return false;
-        for (int k = 0; k < m; ++k) {
-            rings.a[k] = ringA.pts[k];
-            rings.b[k] = ringB.pts[k];
-        }
-        rings.silhouettes = 2;
-        rings.silhouette[1] = m / 2;
-    } else {
-        bool made = false;
-        if (viewSplit && !viewSplitConeRings(cone, seen, theta1, alpha, rings, made))
-            return false;
-        if (made) {
-            rings.apexA = cone.ra == 0.0;
-            rings.apexB = cone.rb == 0.0;
-            return true;
-        }
+    bool made = false;
+    if (viewSplit && !viewSplitConeRings(cone, rightCylinder, seen, theta1, alpha, rings, made))
+        return false;
+    if (!made) {
         if (!seen && !atTurn)
             theta1 = 0.0;
         const int chords1 = arcChords(2.0 * alpha, perTurn);
