@@ -185,6 +185,15 @@ inline double logUniform(vgtest::Lcg& r, double lo, double hi) {
     return lo * std::pow(hi / lo, r());
 }
 
+/// How many of pts lie within tol of a point of others: where one solid's vertices meet another's.
+inline int sharedPoints(const std::vector<P>& pts, const std::vector<P>& others, double tol) {
+    int shared = 0;
+    for (const P& p : pts)
+        shared += std::any_of(others.begin(), others.end(),
+                              [&](P q) { return norm(vecSub(p, q)) <= tol; });
+    return shared;
+}
+
 /// An outline (z ignored for a section).
 using Outline = std::vector<P>;
 

@@ -2,7 +2,6 @@
 // axes, sizes and offsets are closed solids drawn by their rims and silhouettes.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 #include "hd_tessellators.h"
@@ -108,20 +107,12 @@ TEST(RuledSolids, ReducerHasItsRimVerticesWherePipesHaveTheirs) {
                     std::vector<P> out;
                     for (const P& p : pts[k])
                         if (std::fabs(vecDot(vecSub(p, c), d)) <= 1e-9 * r &&
-                            std::find_if(out.begin(), out.end(), [&](P q) {
-                                return norm(vecSub(p, q)) == 0.0;
-                            }) == out.end())
+                            sharedPoints({p}, out, 0.0) == 0)
                             out.push_back(p);
                     return out;
                 };
                 const std::vector<P> mine = rim(1 + end), reducer = rim(0);
-                int shared = 0;
-                for (const P& p : mine) {
-                    double nearest = HUGE_VAL;
-                    for (const P& q : reducer)
-                        nearest = std::min(nearest, norm(vecSub(p, q)));
-                    shared += nearest <= 1e-9 * r;
-                }
+                const int shared = sharedPoints(mine, reducer, 1e-9 * r);
                 const std::string what = "view " + std::to_string(i) + " end " +
                                          std::to_string(end) + (eccentric ? " ecn" : " con");
                 EXPECT_GE(shared + 2, static_cast<int>(mine.size())) << what;

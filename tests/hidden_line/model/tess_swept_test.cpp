@@ -231,17 +231,13 @@ TEST(SweptSolids, BendOnARingPlateHasItsVerticesWhereThePlateHas) {
         const auto plate = enginetest::pointsOf(objs[0]), bend = enginetest::pointsOf(objs[1]);
         for (_s_hd_prof_* o : objs)
             freeHDProfObjectPointer(o);
-        int shared = 0;
-        for (const P& p : bend) {
-            if (std::fabs(vecDot(vecSub(p, foot), k)) > 1e-9 * ro)
-                continue;  // the rail's top
-            double nearest = HUGE_VAL;
-            for (const P& q : plate)
-                nearest = std::min(nearest, norm(vecSub(p, q)));
-            EXPECT_LE(nearest, 1e-6 * ro) << "view " << i;
-            ++shared;
-        }
-        EXPECT_GT(shared, 16) << "view " << i;
+        std::vector<P> onFoot;  // the bend's points but the rail's top
+        for (const P& p : bend)
+            if (std::fabs(vecDot(vecSub(p, foot), k)) <= 1e-9 * ro)
+                onFoot.push_back(p);
+        EXPECT_EQ(sharedPoints(onFoot, plate, 1e-6 * ro), static_cast<int>(onFoot.size()))
+            << "view " << i;
+        EXPECT_GT(onFoot.size(), 16u) << "view " << i;
     }
 }
 
