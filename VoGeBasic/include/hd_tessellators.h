@@ -394,9 +394,14 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_pline(point* outline, double t);
 /// c in the parallel plane through c; c - o may lean off the normal (an offset transition). The
 /// side is made of a flat triangle over each side of the rectangle, its apex the circle point
 /// where the circle runs along that side, and a fan of triangles from each corner to the quarter
-/// of the circle between two such points. The circle takes getCircleDivideNum(r) chords (8 to
-/// 12) shared out by quarters, each quarter cut further at the silhouettes of its fan (where the
-/// side is square to the view) so that a circle vertex lies on each. With corners C0 = o -
+/// of the circle between two such points. The circle's vertices are those of a pipe's rim
+/// there (ep_divide_con with its axis along x x y): getCircleDivideNum(r) chords raised to even
+/// (8 to 12), split where the circle is extreme in the view, so that a round duct butting the
+/// transition shares its rim and the joint is drawn as one rim. The four quarter points and
+/// the silhouettes of the fans (where the side is square to the view) are put in, each in place
+/// of a vertex within a quarter chord of it, so that a circle vertex lies on each; only those a
+/// pipe's rim lacks leave a sliver, within a chord's sagitta, between its chord and the
+/// transition's two. With corners C0 = o -
 /// w/2 x - h/2 y, C1, C2, C3 counter-clockwise about x x y, turned towards c (y is reversed
 /// when c lies on its negative side), and circle vertices P0 = c - r y, P1, ... counter-clockwise:
 /// Faces: the side, round the circle from C0 - C1: (C0, C1, P0), the fan of C1 (C1, P(k+1), Pk)

@@ -108,6 +108,11 @@ bool viewSplitRing(_s_hd_point_ c, double r, _s_hd_point_ n, ViewSplitRing& ring
 /// false, leaving ring empty, when r is below 0.01 (or NaN), on non-finite input, or when s and e
 /// both coincide with c.
 bool splitRing(_s_hd_point_ c, double r, _s_hd_point_ n, _s_hd_point_ s, ViewSplitRing& ring);
+/// Of the m vertices of a ring at the angles at[] about its circle (radians, ascending, within
+/// one turn), the one a point at angle t must take the place of instead of going in beside it:
+/// the nearest about the circle when within hd::kRingSnapShare of a chord's angle (2 pi / m);
+/// otherwise -1.
+int ringVertexToSnap(const double* at, int m, double t);
 
 /// The faces a quadrilateral becomes: itself, or the triangles of a split.
 struct PlanarQuadFaces {

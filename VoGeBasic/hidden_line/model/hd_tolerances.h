@@ -77,6 +77,11 @@ constexpr double kMinAxisCutCosine = 1e-6;
 /// Two silhouette generators of a side closer than this angle about the axis are taken as one
 /// grazing generator, which outlines nothing: the faces between them would have no width.
 constexpr double kSilhouetteMergeAngle = 1e-6;
+/// A point put into a ring (a silhouette, a transition's quarter point) within this share of a
+/// chord's angle of a ring vertex takes that vertex's place: put in so near, it would leave a
+/// sliver face that stands nearly edge-on, too thin for the builder to keep and for the hide
+/// pass to order against its neighbour.
+constexpr double kRingSnapShare = 0.25;
 /// The snout's caller-given sagitta never asks for more chords to a circle than this: one a
 /// degree keeps the sagitta below 4e-5 of the radius, finer than any drawing shows.
 constexpr int kMaxSnoutChords = 360;

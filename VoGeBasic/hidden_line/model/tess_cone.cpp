@@ -203,14 +203,9 @@ int arcChords(double sweep, int perTurn) {
     return n < 1.0 ? 1 : static_cast<int>(std::fmin(n, perTurn));
 }
 
-// A silhouette within this share of a chord's angle of a ring vertex takes that vertex's place:
-// a vertex put in so near would leave a sliver face that stands nearly edge-on, too thin for the
-// builder to keep and for the hide pass to order against its neighbour.
-constexpr double kSilhouetteSnapShare = 0.25;
-
 // The rings of a cone on the disc's rule, when its end circles take one count: the vertices of
 // the disc's split ring at each end, and where the side is seen, its two silhouette generators
-// put in between (or in place of a vertex within kSilhouetteSnapShare of a chord of one). A
+// put in between (or in place of a vertex within hd::kRingSnapShare of a chord of one). A
 // pipe of either radius joined to the cone, whose rim is the disc's split ring, then shares
 // every rim vertex with it but the silhouettes' two, and the joint is drawn as one rim instead
 // of two crossing. A right cylinder (atSplit) has its silhouette on the split points
@@ -253,18 +248,8 @@ bool viewSplitConeRings(const ObliqueCone& cone, bool atSplit, bool seen, double
     for (int k = 0; k < m; ++k)
         order[count++] = {at[k], k, atSplit && (k == 0 || k == m / 2)};
     for (int s = 0; seen && !atSplit && s < 2; ++s) {
-        int nearest = 0;
-        double gap = HUGE_VAL;
-        for (int k = 0; k < m; ++k) {
-            const double d = std::fabs(sil[s] - at[k]);
-            const double around = std::fmin(d, core::kFullTurn - d);
-            if (around < gap) {
-                gap = around;
-                nearest = k;
-            }
-        }
-        const double snap = kSilhouetteSnapShare * core::kFullTurn / m;
-        if (gap > snap)
+        const int nearest = ringVertexToSnap(at, m, sil[s]);
+        if (nearest < 0)
             order[count++] = {sil[s], -1 - s, true};
         else if (!order[nearest].silhouette)
             order[nearest] = {order[nearest].angle, -1 - s, true};

@@ -109,4 +109,18 @@ _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_point_ normal) {
     return draft.finish();
 }
 
+int ringVertexToSnap(const double* at, int m, double t) {
+    int nearest = -1;
+    double gap = HUGE_VAL;
+    for (int k = 0; k < m; ++k) {
+        const double d = std::fabs(t - at[k]);
+        const double around = std::fmin(d, core::kFullTurn - d);
+        if (around < gap) {
+            gap = around;
+            nearest = k;
+        }
+    }
+    return gap > hd::kRingSnapShare * core::kFullTurn / m ? -1 : nearest;
+}
+
 }  // namespace geolib

@@ -79,35 +79,64 @@ _s_hd_prof_* ep_divide_squcir(_s_hd_point_ o, double w, double h, _s_hd_point_ x
                                     linComb(1.0, linComb(1.0, o, 0.5 * w, x), -0.5 * h, y),
                                     linComb(1.0, linComb(1.0, o, 0.5 * w, x), 0.5 * h, y),
                                     linComb(1.0, linComb(1.0, o, -0.5 * w, x), 0.5 * h, y)};
-    // Quarter q of the circle, from the apex of the flat triangle over side q (corner q to corner
-    // q + 1) to the next, is fanned to corner q + 1; its chords come from the disc's rule, shared
-    // in proportion between the arcs into which its silhouettes cut it.
-    const int perQuarter = (getCircleDivideNum(c, r) + 3) / 4;
-    // Each quarter takes at most perQuarter chords plus one for each of the three arcs its two
-    // silhouettes may make.
-    constexpr int kMaxRing = 4 * (hd::kMaxCurveChords / 4 + 3);
-    _s_hd_point_ ring[kMaxRing];
-    int start[5] = {0, 0, 0, 0, 0};
-    int m = 0;
+    // Quarter q of the circle runs from the apex of the flat triangle over side q (corner q to
+    // corner q + 1), at angle (q - 1) pi / 2 about c from x, to the next, and is fanned to corner
+    // q + 1. The circle's vertices are the disc's split ring, the rim of a pipe butting the round
+    // end, so that the joint is drawn as one rim, not as two crossing; the four quarter points
+    // and the fans' silhouettes are put in, each in place of a vertex within hd::kRingSnapShare
+    // of a chord of it that no other point took.
+    ViewSplitRing pattern;
+    if (!viewSplitRing(c, r, n, pattern))
+        return nullptr;
+    const int mp = pattern.count;
+    constexpr int kMaxRing = hd::kMaxCurveChords + 4 * 3;  // a quarter point, two silhouettes
+    struct Stop {
+        double t;  // angle about c from x, in [-pi / 2, 3 pi / 2)
+        int k;     // pattern vertex k, or a point put in: -1 - q for quarter q's start, -5
+    };
+    Stop stops[kMaxRing];
+    double at[hd::kMaxCurveChords];
+    for (int k = 0; k < mp; ++k) {
+        const _s_hd_point_ d = vecSub(pattern.pts[k], c);
+        double t = std::atan2(vecDot(d, y), vecDot(d, x));
+        if (t < -0.5 * core::kPi)
+            t += core::kFullTurn;
+        at[k] = t;
+        stops[k] = {t, k};
+    }
+    int m = mp;
+    bool taken[hd::kMaxCurveChords] = {};
+    const auto putIn = [&](double t, int k) {
+        const int v = ringVertexToSnap(at, mp, t);
+        if (v >= 0 && !taken[v]) {
+            taken[v] = true;
+            stops[v] = {t, k};
+        } else {
+            stops[m++] = {t, k};
+        }
+    };
+    for (int q = 0; q < 4; ++q)
+        putIn((q - 1) * 0.5 * core::kPi, -1 - q);
     for (int q = 0; q < 4; ++q) {
         const double from = (q - 1) * 0.5 * core::kPi;
-        const double to = from + 0.5 * core::kPi;
-        double cuts[4] = {from, 0.0, 0.0, 0.0};
-        const int sil = coneSilhouettes(corner[(q + 1) % 4], c, r, x, y, n, from, to, cuts + 1);
-        cuts[sil + 1] = to;
-        start[q] = m;
-        for (int a = 0; a <= sil; ++a) {
-            const double sweep = cuts[a + 1] - cuts[a];
-            const int chords =
-                std::max(1, static_cast<int>(std::ceil(perQuarter * sweep / (0.5 * core::kPi) -
-                                                       hd::kSilhouetteMergeAngle)));
-            for (int k = 0; k < chords; ++k) {
-                const double t = cuts[a] + sweep * k / chords;
-                ring[m++] = linComb(1.0, c, r, linComb(std::cos(t), x, std::sin(t), y));
-            }
-        }
+        double sil[2];
+        const int found =
+            coneSilhouettes(corner[(q + 1) % 4], c, r, x, y, n, from, from + 0.5 * core::kPi, sil);
+        for (int s = 0; s < found; ++s)
+            putIn(sil[s], -5);
     }
-    start[4] = m;
+    for (int i = 1; i < m; ++i)  // insertion sort: the pattern is nearly in order already
+        for (int j = i; j > 0 && stops[j].t < stops[j - 1].t; --j)
+            std::swap(stops[j], stops[j - 1]);
+    _s_hd_point_ ring[kMaxRing];
+    int start[5] = {0, 0, 0, 0, m};
+    for (int j = 0; j < m; ++j) {
+        const Stop& st = stops[j];
+        ring[j] = st.k >= 0 ? pattern.pts[st.k]
+                            : linComb(1.0, c, r, linComb(std::cos(st.t), x, std::sin(st.t), y));
+        if (st.k < 0 && st.k > -5)
+            start[-1 - st.k] = j;
+    }
     for (int k = 0; k < m; ++k)
         if (!isFinitePoint(ring[k]))
             return nullptr;

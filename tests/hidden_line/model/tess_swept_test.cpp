@@ -200,6 +200,21 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
         s.contours = contourGenerators([&](double t) { return piece(t, true); },
                                        [&](double t) { return piece(t, false); });
         expectTrueSolid(ep_divide_squcir(o, w, h, x, y, c, r), s, "squcir " + id);
+        // A pipe butting the round end has its rim's vertices where the transition has its own,
+        // but for those the quarter points and the two silhouettes took the place of.
+        _s_hd_prof_* joint[2] = {ep_divide_squcir(o, w, h, x, y, c, r),
+                                 ep_divide_con(c, add(c, k, height), r, r)};
+        std::vector<P> rims[2];
+        for (int j = 0; j < 2; ++j) {
+            ASSERT_NE(joint[j], nullptr);
+            for (const auto& [p, q] : enginetest::segmentsOf(joint[j]->proline))
+                if (std::fabs(vecDot(vecSub(p, c), k)) <= 1e-9 * w &&
+                    sharedPoints({p}, rims[j], 0.0) == 0)
+                    rims[j].push_back(p);
+            freeHDProfObjectPointer(joint[j]);
+        }
+        EXPECT_GE(sharedPoints(rims[1], rims[0], 1e-7 * r) + 6, static_cast<int>(rims[1].size()))
+            << "squcir " << id;
     }
 }
 
