@@ -96,6 +96,14 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_po
 //    one (a vertex so near would leave a sliver face standing nearly edge-on). A pipe joined to
 //    a reducer then has every rim vertex where the reducer has one but for the silhouettes' two
 //    at most, and the joint is drawn as one rim instead of two that cross;
+//  - for a cone or eccentric cone whose circles take different counts (a reducer across one of
+//    those radii), each rim is still the disc's ring of its circle with the silhouette generators
+//    put in as above, so both joints are drawn as one rim; the rims having different counts, the
+//    side is not made of trapezoids but zipped up from triangles, each a chord of one rim and the
+//    vertex of the other rim that comes next round the axis, from the first silhouette generator
+//    (or from vertex 0, without silhouette), so each silhouette generator is an edge. Where one
+//    of those triangles would lean past the view while the side does not, or both silhouettes
+//    would take one vertex of a rim, the cone is built on rings of one count as below;
 //  - otherwise, where the side has a silhouette (or both silhouettes would take one vertex),
 //    ring vertex 0 lies on the first of them and the arcs between the two are cut in proportion
 //    to their angle, each at least one chord;
@@ -104,23 +112,24 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_cir(_s_hd_point_ center, double r, _s_hd_po
 // An end of radius below 0.01 (only one may be) is an apex: its ring is the centre repeated, its
 // side faces are triangles and it has no end face and no rim.
 // Faces, wound counter-clockwise seen from outside: the side faces from generator k to k + 1 for
-// k = 0, 1, ... (a side face not planar within 1e-9 of the object's size is split into two
-// triangles), then the flat end face of the first end, then that of the second, each a strip
-// across its ring over the rim vertices: quadrilaterals (P_i, P_i+1, P_j-1, P_j) from i = 0,
-// j = count - 1 inwards, and a triangle where the two sides meet at an odd count. Lines: the first
-// rim's chords from vertex 0 round, the second rim's, then the silhouette generators (none, or two,
-// each from the first end to the second). A normal within 1e-9 of the view axis is taken as the
-// view axis (the rims then lie exactly in planes of constant Z, and an axis a hair off Z makes an
-// oblique side with silhouette generators seen end-on). Where the side is nearly edge-on, a wide
-// side face can lean past the view while the side does not; the chord count is then doubled, up to
-// four times, until every side face turns to the view as the side does at its middle generator, so
-// the faces' outline is the side's. A side without silhouette whose faces still lean past the view
-// then is seen within a hair of edge-on along one generator: its rings at that last count are split
-// there instead, vertex 0 and the count's half on that generator and the one opposite, where no
-// side face can lean past the view. Each returns a new object owned by the caller; release it with
-// freeHDProfObjectPointer. Each returns null on a non-finite argument, a negative radius, both
-// radii below 0.01, a null axis (ends closer than 1e-5), an axis within 1e-6 (cosine) of the end
-// planes, sizes so near the largest double that a vertex would overflow, or if an allocation fails.
+// k = 0, 1, ... (or the zipped triangles in turn round the axis; a side face not planar within 1e-9
+// of the object's size is split into two triangles), then the flat end face of the first end, then
+// that of the second, each a strip across its ring over the rim vertices: quadrilaterals (P_i,
+// P_i+1, P_j-1, P_j) from i = 0, j = count - 1 inwards, and a triangle where the two sides meet at
+// an odd count. Lines: the first rim's chords from vertex 0 round, the second rim's, then the
+// silhouette generators (none, or two, each from the first end to the second). A normal within 1e-9
+// of the view axis is taken as the view axis (the rims then lie exactly in planes of constant Z,
+// and an axis a hair off Z makes an oblique side with silhouette generators seen end-on). Where the
+// side is nearly edge-on, a wide side face can lean past the view while the side does not; the
+// chord count is then doubled, up to four times, until every side face turns to the view as the
+// side does at its middle generator, so the faces' outline is the side's. A side without silhouette
+// whose faces still lean past the view then is seen within a hair of edge-on along one generator:
+// its rings at that last count are split there instead, vertex 0 and the count's half on that
+// generator and the one opposite, where no side face can lean past the view. Each returns a new
+// object owned by the caller; release it with freeHDProfObjectPointer. Each returns null on a
+// non-finite argument, a negative radius, both radii below 0.01, a null axis (ends closer than
+// 1e-5), an axis within 1e-6 (cosine) of the end planes, sizes so near the largest double that a
+// vertex would overflow, or if an allocation fails.
 
 /// A truncated cone about the axis a -> b: the end circle of radius ra about a and of radius rb
 /// about b, both square to the axis (n = b - a). ra == rb is a cylinder (a straight pipe); one

@@ -321,13 +321,22 @@ bool makeConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, bool at
     return true;
 }
 
+// True unless the face of normal face turns the other way to the view than the side at the
+// generator through the radial direction radial. Edge-on faces agree with anything.
+bool faceLooksAsSide(const ObliqueCone& cone, _s_hd_point_ face, _s_hd_point_ radial) {
+    const _s_hd_point_ axis = vecSub(cone.cb, cone.ca);
+    const _s_hd_point_ side =
+        linComb(1.0, vecCross(vecCross(cone.n, radial), axis), cone.ra - cone.rb, cone.n);
+    const double lean = hd::kPlanarFaceTol * std::sqrt(vecDot(face, face));
+    return !((face.z > lean && side.z < 0.0) || (face.z < -lean && side.z > 0.0));
+}
+
 // True when no side face of the rings turns the other way to the view than the side it stands
 // for: the sign of its normal's Z is that of the side's normal at the face's middle generator.
 // A face leans from its generators by an angle that grows with (rb - ra)(1 - cos h) for a face
 // of half-angle h, so where the side is nearly edge-on a wide face can look away while the side
 // does not, which would fold the outline. Edge-on faces agree with anything.
 bool sideFacesTrue(const ObliqueCone& cone, const Rings& rings) {
-    const _s_hd_point_ axis = vecSub(cone.cb, cone.ca);
     const bool useA = cone.ra > 0.0;
     for (int k = 0; k < rings.count; ++k) {
         const int k1 = (k + 1) % rings.count;
@@ -335,11 +344,7 @@ bool sideFacesTrue(const ObliqueCone& cone, const Rings& rings) {
             vecCross(vecSub(rings.b[k1], rings.a[k]), vecSub(rings.b[k], rings.a[k1]));
         const _s_hd_point_ mid = useA ? lerpPoint(0.5, rings.a[k], rings.a[k1])
                                       : lerpPoint(0.5, rings.b[k], rings.b[k1]);
-        const _s_hd_point_ radial = unitDir(mid, useA ? cone.ca : cone.cb);
-        const _s_hd_point_ side =
-            linComb(1.0, vecCross(vecCross(cone.n, radial), axis), cone.ra - cone.rb, cone.n);
-        const double lean = hd::kPlanarFaceTol * std::sqrt(vecDot(face, face));
-        if ((face.z > lean && side.z < 0.0) || (face.z < -lean && side.z > 0.0))
+        if (!faceLooksAsSide(cone, face, unitDir(mid, useA ? cone.ca : cone.cb)))
             return false;
     }
     return true;
@@ -362,6 +367,121 @@ bool makeTrueConeRings(const ObliqueCone& cone, int perTurn, bool viewSplit, Rin
     }
 }
 
+// A rim of a cone whose end circles take different counts: the disc's split ring of its circle,
+// the silhouettes put in as viewSplitConeRings puts them in, each vertex with its angle from u.
+struct ZipRim {
+    _s_hd_point_ pts[hd::kMaxCurveChords + 2];
+    double at[hd::kMaxCurveChords + 2];
+    int count = 0;
+    int silhouette[2] = {0, 0};
+};
+
+// Fills rim from the split ring of the circle about c of radius r, with the sils silhouettes at
+// the angles sil put in. False when both would take the place of one vertex.
+bool makeZipRim(const ObliqueCone& cone, _s_hd_point_ c, double r, const ViewSplitRing& pattern,
+                const double* sil, int sils, ZipRim& rim) {
+    const int m = pattern.count;
+    double at[hd::kMaxCurveChords];
+    struct Stop {
+        double t;
+        int k;  // pattern vertex k, or silhouette -1 - k
+    } stops[hd::kMaxCurveChords + 2];
+    for (int k = 0; k < m; ++k) {
+        const _s_hd_point_ d = vecSub(pattern.pts[k], c);
+        const double t = std::atan2(vecDot(d, cone.v), vecDot(d, cone.u));
+        at[k] = k == 0 ? 0.0 : (t < 0.0 ? t + core::kFullTurn : t);
+        stops[k] = {at[k], k};
+    }
+    int count = m;
+    bool taken[hd::kMaxCurveChords] = {};
+    for (int s = 0; s < sils; ++s) {
+        const int near = ringVertexToSnap(at, m, sil[s]);
+        if (near >= 0 && taken[near])
+            return false;
+        if (near >= 0)
+            taken[near] = true;
+        stops[near >= 0 ? near : count++] = {sil[s], -1 - s};
+    }
+    for (int i = 1; i < count; ++i)  // insertion sort: the pattern is in order already
+        for (int j = i; j > 0 && stops[j].t < stops[j - 1].t; --j)
+            std::swap(stops[j], stops[j - 1]);
+    for (int j = 0; j < count; ++j) {
+        rim.at[j] = stops[j].t;
+        rim.pts[j] = stops[j].k >= 0 ? pattern.pts[stops[j].k] : ringPoint(c, r, cone, stops[j].t);
+        if (stops[j].k < 0)
+            rim.silhouette[-1 - stops[j].k] = j;
+    }
+    rim.count = count;
+    return true;
+}
+
+// A cone whose end circles take different counts of the disc's rule (a reducer across one of
+// its steps): each rim is the split ring of its circle with the silhouettes put in, as a pipe of
+// its radius has it bar those, so both joints are drawn as one rim. The side between the rims is
+// zipped up from triangles, each a chord of one rim and the vertex of the other that comes next
+// round the circle, starting from a silhouette generator (or from u) that both rims have, so
+// the silhouettes are edges and are drawn. Null in built (made false) when a triangle would turn
+// the other way to the view than the side, or a rim could not take its silhouettes; the caller
+// then builds the cone on rings of one count.
+bool buildZippedCone(const ObliqueCone& cone, const ViewSplitRing& ringA,
+                     const ViewSplitRing& ringB, double size, _s_hd_prof_*& built) {
+    built = nullptr;
+    double theta1 = 0.0, alpha = 0.0, sil[2] = {0.0, 0.0};
+    const int sils = silhouetteAngles(cone, theta1, alpha) ? 2 : 0;
+    for (int s = 0; s < sils; ++s) {
+        sil[s] = std::fmod(theta1 + 2.0 * alpha * s, core::kFullTurn);
+        if (sil[s] < 0.0)
+            sil[s] += core::kFullTurn;
+    }
+    ZipRim a, b;
+    if (!makeZipRim(cone, cone.ca, cone.ra, ringA, sil, sils, a) ||
+        !makeZipRim(cone, cone.cb, cone.rb, ringB, sil, sils, b))
+        return true;
+    for (const ZipRim* rim : {&a, &b})
+        for (int k = 0; k < rim->count; ++k)
+            if (!isFinitePoint(rim->pts[k]))
+                return true;
+    const int a0 = sils > 0 ? a.silhouette[0] : 0;
+    const int b0 = sils > 0 ? b.silhouette[0] : 0;
+    const double t0 = a.at[a0];
+    // The angle of step i round a rim from its start, the last one a whole turn.
+    const auto ahead = [t0](const ZipRim& rim, int start, int i) {
+        if (i == rim.count)
+            return core::kFullTurn;
+        const double t = rim.at[(start + i) % rim.count] - t0;
+        return t < 0.0 ? t + core::kFullTurn : t;
+    };
+    HDProfDraft draft;
+    draft.seedBox(a.pts[0]);
+    for (const ZipRim* rim : {&a, &b})
+        for (int k = 0; k < rim->count; ++k)
+            draft.extendBox(rim->pts[k]);
+    for (int i = 0, j = 0; i < a.count || j < b.count;) {
+        const _s_hd_point_ pa = a.pts[(a0 + i) % a.count];
+        const _s_hd_point_ pb = b.pts[(b0 + j) % b.count];
+        const bool alongA =
+            j == b.count || (i < a.count && ahead(a, a0, i + 1) <= ahead(b, b0, j + 1));
+        const _s_hd_point_ next =
+            alongA ? a.pts[(a0 + i + 1) % a.count] : b.pts[(b0 + j + 1) % b.count];
+        const _s_hd_point_ face = vecCross(vecSub(next, pa), vecSub(pb, pa));
+        const _s_hd_point_ radial = alongA ? unitDir(lerpPoint(0.5, pa, next), cone.ca)
+                                           : unitDir(lerpPoint(0.5, pb, next), cone.cb);
+        if (!faceLooksAsSide(cone, face, radial))
+            return true;
+        draft.addTri(pa, next, pb);
+        (alongA ? i : j) += 1;
+    }
+    addEndFace(draft, a.pts, a.count, true, size);
+    addEndFace(draft, b.pts, b.count, false, size);
+    for (const ZipRim* rim : {&a, &b})
+        for (int k = 0; k < rim->count; ++k)
+            draft.addLine(rim->pts[k], rim->pts[(k + 1) % rim->count]);
+    for (int s = 0; s < sils; ++s)
+        draft.addLine(a.pts[a.silhouette[s]], b.pts[b.silhouette[s]]);
+    built = draft.finish();
+    return built != nullptr;
+}
+
 // An oblique cone with the disc's chord rule on its larger radius.
 _s_hd_prof_* divideObliqueCone(ObliqueCone cone) {
     double size = 0.0;
@@ -371,6 +491,15 @@ _s_hd_prof_* divideObliqueCone(ObliqueCone cone) {
     int m = getCircleDivideNum(cone.ca, rmax);
     if (m % 2 != 0)
         ++m;
+    ViewSplitRing ringA, ringB;
+    if (cone.ra > 0.0 && cone.rb > 0.0 && viewSplitRing(cone.ca, cone.ra, cone.n, ringA) &&
+        viewSplitRing(cone.cb, cone.rb, cone.n, ringB) && ringA.count != ringB.count) {
+        _s_hd_prof_* built = nullptr;
+        if (!buildZippedCone(cone, ringA, ringB, size, built))
+            return nullptr;
+        if (built != nullptr)
+            return built;
+    }
     Rings rings;
     if (!makeTrueConeRings(cone, m, true, rings))
         return nullptr;

@@ -76,15 +76,16 @@ TEST(RuledSolids, RandomConesAreClosedAndDrawnByRimsAndSilhouettes) {
                     ruled(circleAt(a, ra, d), circleAt(b, rb, d)), "ecn nearly edge-on");
 }
 
-// A reducer between two pipes, concentric or eccentric, in any view: each pipe's rim at the
-// joint has its vertices where the reducer's rim has them, all but the two whose places the
-// reducer's silhouette generators may take, and the reducer adds no more than those two.
+// A reducer between two pipes, concentric or eccentric, its radii on one side of the disc
+// rule's steps or across them, in any view: each pipe's rim at the joint has its vertices where
+// the reducer's rim has them, all but the two whose places the reducer's silhouette generators
+// may take, and the reducer adds no more than those two.
 TEST(RuledSolids, ReducerHasItsRimVerticesWherePipesHaveTheirs) {
     vgtest::Lcg gen(23);
     const auto dirs = randomUnitVectors(40, 29), sides = randomUnitVectors(40, 31);
     for (std::size_t i = 0; i < dirs.size(); ++i) {
         const P d = dirs[i], a{gen(-50, 50), gen(-50, 50), gen(-50, 50)};
-        const double ra = logUniform(gen, 30, 3000), rb = logUniform(gen, 30, 3000);
+        const double ra = logUniform(gen, 8, 3000), rb = logUniform(gen, 8, 3000);
         const double len = logUniform(gen, 0.2, 3) * std::max(ra, rb), pipe = 2 * len;
         const P side = vecNormalize(add(sides[i], d, -vecDot(sides[i], d)));
         for (const bool eccentric : {false, true}) {
