@@ -140,9 +140,10 @@ TEST(RuledSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
                    ep_divide_scy(o, far, 1, o), ep_divide_scy(o, far, 0.005, z),
                    ep_divide_scy(o, o, 1, z)});
     const P a{1, 2, 3}, b{4, -2, 9}, n{0.2, 0.1, 1};
-    expectAllocFailuresGiveNull({[&] { return ep_divide_con(a, b, 3, 3); },  // the disc's rings
-                                 [&] { return ep_divide_con(a, b, 3, 1); },  // silhouette arcs
-                                 [&] { return ep_divide_con(a, b, 0, 1); },  // an apex
+    expectAllocFailuresGiveNull({[&] { return ep_divide_con(a, b, 3, 3); },    // the disc's rings
+                                 [&] { return ep_divide_con(a, b, 3, 1); },    // silhouette arcs
+                                 [&] { return ep_divide_con(a, b, 0, 1); },    // an apex
+                                 [&] { return ep_divide_con(a, b, 30, 16); },  // zipped
                                  [&] { return ep_divide_ecn(a, b, 2, 1, n); },
                                  [&] { return ep_divide_scn(2, 1, 3, 0.5, 0.2, a, x, y, z, 0.05); },
                                  [&] { return ep_divide_scy(a, b, 2, n); }});
