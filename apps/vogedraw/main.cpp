@@ -235,8 +235,9 @@ int main(int argc, char** argv) {
     }
 
     t = Clock::now();
-    const vogedraw::Drawing drawing = vogedraw::splitPieces(objs.list.data(), count, visible);
+    vogedraw::Drawing drawing = vogedraw::splitPieces(objs.list.data(), count, visible);
     geolib::releaseProline(visible);
+    vogedraw::dropRepeatedPieces(drawing);
     const bool written = vogedraw::writeAtomically(
         output,
         [&](std::FILE* f) {

@@ -108,6 +108,107 @@ Drawing splitPieces(_s_hd_prof_* const* objs, int n, const _s_hd_proline_* visib
     return d;
 }
 
+// Two pieces whose ends lie this share of the drawing's largest coordinate apart are one: a
+// millionth, a hundredth of a pixel across the sheet, where their ends were worked out along
+// lines of different solids.
+constexpr double kRepeatTol = 1e-6;
+
+std::size_t dropRepeatedPieces(Drawing& d) {
+    double size = 1;
+    for (const std::vector<Segment>* set : {&d.visible, &d.hidden})
+        for (const Segment& s : *set)
+            size = std::fmax(size, std::fmax(std::fmax(std::fabs(s.x0), std::fabs(s.y0)),
+                                             std::fmax(std::fabs(s.x1), std::fabs(s.y1))));
+    const double tol = kRepeatTol * size;
+    // The pieces in columns tol wide by their leftmost x, each column sorted on the lowest y: a
+    // repeat of a piece lies in its column or a neighbour, within tol of its lowest y.
+    struct Key {
+        double column, bottom;
+        bool hidden;
+        std::size_t index;
+        const Segment* s;
+    };
+    std::vector<Key> keys;
+    for (const std::vector<Segment>* set : {&d.visible, &d.hidden}) {
+        for (std::size_t i = 0; i < set->size(); ++i) {
+            const Segment& s = (*set)[i];
+            const double column = std::floor(std::fmin(s.x0, s.x1) / tol);
+            const double bottom = std::fmin(s.y0, s.y1);
+            if (std::isfinite(column) && std::isfinite(bottom))  // an order to sort on
+                keys.push_back({column, bottom, set == &d.hidden, i, &s});
+        }
+    }
+    const auto before = [](const Key& a, const Key& b) {
+        if (a.column != b.column)
+            return a.column < b.column;
+        if (a.bottom != b.bottom)
+            return a.bottom < b.bottom;
+        return a.hidden != b.hidden ? b.hidden : a.index < b.index;
+    };
+    std::sort(keys.begin(), keys.end(), before);
+    std::vector<std::size_t> starts;  // where each column starts among the keys, and the end
+    for (std::size_t k = 0; k < keys.size(); ++k)
+        if (k == 0 || keys[k].column != keys[k - 1].column)
+            starts.push_back(k);
+    starts.push_back(keys.size());
+    const auto near = [tol](double ax, double ay, double bx, double by) {
+        return std::fabs(ax - bx) <= tol && std::fabs(ay - by) <= tol;
+    };
+    const auto repeats = [&near](const Segment& o, const Segment& p) {
+        return (near(o.x0, o.y0, p.x0, p.y0) && near(o.x1, o.y1, p.x1, p.y1)) ||
+               (near(o.x0, o.y0, p.x1, p.y1) && near(o.x1, o.y1, p.x0, p.y0));
+    };
+    std::vector<char> dropVisible(d.visible.size(), 0), dropHidden(d.hidden.size(), 0);
+    const auto dropped = [&](const Key& k) {
+        return (k.hidden ? dropHidden : dropVisible)[k.index] != 0;
+    };
+    // Visible pieces first, each against the visible ones kept before it; then hidden pieces,
+    // each against every visible piece kept and the hidden ones kept before it.
+    std::size_t count = 0;
+    for (const bool hidden : {false, true}) {
+        for (std::size_t c = 0; c + 1 < starts.size(); ++c) {
+            for (std::size_t k = starts[c]; k < starts[c + 1]; ++k) {
+                if (keys[k].hidden != hidden)
+                    continue;
+                bool repeat = false;
+                for (std::size_t n = c == 0 ? 0 : c - 1; n <= c + 1 && n + 1 < starts.size(); ++n) {
+                    if (std::fabs(keys[starts[n]].column - keys[k].column) > 1.0)
+                        continue;
+                    Key low = keys[k];
+                    low.column = keys[starts[n]].column;
+                    low.bottom -= tol;
+                    low.hidden = false;
+                    low.index = 0;
+                    for (auto it = std::lower_bound(keys.begin() + starts[n],
+                                                    keys.begin() + starts[n + 1], low, before);
+                         !repeat && it != keys.begin() + starts[n + 1] &&
+                         it->bottom <= keys[k].bottom + tol;
+                         ++it) {
+                        const bool earlier = before(*it, keys[k]);
+                        repeat = !dropped(*it) &&
+                                 (it->hidden ? hidden && earlier : hidden || earlier) &&
+                                 &*it != &keys[k] && repeats(*it->s, *keys[k].s);
+                    }
+                }
+                if (repeat) {
+                    (hidden ? dropHidden : dropVisible)[keys[k].index] = 1;
+                    ++count;
+                }
+            }
+        }
+    }
+    auto compact = [](std::vector<Segment>& set, const std::vector<char>& drop) {
+        std::size_t out = 0;
+        for (std::size_t i = 0; i < set.size(); ++i)
+            if (!drop[i])
+                set[out++] = set[i];
+        set.resize(out);
+    };
+    compact(d.visible, dropVisible);
+    compact(d.hidden, dropHidden);
+    return count;
+}
+
 bool writeSvg(std::FILE* f, const Drawing& d, bool hidden) {
     const Extent e = extentOf(d);
     const double width = 1600.0;

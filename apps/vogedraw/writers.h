@@ -28,6 +28,12 @@ struct Drawing {
 /// pieces, and for each line the parts of it that no visible piece covers.
 Drawing splitPieces(geolib::_s_hd_prof_* const* objs, int n, const geolib::_s_hd_proline_* visible);
 
+/// Keeps one of the pieces that repeat each other, a visible one where there is one: the same
+/// two ends, either way round, within 1e-6 of the drawing's largest coordinate (two solids
+/// butting, a pipe and its elbow or reducer, each draw their shared rim). So the sheet draws
+/// every edge once. Pieces that only overlap stay. Returns how many went.
+std::size_t dropRepeatedPieces(Drawing& d);
+
 /// An SVG sheet 1600 pixels wide fitted to the drawing: visible pieces solid black, and with
 /// hidden set the hidden pieces dashed grey beneath them. False on a write error.
 bool writeSvg(std::FILE* f, const Drawing& d, bool hidden);

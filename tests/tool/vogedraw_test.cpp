@@ -52,6 +52,36 @@ TEST(Drawing, VisibleAndHiddenPiecesCoverEveryLine) {
         EXPECT_GT(d.visible.size(), 500u) << name;
         EXPECT_GT(d.hidden.size(), 100u) << name;
         EXPECT_NEAR(drawn, lines, 1e-6 * lines) << name;
+        // Drawn once: what goes repeats a piece kept (a visible one for a visible piece), and no
+        // two pieces kept repeat each other (their ends a millionth of the sample's extent apart
+        // or nearer).
+        vogedraw::Drawing once = d;
+        const std::size_t gone = vogedraw::dropRepeatedPieces(once);
+        EXPECT_GT(gone, 100u) << name;
+        EXPECT_EQ(once.visible.size() + once.hidden.size() + gone,
+                  d.visible.size() + d.hidden.size());
+        const auto same = [](const vogedraw::Segment& a, const vogedraw::Segment& b, double tol) {
+            return (std::fabs(a.x0 - b.x0) <= tol && std::fabs(a.y0 - b.y0) <= tol &&
+                    std::fabs(a.x1 - b.x1) <= tol && std::fabs(a.y1 - b.y1) <= tol) ||
+                   (std::fabs(a.x0 - b.x1) <= tol && std::fabs(a.y0 - b.y1) <= tol &&
+                    std::fabs(a.x1 - b.x0) <= tol && std::fabs(a.y1 - b.y0) <= tol);
+        };
+        const auto kept = [&](const vogedraw::Segment& s, bool visibleOnly, double tol) {
+            int found = 0;
+            for (const auto* set : {&once.visible, &once.hidden}) {
+                for (const vogedraw::Segment& k : *set)
+                    found += (set == &once.visible || !visibleOnly) && same(s, k, tol);
+            }
+            return found;
+        };
+        for (const auto* set : {&d.visible, &d.hidden}) {
+            for (const vogedraw::Segment& s : *set)
+                ASSERT_GE(kept(s, set == &d.visible, 0.02), 1) << name << ": a piece went";
+        }
+        for (const auto* set : {&once.visible, &once.hidden}) {
+            for (const vogedraw::Segment& s : *set)
+                ASSERT_EQ(kept(s, false, 1e-3), 1) << name << ": a piece drawn twice";
+        }
         geolib::releaseProline(visible);
         for (_s_hd_prof_*& o : objs)
             geolib::freeHDProfObjectPointer(o);
