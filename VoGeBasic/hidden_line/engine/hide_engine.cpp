@@ -154,12 +154,15 @@ struct CachedFace {
     /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
     /// bounded coordinates give no NaN.
     signed char edgeSide[kMaxFaceVertices];
-    /// Each edge's normal in the drawing plane at the edge's length: -(b.y - a.y), b.x - a.x
-    /// for the edge a -> b.
-    double edgeNormalX[kMaxFaceVertices], edgeNormalY[kMaxFaceVertices];
-    /// Each edge's normal's offset at the drawing plane's origin: the offset of (x, y) along
-    /// it, from the edge's start, is x edgeNormalX + y edgeNormalY - edgeOrigin.
-    double edgeOrigin[kMaxFaceVertices];
+    /// The edges of a side other than 0, apartEdges of them in the face's edge order, for
+    /// faceOutlineApartFromLine: each edge's normal in the drawing plane at the edge's length,
+    /// pointing away from the face (for the edge a -> b, -(b.y - a.y), b.x - a.x where the
+    /// face lies on its negative side, negated where it lies on its positive side), the
+    /// normal's offset at the drawing plane's origin (the offset of (x, y) along it, from the
+    /// edge's start, is x apartX + y apartY - apartOrigin) and the edge's flatLength.
+    double apartX[kMaxFaceVertices], apartY[kMaxFaceVertices];
+    double apartOrigin[kMaxFaceVertices], apartLength[kMaxFaceVertices];
+    int apartEdges;
     double outlineMargin;
     double size;        ///< faceSize(face)
     FaceSpread spread;  ///< the face's XY box as centre and half sizes
@@ -233,12 +236,19 @@ void prepareOutline(CachedFace& c) {
     for (int k = 0; k < f.count; ++k)
         c.flatLength[k] = flatRunOf(f.v[k], f.v[nextVertex(k, f.count)]).len;
     c.outlineMargin = outlineOf(f, c.size, c.flatLength, c.edgeSide);
+    c.apartEdges = 0;
     for (int k = 0; k < f.count; ++k) {
+        if (c.edgeSide[k] == 0)
+            continue;
         const _s_hd_point_ a = f.v[k];
         const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
-        c.edgeNormalX[k] = -(b.y - a.y);
-        c.edgeNormalY[k] = b.x - a.x;
-        c.edgeOrigin[k] = a.x * c.edgeNormalX[k] + a.y * c.edgeNormalY[k];
+        const double nx = -(b.y - a.y);
+        const double ny = b.x - a.x;
+        const int j = c.apartEdges++;
+        c.apartX[j] = c.edgeSide[k] > 0 ? -nx : nx;
+        c.apartY[j] = c.edgeSide[k] > 0 ? -ny : ny;
+        c.apartOrigin[j] = a.x * c.apartX[j] + a.y * c.apartY[j];
+        c.apartLength[j] = c.flatLength[k];
     }
     c.ready = kOutline;
 }
@@ -322,30 +332,35 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
     // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
     // that is not ends the look. The offsets are taken from the drawing plane's origin (nOrigin,
-    // edgeOrigin), which at coordinates within kCullCoordLimit moves them by rounding below 1e-6
+    // apartOrigin), which at coordinates within kCullCoordLimit moves them by rounding below 1e-6
     // times the normal's length: the margin (times that length) has far more room to spare.
     auto offset = [&](int k) { return f.v[k].x * l.nx + f.v[k].y * l.ny - l.nOrigin; };
     const double o0 = offset(0);
     if (o0 > m || o0 < -m) {
         int k = 1;
-        while (k < f.count && (o0 > m ? offset(k) > m : offset(k) < -m))
-            ++k;
+        if (o0 > m) {
+            while (k < f.count && offset(k) > m)
+                ++k;
+        } else {
+            while (k < f.count && offset(k) < -m)
+                ++k;
+        }
         if (k == f.count)
             return true;
     }
-    for (int k = 0; k < f.count; ++k) {
-        // Only an edge the face lies wholly inside of separates (worked out once a face).
-        const signed char side = c.edgeSide[k];
-        if (side == 0)
-            continue;
-        // The edge's normal left at the edge's length, and the margin with it, spare two
-        // divisions a face.
-        const double ex = c.edgeNormalX[k];
-        const double ey = c.edgeNormalY[k];
-        const double mLen = m * c.flatLength[k];
-        const double op = l.px * ex + l.py * ey - c.edgeOrigin[k];
-        const double oq = l.qx * ex + l.qy * ey - c.edgeOrigin[k];
-        if (side > 0 ? op < -mLen && oq < -mLen : op > mLen && oq > mLen)
+    // Only an edge the face lies wholly inside of separates (worked out once a face), when both
+    // ends of the segment lie beyond the margin on its far side from the face. Its normal points
+    // away from the face: turned there by negating the normal and so its origin's offset, which
+    // negates each product and sum to the bit, the offsets along it are those along the normal
+    // turned the other way negated, to the bit, and the comparisons with the margin the same.
+    // The normal is left at the edge's length, and the margin with it, which spares two
+    // divisions a face.
+    for (int j = 0; j < c.apartEdges; ++j) {
+        const double ex = c.apartX[j];
+        const double ey = c.apartY[j];
+        const double mLen = m * c.apartLength[j];
+        if (l.px * ex + l.py * ey - c.apartOrigin[j] > mLen &&
+            l.qx * ex + l.qy * ey - c.apartOrigin[j] > mLen)
             return true;
     }
     return false;
