@@ -330,24 +330,12 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
         return false;
     const HDFace& f = c.face;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
-    // that is not ends the look. The offsets are taken from the drawing plane's origin (nOrigin,
-    // apartOrigin), which at coordinates within kCullCoordLimit moves them by rounding below 1e-6
-    // times the normal's length: the margin (times that length) has far more room to spare.
-    auto offset = [&](int k) { return f.v[k].x * l.nx + f.v[k].y * l.ny - l.nOrigin; };
-    const double o0 = offset(0);
-    if (o0 > m || o0 < -m) {
-        int k = 1;
-        if (o0 > m) {
-            while (k < f.count && offset(k) > m)
-                ++k;
-        } else {
-            while (k < f.count && offset(k) < -m)
-                ++k;
-        }
-        if (k == f.count)
-            return true;
-    }
+    // The offsets are taken from the drawing plane's origin (apartOrigin, nOrigin), which at
+    // coordinates within kCullCoordLimit moves them by rounding below 1e-6 times the normal's
+    // length: the margin (times that length) has far more room to spare. The edges are asked
+    // before the line's normal, as on a plant they settle more for what they cost; the answer,
+    // true where either separates, is the same in either order.
+    //
     // Only an edge the face lies wholly inside of separates (worked out once a face), when both
     // ends of the segment lie beyond the margin on its far side from the face. Its normal points
     // away from the face: turned there by negating the normal and so its origin's offset, which
@@ -361,6 +349,22 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
         const double mLen = m * c.apartLength[j];
         if (l.px * ex + l.py * ey - c.apartOrigin[j] > mLen &&
             l.qx * ex + l.qy * ey - c.apartOrigin[j] > mLen)
+            return true;
+    }
+    // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
+    // that is not ends the look.
+    auto offset = [&](int k) { return f.v[k].x * l.nx + f.v[k].y * l.ny - l.nOrigin; };
+    const double o0 = offset(0);
+    if (o0 > m || o0 < -m) {
+        int k = 1;
+        if (o0 > m) {
+            while (k < f.count && offset(k) > m)
+                ++k;
+        } else {
+            while (k < f.count && offset(k) < -m)
+                ++k;
+        }
+        if (k == f.count)
             return true;
     }
     return false;
