@@ -635,8 +635,8 @@ private:
 class NearFaces {
 public:
     struct Entry {
-        LineRange extents;  ///< the face's XY extents, read first by every line
-        double zBack;       ///< the face's CachedFace::zBack, read next
+        LineRange extents;  ///< the face's XY extents, read by every line after zBack
+        double zBack;       ///< the face's CachedFace::zBack, read first
         CachedFace* face;
         FacePrep* prep;  ///< the face's face tests' data, kept beside it in the window
     };
@@ -700,12 +700,13 @@ private:
 
 // The first entry from e on whose face's XY extents meet the line's range (faceMeetsLineRange)
 // and which faceBehindLine does not pass over (zLimit the line's), or end. The comparisons are
-// those tests' own, read from the entry alone.
+// those tests' own, read from the entry alone; the depth is asked first, as on a plant it passes
+// over the most faces, and the order changes no answer.
 NearFaces::Entry* nextNearLine(NearFaces::Entry* e, NearFaces::Entry* end, const LineRange& r,
                                double zLimit) {
     for (; e != end; ++e) {
-        if (e->extents.xmax >= r.xmin && e->extents.ymax >= r.ymin && e->extents.xmin <= r.xmax &&
-            e->extents.ymin <= r.ymax && !faceBehindLine(e->zBack, zLimit))
+        if (!faceBehindLine(e->zBack, zLimit) && e->extents.xmax >= r.xmin &&
+            e->extents.ymax >= r.ymin && e->extents.xmin <= r.xmax && e->extents.ymin <= r.ymax)
             return e;
     }
     return end;
@@ -801,10 +802,10 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                 if (stats != nullptr)
                     stats->facesScanned += end - e;
                 for (;; ++e) {
-                    // First what the reference asks first (appendHiddenPiece): a face whose XY
-                    // extents miss the line's range gives no piece. The extents are the face's own,
-                    // to the bit, so past this test the face test is called directly. Then the
-                    // cheapest cull, from the entry alone.
+                    // From the entry alone, what the reference asks first (appendHiddenPiece): a
+                    // face whose XY extents miss the line's range gives no piece. The extents are
+                    // the face's own, to the bit, so past this test the face test is called
+                    // directly. With it the cheapest cull.
                     e = nextNearLine(e, end, prepared.range, prune.zLimit);
                     if (e == end)
                         break;
