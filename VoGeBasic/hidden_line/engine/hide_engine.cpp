@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "hd_engine.h"
 #include "hidden_line/engine/box_index.h"
@@ -136,8 +137,9 @@ struct FaceSpread {
 // bounded (NaN included). The face is prepared in stages, each the first time a line asks for it
 // (ready): read, what the depth culls ask (prepareFace); then its outline, for the outline cull
 // (prepareOutline); then the face tests' data (prepareTests), kept beside it in the window. Each
-// stage depends on the face alone, so it gives the same data to the bit whenever it is made, and
-// nothing reads a stage's data before it is made: preparing later changes no result, and spares
+// stage depends on the face alone, so it gives the same data to the bit whenever it is made (the
+// outline cull reorders its edges later, which changes no answer), and nothing reads a stage's
+// data before it is made: preparing later changes no result, and spares
 // the faces that no line comes near enough to ask. The face tests' data (its edges' reach, length
 // and run) is kept for the objects whose lines come near (NearFaces): kept for every face of a
 // plant, it would take more room than the plant itself.
@@ -154,8 +156,8 @@ struct CachedFace {
     /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
     /// bounded coordinates give no NaN.
     signed char edgeSide[kMaxFaceVertices];
-    /// The edges of a side other than 0, apartEdges of them in the face's edge order, for
-    /// faceOutlineApartFromLine: each edge's normal in the drawing plane at the edge's length,
+    /// The edges of a side other than 0, apartEdges of them, for faceOutlineApartFromLine (which
+    /// reorders them): each edge's normal in the drawing plane at the edge's length,
     /// pointing away from the face (for the edge a -> b, -(b.y - a.y), b.x - a.x where the
     /// face lies on its negative side, negated where it lies on its positive side), the
     /// normal's offset at the drawing plane's origin (the offset of (x, y) along it, from the
@@ -325,7 +327,7 @@ bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
 // no point nearer to the outline; a quadrilateral's fourth vertex within kCullFlatRel of the
 // plane moves its angle sum, at the margin's distance, by far less than its tolerance. The
 // margin is faceTooFarFromLine's, which covers all of that.
-bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
+bool faceOutlineApartFromLine(CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable || !c.flat)
         return false;
     const HDFace& f = c.face;
@@ -343,13 +345,24 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
     // turned the other way negated, to the bit, and the comparisons with the margin the same.
     // The normal is left at the edge's length, and the margin with it, which spares two
     // divisions a face.
+    //
+    // An edge that separates is moved to the front, where it is asked first of the next line:
+    // the lines of one object, which come in turn, mostly lie beyond the same edge of a face.
+    // Which edge answers true changes nothing.
     for (int j = 0; j < c.apartEdges; ++j) {
         const double ex = c.apartX[j];
         const double ey = c.apartY[j];
         const double mLen = m * c.apartLength[j];
         if (l.px * ex + l.py * ey - c.apartOrigin[j] > mLen &&
-            l.qx * ex + l.qy * ey - c.apartOrigin[j] > mLen)
+            l.qx * ex + l.qy * ey - c.apartOrigin[j] > mLen) {
+            if (j != 0) {
+                std::swap(c.apartX[0], c.apartX[j]);
+                std::swap(c.apartY[0], c.apartY[j]);
+                std::swap(c.apartOrigin[0], c.apartOrigin[j]);
+                std::swap(c.apartLength[0], c.apartLength[j]);
+            }
             return true;
+        }
     }
     // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
     // that is not ends the look.
@@ -374,7 +387,7 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
 // outline (faceOutlineApartFromLine), whose first step, every vertex beyond the margin on one
 // side of the line, passes over every face the spread of its XY box would (the vertices lie in
 // the box), and for any other face by that spread (faceTooFarFromLine).
-bool faceApartFromLine(const CachedFace& c, const LinePrune& l) {
+bool faceApartFromLine(CachedFace& c, const LinePrune& l) {
     return c.flat ? faceOutlineApartFromLine(c, l) : faceTooFarFromLine(c, l);
 }
 
