@@ -415,8 +415,9 @@ bool lineInFrontOfFace(const CachedFace& c, const LinePrune& l) {
         return c.plane0 + c.gx * x + c.gy * y - z;
     };
     // False for a face that is not prunable or flat (NaN plane0), and for one seen edge-on or
-    // without a plane: its NaN slope fails the comparisons.
-    return behindBy(l.px, l.py, l.pz) > m && behindBy(l.qx, l.qy, l.qz) > m;
+    // without a plane: its NaN slope fails the comparisons. The far end is asked first: it is
+    // the one more often not behind.
+    return behindBy(l.qx, l.qy, l.qz) > m && behindBy(l.px, l.py, l.pz) > m;
 }
 
 // True when the face lies wholly behind the line: it provably hides no piece of it. A face
