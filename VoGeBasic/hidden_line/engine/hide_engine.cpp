@@ -655,6 +655,14 @@ public:
         FacePrep* prep;  ///< the face's face tests' data, kept beside it in the window
     };
 
+    /// A candidate's gathered faces, and the first four numbers of its object's box (for
+    /// boxOverlapsLineRange), kept here so that a line reads them packed.
+    struct Group {
+        Entry* begin;
+        Entry* end;
+        double box[4];
+    };
+
     NearFaces() = default;
     ~NearFaces() {
         std::free(entries_);
@@ -665,7 +673,8 @@ public:
 
     /// Room for a table of up to n candidates.
     bool init(int n) {
-        groups_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
+        groups_ = static_cast<Group*>(std::malloc(static_cast<size_t>(n) * sizeof(Group)));
+        groupCapacity_ = groups_ != nullptr ? static_cast<size_t>(n) : 0;
         return groups_ != nullptr;
     }
 
@@ -683,9 +692,11 @@ public:
         const size_t most = window.recordsOf(table, count);
         if ((most > capacity_ && !renewRoom(entries_, capacity_, most)) || !window.beginUse(most))
             return false;
-        size_t at = 0;
+        Entry* at = entries_;
         for (int c = 0; c < count; ++c) {
-            groups_[c] = at;
+            const double* box = objs[table[c].index]->box;
+            Group& g = groups_[c];
+            g = {at, at, {box[0], box[1], box[2], box[3]}};
             FaceWindow::Span faces;
             if (!window.faces(objs, table[c].index, user, faces))
                 return false;
@@ -693,23 +704,23 @@ public:
                 const LineRange e = {f->face.xmin, f->face.xmax, f->face.ymin, f->face.ymax};
                 if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
                     e.ymin <= all.ymax)
-                    entries_[at++] = {e, f->zBack, f, faces.prep + (f - faces.begin)};
+                    *at++ = {e, f->zBack, f, faces.prep + (f - faces.begin)};
             }
+            g.end = at;
         }
-        groups_[count] = at;
         return true;
     }
 
-    Entry* begin(int c) { return entries_ + groups_[c]; }
-    Entry* end(int c) { return entries_ + groups_[c + 1]; }
+    const Group& group(int c) const { return groups_[c]; }
 
     /// The room the lists take at their largest.
-    size_t bytes() const { return capacity_ * sizeof(Entry); }
+    size_t bytes() const { return capacity_ * sizeof(Entry) + groupCapacity_ * sizeof(Group); }
 
 private:
     Entry* entries_ = nullptr;
     size_t capacity_ = 0;
-    size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
+    Group* groups_ = nullptr;  ///< candidate c's is groups_[c]
+    size_t groupCapacity_ = 0;
 };
 
 // The first entry from e on whose face's XY extents meet the line's range (faceMeetsLineRange)
@@ -791,8 +802,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             gathered = nearFaces.gather(window, objs, i, table, count, objs[i]->proline);
             return count;
         },
-        [&](_s_hd_proline_* line, const HideCandidate* table, int candidates,
-            _s_hd_proline_*& visible) {
+        [&](_s_hd_proline_* line, const HideCandidate*, int candidates, _s_hd_proline_*& visible) {
             if (!gathered)
                 return false;
             if (stats != nullptr)
@@ -806,13 +816,13 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             // The line stops once the merge provably leaves it hidden whole (hiddenWhole).
             bool whole = false;
             for (int c = 0; c < candidates && !whole; ++c) {
-                const int j = table[c].index;
+                const NearFaces::Group& g = nearFaces.group(c);
                 if (stats != nullptr)
                     ++stats->candidatesScanned;
-                if (!boxOverlapsLineRange(objs[j]->box, prepared.range))
+                if (!boxOverlapsLineRange(g.box, prepared.range))
                     continue;
-                NearFaces::Entry* const end = nearFaces.end(c);
-                NearFaces::Entry* e = nearFaces.begin(c);
+                NearFaces::Entry* const end = g.end;
+                NearFaces::Entry* e = g.begin;
                 if (stats != nullptr)
                     stats->facesScanned += end - e;
                 for (;; ++e) {
