@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "hd_engine.h"
 #include "hidden_line/engine/box_index.h"
@@ -136,8 +137,9 @@ struct FaceSpread {
 // bounded (NaN included). The face is prepared in stages, each the first time a line asks for it
 // (ready): read, what the depth culls ask (prepareFace); then its outline, for the outline cull
 // (prepareOutline); then the face tests' data (prepareTests), kept beside it in the window. Each
-// stage depends on the face alone, so it gives the same data to the bit whenever it is made, and
-// nothing reads a stage's data before it is made: preparing later changes no result, and spares
+// stage depends on the face alone, so it gives the same data to the bit whenever it is made (the
+// outline cull reorders its edges later, which changes no answer), and nothing reads a stage's
+// data before it is made: preparing later changes no result, and spares
 // the faces that no line comes near enough to ask. The face tests' data (its edges' reach, length
 // and run) is kept for the objects whose lines come near (NearFaces): kept for every face of a
 // plant, it would take more room than the plant itself.
@@ -154,12 +156,15 @@ struct CachedFace {
     /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
     /// bounded coordinates give no NaN.
     signed char edgeSide[kMaxFaceVertices];
-    /// Each edge's normal in the drawing plane at the edge's length: -(b.y - a.y), b.x - a.x
-    /// for the edge a -> b.
-    double edgeNormalX[kMaxFaceVertices], edgeNormalY[kMaxFaceVertices];
-    /// Each edge's normal's offset at the drawing plane's origin: the offset of (x, y) along
-    /// it, from the edge's start, is x edgeNormalX + y edgeNormalY - edgeOrigin.
-    double edgeOrigin[kMaxFaceVertices];
+    /// The edges of a side other than 0, apartEdges of them, for faceOutlineApartFromLine (which
+    /// reorders them): each edge's normal in the drawing plane at the edge's length,
+    /// pointing away from the face (for the edge a -> b, -(b.y - a.y), b.x - a.x where the
+    /// face lies on its negative side, negated where it lies on its positive side), the
+    /// normal's offset at the drawing plane's origin (the offset of (x, y) along it, from the
+    /// edge's start, is x apartX + y apartY - apartOrigin) and the edge's flatLength.
+    double apartX[kMaxFaceVertices], apartY[kMaxFaceVertices];
+    double apartOrigin[kMaxFaceVertices], apartLength[kMaxFaceVertices];
+    int apartEdges;
     double outlineMargin;
     double size;        ///< faceSize(face)
     FaceSpread spread;  ///< the face's XY box as centre and half sizes
@@ -233,12 +238,19 @@ void prepareOutline(CachedFace& c) {
     for (int k = 0; k < f.count; ++k)
         c.flatLength[k] = flatRunOf(f.v[k], f.v[nextVertex(k, f.count)]).len;
     c.outlineMargin = outlineOf(f, c.size, c.flatLength, c.edgeSide);
+    c.apartEdges = 0;
     for (int k = 0; k < f.count; ++k) {
+        if (c.edgeSide[k] == 0)
+            continue;
         const _s_hd_point_ a = f.v[k];
         const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
-        c.edgeNormalX[k] = -(b.y - a.y);
-        c.edgeNormalY[k] = b.x - a.x;
-        c.edgeOrigin[k] = a.x * c.edgeNormalX[k] + a.y * c.edgeNormalY[k];
+        const double nx = -(b.y - a.y);
+        const double ny = b.x - a.x;
+        const int j = c.apartEdges++;
+        c.apartX[j] = c.edgeSide[k] > 0 ? -nx : nx;
+        c.apartY[j] = c.edgeSide[k] > 0 ? -ny : ny;
+        c.apartOrigin[j] = a.x * c.apartX[j] + a.y * c.apartY[j];
+        c.apartLength[j] = c.flatLength[k];
     }
     c.ready = kOutline;
 }
@@ -315,37 +327,57 @@ bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
 // no point nearer to the outline; a quadrilateral's fourth vertex within kCullFlatRel of the
 // plane moves its angle sum, at the margin's distance, by far less than its tolerance. The
 // margin is faceTooFarFromLine's, which covers all of that.
-bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
+bool faceOutlineApartFromLine(CachedFace& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable || !c.flat)
         return false;
     const HDFace& f = c.face;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
+    // The offsets are taken from the drawing plane's origin (apartOrigin, nOrigin), which at
+    // coordinates within kCullCoordLimit moves them by rounding below 1e-6 times the normal's
+    // length: the margin (times that length) has far more room to spare. The edges are asked
+    // before the line's normal, as on a plant they settle more for what they cost; the answer,
+    // true where either separates, is the same in either order.
+    //
+    // Only an edge the face lies wholly inside of separates (worked out once a face), when both
+    // ends of the segment lie beyond the margin on its far side from the face. Its normal points
+    // away from the face: turned there by negating the normal and so its origin's offset, which
+    // negates each product and sum to the bit, the offsets along it are those along the normal
+    // turned the other way negated, to the bit, and the comparisons with the margin the same.
+    // The normal is left at the edge's length, and the margin with it, which spares two
+    // divisions a face.
+    //
+    // An edge that separates is moved to the front, where it is asked first of the next line:
+    // the lines of one object, which come in turn, mostly lie beyond the same edge of a face.
+    // Which edge answers true changes nothing.
+    for (int j = 0; j < c.apartEdges; ++j) {
+        const double ex = c.apartX[j];
+        const double ey = c.apartY[j];
+        const double mLen = m * c.apartLength[j];
+        if (l.px * ex + l.py * ey - c.apartOrigin[j] > mLen &&
+            l.qx * ex + l.qy * ey - c.apartOrigin[j] > mLen) {
+            if (j != 0) {
+                std::swap(c.apartX[0], c.apartX[j]);
+                std::swap(c.apartY[0], c.apartY[j]);
+                std::swap(c.apartOrigin[0], c.apartOrigin[j]);
+                std::swap(c.apartLength[0], c.apartLength[j]);
+            }
+            return true;
+        }
+    }
     // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
-    // that is not ends the look. The offsets are taken from the drawing plane's origin (nOrigin,
-    // edgeOrigin), which at coordinates within kCullCoordLimit moves them by rounding below 1e-6
-    // times the normal's length: the margin (times that length) has far more room to spare.
+    // that is not ends the look.
     auto offset = [&](int k) { return f.v[k].x * l.nx + f.v[k].y * l.ny - l.nOrigin; };
     const double o0 = offset(0);
     if (o0 > m || o0 < -m) {
         int k = 1;
-        while (k < f.count && (o0 > m ? offset(k) > m : offset(k) < -m))
-            ++k;
+        if (o0 > m) {
+            while (k < f.count && offset(k) > m)
+                ++k;
+        } else {
+            while (k < f.count && offset(k) < -m)
+                ++k;
+        }
         if (k == f.count)
-            return true;
-    }
-    for (int k = 0; k < f.count; ++k) {
-        // Only an edge the face lies wholly inside of separates (worked out once a face).
-        const signed char side = c.edgeSide[k];
-        if (side == 0)
-            continue;
-        // The edge's normal left at the edge's length, and the margin with it, spare two
-        // divisions a face.
-        const double ex = c.edgeNormalX[k];
-        const double ey = c.edgeNormalY[k];
-        const double mLen = m * c.flatLength[k];
-        const double op = l.px * ex + l.py * ey - c.edgeOrigin[k];
-        const double oq = l.qx * ex + l.qy * ey - c.edgeOrigin[k];
-        if (side > 0 ? op < -mLen && oq < -mLen : op > mLen && oq > mLen)
             return true;
     }
     return false;
@@ -355,7 +387,7 @@ bool faceOutlineApartFromLine(const CachedFace& c, const LinePrune& l) {
 // outline (faceOutlineApartFromLine), whose first step, every vertex beyond the margin on one
 // side of the line, passes over every face the spread of its XY box would (the vertices lie in
 // the box), and for any other face by that spread (faceTooFarFromLine).
-bool faceApartFromLine(const CachedFace& c, const LinePrune& l) {
+bool faceApartFromLine(CachedFace& c, const LinePrune& l) {
     return c.flat ? faceOutlineApartFromLine(c, l) : faceTooFarFromLine(c, l);
 }
 
@@ -383,8 +415,9 @@ bool lineInFrontOfFace(const CachedFace& c, const LinePrune& l) {
         return c.plane0 + c.gx * x + c.gy * y - z;
     };
     // False for a face that is not prunable or flat (NaN plane0), and for one seen edge-on or
-    // without a plane: its NaN slope fails the comparisons.
-    return behindBy(l.px, l.py, l.pz) > m && behindBy(l.qx, l.qy, l.qz) > m;
+    // without a plane: its NaN slope fails the comparisons. The far end is asked first: it is
+    // the one more often not behind.
+    return behindBy(l.qx, l.qy, l.qz) > m && behindBy(l.px, l.py, l.pz) > m;
 }
 
 // True when the face lies wholly behind the line: it provably hides no piece of it. A face
@@ -616,10 +649,18 @@ private:
 class NearFaces {
 public:
     struct Entry {
-        LineRange extents;  ///< the face's XY extents, read first by every line
-        double zBack;       ///< the face's CachedFace::zBack, read next
+        LineRange extents;  ///< the face's XY extents, read by every line after zBack
+        double zBack;       ///< the face's CachedFace::zBack, read first
         CachedFace* face;
         FacePrep* prep;  ///< the face's face tests' data, kept beside it in the window
+    };
+
+    /// A candidate's gathered faces, and the first four numbers of its object's box (for
+    /// boxOverlapsLineRange), kept here so that a line reads them packed.
+    struct Group {
+        Entry* begin;
+        Entry* end;
+        double box[4];
     };
 
     NearFaces() = default;
@@ -632,7 +673,8 @@ public:
 
     /// Room for a table of up to n candidates.
     bool init(int n) {
-        groups_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
+        groups_ = static_cast<Group*>(std::malloc(static_cast<size_t>(n) * sizeof(Group)));
+        groupCapacity_ = groups_ != nullptr ? static_cast<size_t>(n) : 0;
         return groups_ != nullptr;
     }
 
@@ -650,9 +692,11 @@ public:
         const size_t most = window.recordsOf(table, count);
         if ((most > capacity_ && !renewRoom(entries_, capacity_, most)) || !window.beginUse(most))
             return false;
-        size_t at = 0;
+        Entry* at = entries_;
         for (int c = 0; c < count; ++c) {
-            groups_[c] = at;
+            const double* box = objs[table[c].index]->box;
+            Group& g = groups_[c];
+            g = {at, at, {box[0], box[1], box[2], box[3]}};
             FaceWindow::Span faces;
             if (!window.faces(objs, table[c].index, user, faces))
                 return false;
@@ -660,33 +704,34 @@ public:
                 const LineRange e = {f->face.xmin, f->face.xmax, f->face.ymin, f->face.ymax};
                 if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
                     e.ymin <= all.ymax)
-                    entries_[at++] = {e, f->zBack, f, faces.prep + (f - faces.begin)};
+                    *at++ = {e, f->zBack, f, faces.prep + (f - faces.begin)};
             }
+            g.end = at;
         }
-        groups_[count] = at;
         return true;
     }
 
-    Entry* begin(int c) { return entries_ + groups_[c]; }
-    Entry* end(int c) { return entries_ + groups_[c + 1]; }
+    const Group& group(int c) const { return groups_[c]; }
 
     /// The room the lists take at their largest.
-    size_t bytes() const { return capacity_ * sizeof(Entry); }
+    size_t bytes() const { return capacity_ * sizeof(Entry) + groupCapacity_ * sizeof(Group); }
 
 private:
     Entry* entries_ = nullptr;
     size_t capacity_ = 0;
-    size_t* groups_ = nullptr;  ///< candidate c's faces are entries_[groups_[c] .. groups_[c + 1])
+    Group* groups_ = nullptr;  ///< candidate c's is groups_[c]
+    size_t groupCapacity_ = 0;
 };
 
 // The first entry from e on whose face's XY extents meet the line's range (faceMeetsLineRange)
 // and which faceBehindLine does not pass over (zLimit the line's), or end. The comparisons are
-// those tests' own, read from the entry alone.
+// those tests' own, read from the entry alone; the depth is asked first, as on a plant it passes
+// over the most faces, and the order changes no answer.
 NearFaces::Entry* nextNearLine(NearFaces::Entry* e, NearFaces::Entry* end, const LineRange& r,
                                double zLimit) {
     for (; e != end; ++e) {
-        if (e->extents.xmax >= r.xmin && e->extents.ymax >= r.ymin && e->extents.xmin <= r.xmax &&
-            e->extents.ymin <= r.ymax && !faceBehindLine(e->zBack, zLimit))
+        if (!faceBehindLine(e->zBack, zLimit) && e->extents.xmax >= r.xmin &&
+            e->extents.ymax >= r.ymin && e->extents.xmin <= r.xmax && e->extents.ymin <= r.ymax)
             return e;
     }
     return end;
@@ -757,8 +802,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             gathered = nearFaces.gather(window, objs, i, table, count, objs[i]->proline);
             return count;
         },
-        [&](_s_hd_proline_* line, const HideCandidate* table, int candidates,
-            _s_hd_proline_*& visible) {
+        [&](_s_hd_proline_* line, const HideCandidate*, int candidates, _s_hd_proline_*& visible) {
             if (!gathered)
                 return false;
             if (stats != nullptr)
@@ -772,20 +816,20 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
             // The line stops once the merge provably leaves it hidden whole (hiddenWhole).
             bool whole = false;
             for (int c = 0; c < candidates && !whole; ++c) {
-                const int j = table[c].index;
+                const NearFaces::Group& g = nearFaces.group(c);
                 if (stats != nullptr)
                     ++stats->candidatesScanned;
-                if (!boxOverlapsLineRange(objs[j]->box, prepared.range))
+                if (!boxOverlapsLineRange(g.box, prepared.range))
                     continue;
-                NearFaces::Entry* const end = nearFaces.end(c);
-                NearFaces::Entry* e = nearFaces.begin(c);
+                NearFaces::Entry* const end = g.end;
+                NearFaces::Entry* e = g.begin;
                 if (stats != nullptr)
                     stats->facesScanned += end - e;
                 for (;; ++e) {
-                    // First what the reference asks first (appendHiddenPiece): a face whose XY
-                    // extents miss the line's range gives no piece. The extents are the face's own,
-                    // to the bit, so past this test the face test is called directly. Then the
-                    // cheapest cull, from the entry alone.
+                    // From the entry alone, what the reference asks first (appendHiddenPiece): a
+                    // face whose XY extents miss the line's range gives no piece. The extents are
+                    // the face's own, to the bit, so past this test the face test is called
+                    // directly. With it the cheapest cull.
                     e = nextNearLine(e, end, prepared.range, prune.zLimit);
                     if (e == end)
                         break;
