@@ -44,13 +44,14 @@ bool extentsOverlap(const F& f, const G& g) {
 }
 
 // True when the point a + t (b - a) of an edge a -> b of squared length len2 lies on the edge's
-// line beyond an end by more than kOffEdgeGap: isPointOnSeg rejects it, being neither within
+// line beyond an end by more than kOffEdgeGap (bounded: boundedEnds(a, b)): isPointOnSeg rejects
+// it, being neither within
 // kOnSegEndDist2 (3.2e-5) nor kSamePointFineTol of an end, and seeing the edge under an angle of
 // about 0 from it (rounding of the point, a few 1e-16 of the coordinates, tilts that by under a
 // hundredth of a radian at coordinates within kCullCoordLimit), far from the half turn the test
 // looks for.
-bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
-    return beyondSegmentEnd(t, len2, hd::kOffEdgeGap) && boundedEnds(a, b);
+bool farOffEdge(double t, double len2, bool bounded) {
+    return beyondSegmentEnd(t, len2, hd::kOffEdgeGap) && bounded;
 }
 
 // True when every coordinate of the face lies within kCullCoordLimit (NaN fails): the tests
@@ -179,16 +180,16 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
 }
 
 // isPointInFace(x, face.count, face.v) for the point x where the edge a -> b meets the face's
-// plane, x lying on that edge, with the face's prepared data (withOutline). Its outline data
+// plane, x lying on that edge, with the face's prepared data (withOutline); bounded:
+// boundedEnds(a, b). Its outline data
 // answers for x as it does in the hide pass for a point where a line meets the plane, off it by
 // rounding alone, below 1e-5 at coordinates within kCullCoordLimit: here x = a + t (b - a), t =
 // n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the rounding of both dot
 // products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the plane by under
 // 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and the outline
 // test of x. Past that bound the angles are measured, as the unprepared test measures them.
-int insideFace(_s_hd_point_ x, _s_hd_point_ a, _s_hd_point_ b, const HDFace& face,
-               const FacePrep& prep) {
-    return boundedEnds(a, b) ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
+int insideFace(_s_hd_point_ x, bool bounded, const HDFace& face, const FacePrep& prep) {
+    return bounded ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
 }
 
 // True when edge k of e pierces the face `plane`, at x, and x is not at *same (when given: the
@@ -205,7 +206,9 @@ bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, 
         return false;
     double t = 0.0;
     x = linePlaneInter(plane.normal, plane.v[0], a, b, t);
-    if (ep != nullptr && farOffEdge(t, ep->len2[k], a, b))
+    // boundedEnds(a, b), asked by three of the tests below, once.
+    const bool bounded = ep != nullptr && edgeBounded(e, k, ep);
+    if (ep != nullptr && farOffEdge(t, ep->len2[k], bounded))
         return false;  // onSegWithin would say no
     // The four tests depend on nothing but their arguments, so their order changes no answer:
     // the cheap ones come first. A point at the one kept already (where the two edges at a
@@ -214,10 +217,10 @@ bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, 
         return false;
     if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
         return false;
-    if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k])
+    if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k], bounded)
                       : isPointOnSeg(x, a, b) == 0)
         return false;
-    return (pp != nullptr ? insideFace(x, a, b, plane, *pp)
+    return (pp != nullptr ? insideFace(x, bounded, plane, *pp)
                           : isPointInFace(x, plane.count, plane.v)) != 0;
 }
 
