@@ -44,12 +44,11 @@ bool extentsOverlap(const F& f, const G& g) {
 }
 
 // True when the point a + t (b - a) of an edge a -> b of squared length len2 lies on the edge's
-// line beyond an end by more than kOffEdgeGap (bounded: boundedEnds(a, b)): isPointOnSeg rejects
-// it, being neither within
-// kOnSegEndDist2 (3.2e-5) nor kSamePointFineTol of an end, and seeing the edge under an angle of
-// about 0 from it (rounding of the point, a few 1e-16 of the coordinates, tilts that by under a
-// hundredth of a radian at coordinates within kCullCoordLimit), far from the half turn the test
-// looks for.
+// line beyond an end by more than kOffEdgeGap, the edge's ends lying within kCullCoordLimit
+// (bounded: boundedEnds(a, b)): isPointOnSeg rejects it, being neither within kOnSegEndDist2
+// (3.2e-5) nor kSamePointFineTol of an end, and seeing the edge under an angle of about 0 from it
+// (rounding of the point, a few 1e-16 of the coordinates, tilts that by under a hundredth of a
+// radian at coordinates within kCullCoordLimit), far from the half turn the test looks for.
 bool farOffEdge(double t, double len2, bool bounded) {
     return beyondSegmentEnd(t, len2, hd::kOffEdgeGap) && bounded;
 }
@@ -181,13 +180,13 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
 
 // isPointInFace(x, face.count, face.v) for the point x where the edge a -> b meets the face's
 // plane, x lying on that edge, with the face's prepared data (withOutline); bounded:
-// boundedEnds(a, b). Its outline data
-// answers for x as it does in the hide pass for a point where a line meets the plane, off it by
-// rounding alone, below 1e-5 at coordinates within kCullCoordLimit: here x = a + t (b - a), t =
-// n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the rounding of both dot
-// products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the plane by under
-// 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and the outline
-// test of x. Past that bound the angles are measured, as the unprepared test measures them.
+// boundedEnds(a, b). Its outline data answers for x as it does in the hide pass for a point where a
+// line meets the plane, off it by rounding alone, below 1e-5 at coordinates within kCullCoordLimit:
+// here x = a + t (b - a), t = n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the
+// rounding of both dot products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the
+// plane by under 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and
+// the outline test of x. Past that bound the angles are measured, as the unprepared test measures
+// them.
 int insideFace(_s_hd_point_ x, bool bounded, const HDFace& face, const FacePrep& prep) {
     return bounded ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
 }
@@ -852,9 +851,9 @@ void sharedVertices(const HDFace& f, const HDFace& g, unsigned& fShared, unsigne
 // kSharedOnPlane of another face's plane, measured as linePlaneInter measures it for an edge from
 // it, and every other one lies farther than m from it on one side, measured as planeDistances
 // measures it: d holds the distances planeDistances works out. linePlaneInter's numerator for
-// an edge from v is n . (v0 - v), and v0 - v is v - v0 negated to the bit (subtraction rounds
-// alike either way round), as are the three products and their sum: its magnitude is |d| to
-// the bit. NaN fails.
+// an edge from v is n . (v0 - v), and v0 - v is v - v0 negated (rounding to nearest is the same
+// either way round; a zero's sign aside), as are the three products and their sum: its
+// magnitude is |d| to the bit. NaN fails.
 bool sharedOnPlaneRestBeyond(const double* d, int count, double m, unsigned shared) {
     bool above = true;
     bool below = true;
