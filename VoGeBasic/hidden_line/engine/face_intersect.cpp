@@ -44,13 +44,13 @@ bool extentsOverlap(const F& f, const G& g) {
 }
 
 // True when the point a + t (b - a) of an edge a -> b of squared length len2 lies on the edge's
-// line beyond an end by more than kOffEdgeGap: isPointOnSeg rejects it, being neither within
-// kOnSegEndDist2 (3.2e-5) nor kSamePointFineTol of an end, and seeing the edge under an angle of
-// about 0 from it (rounding of the point, a few 1e-16 of the coordinates, tilts that by under a
-// hundredth of a radian at coordinates within kCullCoordLimit), far from the half turn the test
-// looks for.
-bool farOffEdge(double t, double len2, _s_hd_point_ a, _s_hd_point_ b) {
-    return beyondSegmentEnd(t, len2, hd::kOffEdgeGap) && boundedEnds(a, b);
+// line beyond an end by more than kOffEdgeGap, the edge's ends lying within kCullCoordLimit
+// (bounded: boundedEnds(a, b)): isPointOnSeg rejects it, being neither within kOnSegEndDist2
+// (3.2e-5) nor kSamePointFineTol of an end, and seeing the edge under an angle of about 0 from it
+// (rounding of the point, a few 1e-16 of the coordinates, tilts that by under a hundredth of a
+// radian at coordinates within kCullCoordLimit), far from the half turn the test looks for.
+bool farOffEdge(double t, double len2, bool bounded) {
+    return beyondSegmentEnd(t, len2, hd::kOffEdgeGap) && bounded;
 }
 
 // True when every coordinate of the face lies within kCullCoordLimit (NaN fails): the tests
@@ -179,16 +179,16 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
 }
 
 // isPointInFace(x, face.count, face.v) for the point x where the edge a -> b meets the face's
-// plane, x lying on that edge, with the face's prepared data (withOutline). Its outline data
-// answers for x as it does in the hide pass for a point where a line meets the plane, off it by
-// rounding alone, below 1e-5 at coordinates within kCullCoordLimit: here x = a + t (b - a), t =
-// n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the rounding of both dot
-// products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the plane by under
-// 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and the outline
-// test of x. Past that bound the angles are measured, as the unprepared test measures them.
-int insideFace(_s_hd_point_ x, _s_hd_point_ a, _s_hd_point_ b, const HDFace& face,
-               const FacePrep& prep) {
-    return boundedEnds(a, b) ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
+// plane, x lying on that edge, with the face's prepared data (withOutline); bounded:
+// boundedEnds(a, b). Its outline data answers for x as it does in the hide pass for a point where a
+// line meets the plane, off it by rounding alone, below 1e-5 at coordinates within kCullCoordLimit:
+// here x = a + t (b - a), t = n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the
+// rounding of both dot products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the
+// plane by under 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and
+// the outline test of x. Past that bound the angles are measured, as the unprepared test measures
+// them.
+int insideFace(_s_hd_point_ x, bool bounded, const HDFace& face, const FacePrep& prep) {
+    return bounded ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
 }
 
 // True when edge k of e pierces the face `plane`, at x, and x is not at *same (when given: the
@@ -205,7 +205,9 @@ bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, 
         return false;
     double t = 0.0;
     x = linePlaneInter(plane.normal, plane.v[0], a, b, t);
-    if (ep != nullptr && farOffEdge(t, ep->len2[k], a, b))
+    // boundedEnds(a, b), asked by three of the tests below, once.
+    const bool bounded = ep != nullptr && edgeBounded(e, k, ep);
+    if (ep != nullptr && farOffEdge(t, ep->len2[k], bounded))
         return false;  // onSegWithin would say no
     // The four tests depend on nothing but their arguments, so their order changes no answer:
     // the cheap ones come first. A point at the one kept already (where the two edges at a
@@ -214,10 +216,10 @@ bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, 
         return false;
     if (!withinXYExtents(x, plane, hd::kPierceExtentTol))
         return false;
-    if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k])
+    if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k], bounded)
                       : isPointOnSeg(x, a, b) == 0)
         return false;
-    return (pp != nullptr ? insideFace(x, a, b, plane, *pp)
+    return (pp != nullptr ? insideFace(x, bounded, plane, *pp)
                           : isPointInFace(x, plane.count, plane.v)) != 0;
 }
 
@@ -635,14 +637,14 @@ bool parallelNormals(_s_hd_point_ n, _s_hd_point_ o) {
 }
 
 // pairSides past f's distances from g's plane (df, worked out where fBounded), which have not
-// parted the pair, span being the faces' commonSpan and m its apartMargin.
+// parted the pair, span being the faces' commonSpan and m its apartMargin. No test of g's centre
+// comes before g's distances, as one does before f's: where wellBeyond would part the pair, so
+// does allBeyond of g's distances (its proof), asked of the same pairs (both boundedFace and
+// flat), and in a plant the centre test never does where f's distances have not.
 PairSides sidesApart(const HDFace& f, const FaceFacts& ff, const HDFace& g, const FaceFacts& gf,
                      double span, double m, bool fBounded, const double* df) {
     const bool bothFlat = ff.flat && gf.flat;
-    const bool cullable = ff.bounded && gf.bounded && bothFlat;
     double dg[kMaxFaceVertices];
-    if (cullable && wellBeyond(gf, ff, m))
-        return {true, 0u, 0u};
     const bool gBounded = planeDistances(g, gf.bounded, ff, dg);
     if (fBounded && gBounded && bothFlat && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)))
         return {true, 0u, 0u};
@@ -671,6 +673,8 @@ PairSides pairSides(const HDFace& f, const FaceFacts& ff, const HDFace& g, const
 }
 
 bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g);
+bool sharedOnly(const PreparedFace& f, const PreparedFace& g, double span, double m,
+                const double* df);
 
 // pairSides for two faces read for intersection (fe and ge their extents), and apart without
 // asking where the extents do not overlap. For two cullable faces, pairSides' tests up to that
@@ -701,7 +705,7 @@ inline PairSides openPair(const PreparedFace& f, const Extents& fe, const Prepar
     // vertex or an edge (meetOnlyAtShared) is passed over as apart (before g's distances, for two
     // cullable faces): whether the rest of pairSides parts it or not, the faces give no line, in
     // either order, and nothing is kept for the pair (g, f).
-    if (own && meetOnlyAtShared(f, g))
+    if (own && sharedOnly(f, g, span, m, df))
         return {true, 0u, 0u};
     return sidesApart(f.face, ff, g.face, gf, span, m, true, df);
 }
@@ -843,23 +847,24 @@ void sharedVertices(const HDFace& f, const HDFace& g, unsigned& fShared, unsigne
     }
 }
 
-// True when each vertex of e marked in shared (sharedVertices) lies within kSharedOnPlane of the
-// face `plane`'s plane, measured as linePlaneInter measures it for an edge from it, and every
-// other one lies farther than m from it on one side, measured as planeDistances measures it. NaN
-// fails.
-bool sharedOnPlaneRestBeyond(const HDFace& e, const HDFace& plane, double m, unsigned shared) {
+// True when each of the count vertices of a face marked in shared (sharedVertices) lies within
+// kSharedOnPlane of another face's plane, measured as linePlaneInter measures it for an edge from
+// it, and every other one lies farther than m from it on one side, measured as planeDistances
+// measures it: d holds the distances planeDistances works out. linePlaneInter's numerator for
+// an edge from v is n . (v0 - v), and v0 - v is v - v0 negated (rounding to nearest is the same
+// either way round; a zero's sign aside), as are the three products and their sum: its
+// magnitude is |d| to the bit. NaN fails.
+bool sharedOnPlaneRestBeyond(const double* d, int count, double m, unsigned shared) {
     bool above = true;
     bool below = true;
-    for (int k = 0; k < e.count; ++k) {
+    for (int k = 0; k < count; ++k) {
         if ((shared >> k & 1u) != 0) {
-            const double num = vecDot(plane.normal, vecSub(plane.v[0], e.v[k]));
-            if (!(std::fabs(num) <= kSharedOnPlane))
+            if (!(std::fabs(d[k]) <= kSharedOnPlane))
                 return false;
             continue;
         }
-        const double d = vecDot(plane.normal, vecSub(e.v[k], plane.v[0]));
-        above = above && d > m;
-        below = below && d < -m;
+        above = above && d[k] > m;
+        below = below && d[k] < -m;
     }
     return above || below;
 }
@@ -907,18 +912,29 @@ bool sharedEdgeOffCrossing(const PreparedFace& e, unsigned shared, _s_hd_point_ 
 bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g) {
     if (!f.facts.bounded || !g.facts.bounded)
         return false;
+    double df[kMaxFaceVertices];
+    planeDistances(f.face, true, g.facts, df);
     const double span = commonSpan(f.face, g.face, true);
+    return sharedOnly(f, g, span, apartMargin(span), df);
+}
+
+// meetOnlyAtShared for two boundedFace faces with their commonSpan span, its apartMargin m, and
+// f's distances from g's plane df as planeDistances works them out.
+bool sharedOnly(const PreparedFace& f, const PreparedFace& g, double span, double m,
+                const double* df) {
     if (!(span <= kSharedSpanLimit))
         return false;
-    const double m = apartMargin(span);
     unsigned fShared = 0u;
     unsigned gShared = 0u;
     sharedVertices(f.face, g.face, fShared, gShared);
     const int count = sharedCount(fShared);
     if (count != sharedCount(gShared) || count < 1 || count > 2)
         return false;
-    if (!sharedOnPlaneRestBeyond(f.face, g.face, m, fShared) ||
-        !sharedOnPlaneRestBeyond(g.face, f.face, m, gShared))
+    if (!sharedOnPlaneRestBeyond(df, f.face.count, m, fShared))
+        return false;
+    double dg[kMaxFaceVertices];
+    planeDistances(g.face, true, f.facts, dg);
+    if (!sharedOnPlaneRestBeyond(dg, g.face.count, m, gShared))
         return false;
     return count == 1 || (sharedEdgeOffCrossing(f, fShared, g.face.normal) &&
                           sharedEdgeOffCrossing(g, gShared, f.face.normal));

@@ -49,6 +49,10 @@ struct FacePrep {
     signed char side[kMaxFaceVertices];
     bool bounded;  ///< every vertex within kCullCoordLimit: boundedEnds holds for every edge
 };
+/// boundedEnds of edge k, from the face's prepared data (when given) where every edge is bounded.
+inline bool edgeBounded(const HDFace& f, int k, const FacePrep* prep) {
+    return (prep != nullptr && prep->bounded) || boundedEnds(f.v[k], f.v[nextVertex(k, f.count)]);
+}
 /// Per edge k (run length lengths[k], flatRunOf), the side of the edge's drawing-plane normal
 /// (-(b.y - a.y), b.x - a.x) that the whole face lies on: 1 or -1; 0 when the edge has no run,
 /// or the face lies on both sides or on its line. Returns, for a flat face (isFlatFace, size its

@@ -21,8 +21,7 @@ bool onEdge(_s_hd_point_ p, const HDFace& f, int k, const FaceTestAids& aids) {
 }
 // boundedEnds of edge k, from the face's prepared data when every edge is bounded.
 inline bool edgeBounded(const HDFace& f, int k, const FaceTestAids& aids) {
-    return (aids.prep != nullptr && aids.prep->bounded) ||
-           boundedEnds(f.v[k], f.v[nextVertex(k, f.count)]);
+    return edgeBounded(f, k, aids.prep);
 }
 // onEdge for the point c + t (d - c) of edge k's line (c -> d the edge), as crossProjections
 // works it out: well inside the edge it is on it without measuring (surelyOnSegment).
