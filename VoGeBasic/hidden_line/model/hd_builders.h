@@ -113,6 +113,20 @@ bool splitRing(_s_hd_point_ c, double r, _s_hd_point_ n, _s_hd_point_ s, ViewSpl
 /// the nearest about the circle when within hd::kRingSnapShare of a chord's angle (2 pi / m);
 /// otherwise -1.
 int ringVertexToSnap(const double* at, int m, double t);
+/// A vertex of a ring with points put in (ringWithPoints): pattern vertex k >= 0, or the point
+/// put in with tag k < 0; t its angle about the circle.
+struct RingStop {
+    double t;
+    int k;
+};
+/// The m ring vertices at the angles at[] (radians, ascending, within one turn) with the count
+/// points at the angles put[], tagged tags[] (negative), put in: each in place of the vertex
+/// ringVertexToSnap gives for it where no point took that vertex before, otherwise in between;
+/// with onePerVertex, a point whose vertex another took fails instead. Writes the stops to out
+/// (room for m + count), sorted on their angles (ties keep their order), and returns how many;
+/// -1 on failure.
+int ringWithPoints(const double* at, int m, const double* put, const int* tags, int count,
+                   bool onePerVertex, RingStop* out);
 
 /// The faces a quadrilateral becomes: itself, or the triangles of a split.
 struct PlanarQuadFaces {

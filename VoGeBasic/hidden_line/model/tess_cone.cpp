@@ -380,31 +380,17 @@ struct ZipRim {
 // the angles sil put in. False when both would take the place of one vertex.
 bool makeZipRim(const ObliqueCone& cone, _s_hd_point_ c, double r, const ViewSplitRing& pattern,
                 const double* sil, int sils, ZipRim& rim) {
-    const int m = pattern.count;
     double at[hd::kMaxCurveChords];
-    struct Stop {
-        double t;
-        int k;  // pattern vertex k, or silhouette -1 - k
-    } stops[hd::kMaxCurveChords + 2];
-    for (int k = 0; k < m; ++k) {
+    for (int k = 0; k < pattern.count; ++k) {
         const _s_hd_point_ d = vecSub(pattern.pts[k], c);
         const double t = std::atan2(vecDot(d, cone.v), vecDot(d, cone.u));
         at[k] = k == 0 ? 0.0 : (t < 0.0 ? t + core::kFullTurn : t);
-        stops[k] = {at[k], k};
     }
-    int count = m;
-    bool taken[hd::kMaxCurveChords] = {};
-    for (int s = 0; s < sils; ++s) {
-        const int near = ringVertexToSnap(at, m, sil[s]);
-        if (near >= 0 && taken[near])
-            return false;
-        if (near >= 0)
-            taken[near] = true;
-        stops[near >= 0 ? near : count++] = {sil[s], -1 - s};
-    }
-    for (int i = 1; i < count; ++i)  // insertion sort: the pattern is in order already
-        for (int j = i; j > 0 && stops[j].t < stops[j - 1].t; --j)
-            std::swap(stops[j], stops[j - 1]);
+    const int tags[2] = {-1, -2};  // silhouette s is -1 - s
+    RingStop stops[hd::kMaxCurveChords + 2];
+    const int count = ringWithPoints(at, pattern.count, sil, tags, sils, true, stops);
+    if (count < 0)
+        return false;
     for (int j = 0; j < count; ++j) {
         rim.at[j] = stops[j].t;
         rim.pts[j] = stops[j].k >= 0 ? pattern.pts[stops[j].k] : ringPoint(c, r, cone, stops[j].t);

@@ -1,6 +1,7 @@
 // Tessellators of the revolved primitives: the flat disc, with its half-circle chord builder and
 // the view-split ring that the curved primitives share with it.
 #include <cmath>
+#include <utility>
 
 #include "hd_tessellators.h"
 #include "hidden_line/model/hd_builders.h"
@@ -121,6 +122,27 @@ int ringVertexToSnap(const double* at, int m, double t) {
         }
     }
     return gap > hd::kRingSnapShare * core::kFullTurn / m ? -1 : nearest;
+}
+
+int ringWithPoints(const double* at, int m, const double* put, const int* tags, int count,
+                   bool onePerVertex, RingStop* out) {
+    bool taken[hd::kMaxCurveChords] = {};
+    for (int k = 0; k < m; ++k)
+        out[k] = {at[k], k};
+    int n = m;
+    for (int i = 0; i < count; ++i) {
+        const int v = ringVertexToSnap(at, m, put[i]);
+        const bool snaps = v >= 0 && !taken[v];
+        if (v >= 0 && !snaps && onePerVertex)
+            return -1;
+        if (snaps)
+            taken[v] = true;
+        out[snaps ? v : n++] = {put[i], tags[i]};
+    }
+    for (int i = 1; i < n; ++i)  // insertion sort: the pattern is in order already
+        for (int j = i; j > 0 && out[j].t < out[j - 1].t; --j)
+            std::swap(out[j], out[j - 1]);
+    return n;
 }
 
 }  // namespace geolib

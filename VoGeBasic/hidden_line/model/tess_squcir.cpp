@@ -90,48 +90,34 @@ _s_hd_prof_* ep_divide_squcir(_s_hd_point_ o, double w, double h, _s_hd_point_ x
         return nullptr;
     const int mp = pattern.count;
     constexpr int kMaxRing = hd::kMaxCurveChords + 4 * 3;  // a quarter point, two silhouettes
-    struct Stop {
-        double t;  // angle about c from x, in [-pi / 2, 3 pi / 2)
-        int k;     // pattern vertex k, or a point put in: -1 - q for quarter q's start, -5
-    };
-    Stop stops[kMaxRing];
+    // Angles about c from x, in [-pi / 2, 3 pi / 2); the points put in are tagged -1 - q for
+    // quarter q's start, -5 for a silhouette.
     double at[hd::kMaxCurveChords];
     for (int k = 0; k < mp; ++k) {
         const _s_hd_point_ d = vecSub(pattern.pts[k], c);
-        double t = std::atan2(vecDot(d, y), vecDot(d, x));
-        if (t < -0.5 * core::kPi)
-            t += core::kFullTurn;
-        at[k] = t;
-        stops[k] = {t, k};
+        const double t = std::atan2(vecDot(d, y), vecDot(d, x));
+        at[k] = t < -0.5 * core::kPi ? t + core::kFullTurn : t;
     }
-    int m = mp;
-    bool taken[hd::kMaxCurveChords] = {};
-    const auto putIn = [&](double t, int k) {
-        const int v = ringVertexToSnap(at, mp, t);
-        if (v >= 0 && !taken[v]) {
-            taken[v] = true;
-            stops[v] = {t, k};
-        } else {
-            stops[m++] = {t, k};
-        }
-    };
-    for (int q = 0; q < 4; ++q)
-        putIn((q - 1) * 0.5 * core::kPi, -1 - q);
+    double put[12];
+    int tags[12];
+    int puts = 0;
+    for (int q = 0; q < 4; ++q) {
+        put[puts] = (q - 1) * 0.5 * core::kPi;
+        tags[puts++] = -1 - q;
+    }
     for (int q = 0; q < 4; ++q) {
         const double from = (q - 1) * 0.5 * core::kPi;
-        double sil[2];
-        const int found =
-            coneSilhouettes(corner[(q + 1) % 4], c, r, x, y, n, from, from + 0.5 * core::kPi, sil);
+        const int found = coneSilhouettes(corner[(q + 1) % 4], c, r, x, y, n, from,
+                                          from + 0.5 * core::kPi, put + puts);
         for (int s = 0; s < found; ++s)
-            putIn(sil[s], -5);
+            tags[puts++] = -5;
     }
-    for (int i = 1; i < m; ++i)  // insertion sort: the pattern is nearly in order already
-        for (int j = i; j > 0 && stops[j].t < stops[j - 1].t; --j)
-            std::swap(stops[j], stops[j - 1]);
+    RingStop stops[kMaxRing];
+    const int m = ringWithPoints(at, mp, put, tags, puts, false, stops);
     _s_hd_point_ ring[kMaxRing];
     int start[5] = {0, 0, 0, 0, m};
     for (int j = 0; j < m; ++j) {
-        const Stop& st = stops[j];
+        const RingStop& st = stops[j];
         ring[j] = st.k >= 0 ? pattern.pts[st.k]
                             : linComb(1.0, c, r, linComb(std::cos(st.t), x, std::sin(st.t), y));
         if (st.k < 0 && st.k > -5)
