@@ -218,11 +218,6 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
     }
 }
 
-// Outlines turning straight back, of no area, with a short edge, touching themselves, with a
-// NaN corner, crossing themselves, too long, never ending or warped (for a plate: a member and a
-// bend read a section's x and y only); zero or non-finite axes and thicknesses, a ydir along the
-// axis, a plate's extrusion in its plane, a circle in its rectangle's plane, sizes below the
-// smallest, an angle out of range, a start off the bend plane, a section across the bend axis.
 // A handrail on a ring plate: a bend of the plate's width standing on its far face, from its
 // edge round the same angle, has its foot's vertices where the plate's far rims have theirs, in
 // any view, also when its start lies a rounding off the plate's edge.
@@ -256,6 +251,11 @@ TEST(SweptSolids, BendOnARingPlateHasItsVerticesWhereThePlateHas) {
     }
 }
 
+// Outlines turning straight back, of no area, with a short edge, touching themselves, with a
+// NaN corner, crossing themselves, too long, never ending or warped (for a plate: a member and a
+// bend read a section's x and y only); zero or non-finite axes and thicknesses, a ydir along the
+// axis, a plate's extrusion in its plane, a circle in its rectangle's plane, sizes below the
+// smallest, an angle out of range, a start off the bend plane, a section across the bend axis.
 TEST(SweptSolids, BadInputGivesNullAndFailedAllocationsLeakNothing) {
     const P o{0, 0, 0}, x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1}, far{0, 0, 50}, bx{100, 0, 0};
     Outline many;
