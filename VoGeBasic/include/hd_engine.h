@@ -56,6 +56,23 @@ VOGEBASIC_API void kestFaceIntersect(_s_hd_prof_* obj, _s_hd_prof_** objs, int& 
 /// one.
 VOGEBASIC_API void kestFaceIntersectAll(_s_hd_prof_** objs, int n);
 
+/// Drops from the list every piece that repeats a piece kept before it: both its ends lie
+/// within tol of that piece's ends in X and Y (the drawing), either way round. Two solids that
+/// butt each return their shared rim from kestHideObject, a pipe and the elbow on it, a head
+/// and its shell; a drawing made from the list as it is strokes that edge twice (a plotter
+/// draws it twice, a DXF holds two entities on top of each other). So the first of each set of
+/// repeats in list order stays and the rest go; a piece that repeats only a piece that went is
+/// kept. Pieces that only overlap stay as they are. Depth is not compared. A millionth of the
+/// drawing's largest coordinate makes a good tol: the ends of a shared edge are worked out
+/// along the lines of each solid and differ by roundings.
+/// A piece with a coordinate that is not finite, or so large against tol that it has no place
+/// on tol's grid (x / tol overflows), is kept and repeats nothing. A tol of 0 drops exact
+/// repeats only; a negative or NaN tol drops nothing. The cost grows as n log n, also when
+/// many pieces share one X (the vertical edges of a drawing).
+/// Returns how many nodes were dropped (and freed); -1 if an allocation fails, with the list
+/// as it was.
+VOGEBASIC_API long dropRepeatedProlines(_s_hd_proline_*& head, double tol);
+
 }  // namespace geolib
 
 #endif  // VOGEBASIC_HD_ENGINE_H

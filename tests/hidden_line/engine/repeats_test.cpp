@@ -1,0 +1,119 @@
+// Repeated pieces of a drawing: what goes is what repeats a piece kept before it, nothing else.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+#include "VoGeBasic.h"
+#include "support/alloc_hook.h"
+#include "support/test_constants.h"
+
+namespace {
+
+using geolib::_s_hd_point_;
+using geolib::_s_hd_proline_;
+
+_s_hd_proline_* listOf(const std::vector<std::pair<_s_hd_point_, _s_hd_point_>>& pieces) {
+    _s_hd_proline_* head = nullptr;
+    _s_hd_proline_** link = &head;
+    std::int32_t index = 0;
+    for (const auto& [a, b] : pieces) {
+        auto* node = static_cast<_s_hd_proline_*>(std::malloc(sizeof(_s_hd_proline_)));
+        if (node == nullptr)
+            break;
+        *node = {a, b, 0.0, index++, nullptr};  // the owner tells which piece it is
+        *link = node;
+        link = &node->next;
+    }
+    return head;
+}
+
+// Pieces on a coarse grid (many share an X, as vertical edges do), each later one maybe a
+// copy of an earlier piece: the same, turned round, moved by under tol or by a little over it,
+// or slid along itself; some have a NaN or infinite end.
+std::vector<std::pair<_s_hd_point_, _s_hd_point_>> drawing(std::uint32_t seed, double tol) {
+    vgtest::Lcg r(seed);
+    std::vector<std::pair<_s_hd_point_, _s_hd_point_>> out;
+    auto grid = [&r] { return _s_hd_point_{r.below(8) * 1.0, r.below(40) * 0.5, r(-1, 1)}; };
+    for (int k = 0; k < 3000; ++k) {
+        const double pick = r();
+        if (out.empty() || pick < 0.4) {
+            out.push_back({grid(), grid()});
+            continue;
+        }
+        auto [a, b] = out[r.below(static_cast<int>(out.size()))];
+        const double by = pick < 0.6 ? 0.0 : pick < 0.8 ? r(-0.99, 0.99) : r(1.01, 2.0);
+        a.x += by * tol;
+        b.y -= by * tol;
+        if (pick > 0.95)
+            b = {2 * b.x - a.x, 2 * b.y - a.y, b.z};
+        if (r() < 0.02)
+            (r() < 0.5 ? a.x : b.y) = r() < 0.5 ? vgtest::kNaN : HUGE_VAL;
+        out.push_back(r() < 0.5 ? std::make_pair(a, b) : std::make_pair(b, a));
+    }
+    return out;
+}
+
+// Each piece, in list order, goes when it repeats one kept before it (ends within tol in X and
+// Y, either way round); pieces with a coordinate that is not finite stay and repeat nothing.
+std::vector<bool> keptByScan(const std::vector<std::pair<_s_hd_point_, _s_hd_point_>>& pieces,
+                             double tol) {
+    auto near = [tol](_s_hd_point_ a, _s_hd_point_ b) {
+        return std::fabs(a.x - b.x) <= tol && std::fabs(a.y - b.y) <= tol;
+    };
+    auto finite = [](_s_hd_point_ a) { return std::isfinite(a.x) && std::isfinite(a.y); };
+    std::vector<bool> kept(pieces.size(), true);
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const auto& [a, b] = pieces[i];
+        for (std::size_t j = 0; j < i && finite(a) && finite(b) && kept[i]; ++j) {
+            const auto& [c, d] = pieces[j];
+            kept[i] = !kept[j] || !((near(a, c) && near(b, d)) || (near(a, d) && near(b, c)));
+        }
+    }
+    return kept;
+}
+
+TEST(DropRepeatedProlines, DropsWhatRepeatsAPieceKeptBeforeIt) {
+    for (const double tol : {1e-3, 0.0, 0.3}) {
+        const auto pieces = drawing(tol == 0.0 ? 5 : 7, tol);
+        const std::vector<bool> kept = keptByScan(pieces, tol);
+        _s_hd_proline_* list = listOf(pieces);
+        const long dropped = geolib::dropRepeatedProlines(list, tol);
+        std::size_t i = 0;
+        long expected = 0;
+        const _s_hd_proline_* p = list;
+        for (; i < pieces.size(); ++i) {
+            expected += !kept[i];
+            if (!kept[i])
+                continue;
+            ASSERT_NE(p, nullptr) << tol;
+            EXPECT_EQ(p->owner, static_cast<std::int32_t>(i)) << tol;
+            p = p->next;
+        }
+        EXPECT_EQ(p, nullptr) << tol;
+        EXPECT_EQ(dropped, expected) << tol;
+        EXPECT_GT(dropped, 500) << tol;
+        for (const double bad : {-1.0, vgtest::kNaN})
+            EXPECT_EQ(geolib::dropRepeatedProlines(list, bad), 0);
+        geolib::releaseProline(list);
+    }
+}
+
+// Each allocation failing in turn: -1 and the list as it was.
+TEST(DropRepeatedProlines, LeavesTheListAsItWasWhenAnAllocationFails) {
+    auto pieces = drawing(3, 1e-3);
+    pieces.resize(40);
+    vgtest::forEachFailure(false, [&] {
+        _s_hd_proline_* list = listOf(pieces);
+        if (geolib::dropRepeatedProlines(list, 1e-3) < 0) {
+            long count = 0;
+            for (const _s_hd_proline_* p = list; p != nullptr; p = p->next)
+                ++count;
+            EXPECT_EQ(count, static_cast<long>(pieces.size()));
+        }
+        geolib::releaseProline(list);
+    });
+}
+
+}  // namespace
