@@ -157,6 +157,14 @@ int main(int argc, char** argv) {
     const double tHide = millisecondsSince(t);
 
     t = std::chrono::steady_clock::now();
+    // Two solids that butt (a pipe and its elbow) each return the rim they share: the drawing
+    // keeps one, where the ends agree to a millionth of the scene's largest coordinate.
+    double size = 1.0;
+    for (const _s_hd_prof_* o : objs) {
+        for (const double b : o->box)
+            size = std::fmax(size, std::fabs(b));
+    }
+    geolib::dropRepeatedProlines(visible, 1e-6 * size);
     const std::vector<Segment> vis = segmentsOf(visible);
     std::vector<Segment> all;
     if (opt.hidden) {

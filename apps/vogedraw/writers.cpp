@@ -1,7 +1,6 @@
 // The visible and hidden pieces of the drawing, and its SVG and DXF files.
 #include "writers.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -9,6 +8,8 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "hd_engine.h"
 
 namespace vogedraw {
 namespace {
@@ -119,94 +120,33 @@ std::size_t dropRepeatedPieces(Drawing& d) {
         for (const Segment& s : *set)
             size = std::fmax(size, std::fmax(std::fmax(std::fabs(s.x0), std::fabs(s.y0)),
                                              std::fmax(std::fabs(s.x1), std::fabs(s.y1))));
-    const double tol = kRepeatTol * size;
-    // The pieces in columns tol wide by their leftmost x, each column sorted on the lowest y: a
-    // repeat of a piece lies in its column or a neighbour, within tol of its lowest y.
-    struct Key {
-        double column, bottom;
-        bool hidden;
-        std::size_t index;
-        const Segment* s;
-    };
-    std::vector<Key> keys;
+    // One list, the visible pieces first, each node's owner telling which set it came from:
+    // the library keeps the first of the pieces that repeat each other, so a visible one over
+    // a hidden one. Where the list cannot be built the drawing stays as it is.
+    _s_hd_proline_* list = nullptr;
+    _s_hd_proline_** link = &list;
     for (const std::vector<Segment>* set : {&d.visible, &d.hidden}) {
-        for (std::size_t i = 0; i < set->size(); ++i) {
-            const Segment& s = (*set)[i];
-            const double column = std::floor(std::fmin(s.x0, s.x1) / tol);
-            const double bottom = std::fmin(s.y0, s.y1);
-            if (std::isfinite(column) && std::isfinite(bottom))  // an order to sort on
-                keys.push_back({column, bottom, set == &d.hidden, i, &s});
-        }
-    }
-    const auto before = [](const Key& a, const Key& b) {
-        if (a.column != b.column)
-            return a.column < b.column;
-        if (a.bottom != b.bottom)
-            return a.bottom < b.bottom;
-        return a.hidden != b.hidden ? b.hidden : a.index < b.index;
-    };
-    std::sort(keys.begin(), keys.end(), before);
-    std::vector<std::size_t> starts;  // where each column starts among the keys, and the end
-    for (std::size_t k = 0; k < keys.size(); ++k)
-        if (k == 0 || keys[k].column != keys[k - 1].column)
-            starts.push_back(k);
-    starts.push_back(keys.size());
-    const auto near = [tol](double ax, double ay, double bx, double by) {
-        return std::fabs(ax - bx) <= tol && std::fabs(ay - by) <= tol;
-    };
-    const auto repeats = [&near](const Segment& o, const Segment& p) {
-        return (near(o.x0, o.y0, p.x0, p.y0) && near(o.x1, o.y1, p.x1, p.y1)) ||
-               (near(o.x0, o.y0, p.x1, p.y1) && near(o.x1, o.y1, p.x0, p.y0));
-    };
-    std::vector<char> dropVisible(d.visible.size(), 0), dropHidden(d.hidden.size(), 0);
-    const auto dropped = [&](const Key& k) {
-        return (k.hidden ? dropHidden : dropVisible)[k.index] != 0;
-    };
-    // Visible pieces first, each against the visible ones kept before it; then hidden pieces,
-    // each against every visible piece kept and the hidden ones kept before it.
-    std::size_t count = 0;
-    for (const bool hidden : {false, true}) {
-        for (std::size_t c = 0; c + 1 < starts.size(); ++c) {
-            for (std::size_t k = starts[c]; k < starts[c + 1]; ++k) {
-                if (keys[k].hidden != hidden)
-                    continue;
-                bool repeat = false;
-                for (std::size_t n = c == 0 ? 0 : c - 1; n <= c + 1 && n + 1 < starts.size(); ++n) {
-                    if (std::fabs(keys[starts[n]].column - keys[k].column) > 1.0)
-                        continue;
-                    Key low = keys[k];
-                    low.column = keys[starts[n]].column;
-                    low.bottom -= tol;
-                    low.hidden = false;
-                    low.index = 0;
-                    for (auto it = std::lower_bound(keys.begin() + starts[n],
-                                                    keys.begin() + starts[n + 1], low, before);
-                         !repeat && it != keys.begin() + starts[n + 1] &&
-                         it->bottom <= keys[k].bottom + tol;
-                         ++it) {
-                        const bool earlier = before(*it, keys[k]);
-                        repeat = !dropped(*it) &&
-                                 (it->hidden ? hidden && earlier : hidden || earlier) &&
-                                 &*it != &keys[k] && repeats(*it->s, *keys[k].s);
-                    }
-                }
-                if (repeat) {
-                    (hidden ? dropHidden : dropVisible)[keys[k].index] = 1;
-                    ++count;
-                }
+        for (const Segment& s : *set) {
+            auto* node = static_cast<_s_hd_proline_*>(std::malloc(sizeof(_s_hd_proline_)));
+            if (node == nullptr) {
+                geolib::releaseProline(list);
+                return 0;
             }
+            *node = {{s.x0, s.y0, 0}, {s.x1, s.y1, 0}, 0, set == &d.hidden ? 1 : 0, nullptr};
+            *link = node;
+            link = &node->next;
         }
     }
-    auto compact = [](std::vector<Segment>& set, const std::vector<char>& drop) {
-        std::size_t out = 0;
-        for (std::size_t i = 0; i < set.size(); ++i)
-            if (!drop[i])
-                set[out++] = set[i];
-        set.resize(out);
-    };
-    compact(d.visible, dropVisible);
-    compact(d.hidden, dropHidden);
-    return count;
+    const long dropped = geolib::dropRepeatedProlines(list, kRepeatTol * size);
+    if (dropped > 0) {
+        d.visible.clear();
+        d.hidden.clear();
+        for (const _s_hd_proline_* p = list; p != nullptr; p = p->next)
+            (p->owner != 0 ? d.hidden : d.visible)
+                .push_back({p->start.x, p->start.y, p->end.x, p->end.y});
+    }
+    geolib::releaseProline(list);
+    return dropped > 0 ? static_cast<std::size_t>(dropped) : 0;
 }
 
 bool writeSvg(std::FILE* f, const Drawing& d, bool hidden) {

@@ -30,8 +30,9 @@ Drawing splitPieces(geolib::_s_hd_prof_* const* objs, int n, const geolib::_s_hd
 
 /// Keeps one of the pieces that repeat each other, a visible one where there is one: the same
 /// two ends, either way round, within 1e-6 of the drawing's largest coordinate (two solids
-/// butting, a pipe and its elbow or reducer, each draw their shared rim). So the sheet draws
-/// every edge once. Pieces that only overlap stay. Returns how many went.
+/// butting, a pipe and its elbow or reducer, each draw their shared rim), as the library's
+/// dropRepeatedProlines finds them. So the sheet draws every edge once. Pieces that only
+/// overlap stay. Returns how many went.
 std::size_t dropRepeatedPieces(Drawing& d);
 
 /// An SVG sheet 1600 pixels wide fitted to the drawing: visible pieces solid black, and with
