@@ -2,7 +2,7 @@
 // registered for face intersection, through the hide pass. Checks that every box holds its object,
 // that the engine gives what the plain step-by-step pass gives, node for node and bit for bit (on
 // scenes that pass can finish in time), and that the visible pieces lie on their lines, in order
-// from each line's near end and disjoint.
+// from each line's near end and disjoint; and that dropping the repeated ones takes what it counts.
 #include <cmath>
 #include <tuple>
 #include <type_traits>
@@ -187,6 +187,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     const char* problem = enginetest::piecesProblem(objs, engine);
     VG_FUZZ_CHECK(problem == nullptr, problem);
+    // Dropping repeated pieces takes no more than it says it drops, whatever the pieces are.
+    long before = 0;
+    for (const _s_hd_proline_* p = engine; p != nullptr; p = p->next)
+        ++before;
+    const long dropped = dropRepeatedProlines(engine, 1e-6);
+    for (const _s_hd_proline_* p = engine; p != nullptr; p = p->next)
+        --before;
+    VG_FUZZ_CHECK(dropped >= 0 && before == dropped, "the repeats dropped are the pieces gone");
 
     releaseProline(engine);
     releaseProline(reference);
