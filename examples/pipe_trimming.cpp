@@ -20,6 +20,11 @@ namespace {
 using namespace geolib;
 
 constexpr double kPi = 3.141592653589793;
+// The plot is laid out below in metres and handed to the library in millimetres, a plant's
+// drawing unit: the arc trimming cuts arcs into chords about half a unit long and counts a
+// chord that is partly hidden as hidden, so in metres a bend would be hidden up to a chord of
+// 0.5 m beyond an outline, in millimetres by half a millimetre.
+constexpr double kMm = 1000.0;
 
 struct Seg {
     double x0, y0, x1, y1;
@@ -28,13 +33,15 @@ struct Seg {
 // The outlines: two boxes and an L split into convex pieces. Null if that fails.
 convex* equipment() {
     BOX skid;
-    skid.set(2, 6, 1, 3);
+    skid.set(2 * kMm, 6 * kMm, 1 * kMm, 3 * kMm);
     BOX plinth;
-    plinth.set(12, 16, 6, 10);
+    plinth.set(12 * kMm, 16 * kMm, 6 * kMm, 10 * kMm);
     convex* polys = convertBox2Convex(&skid);
     convex* second = convertBox2Convex(&plinth);
-    const std::vector<VoGePoint3D> building = {{4, 8, 0},    {10, 8, 0},   {10, 10, 0},
-                                               {6.5, 10, 0}, {6.5, 14, 0}, {4, 14, 0}};
+    std::vector<VoGePoint3D> building = {{4, 8, 0},    {10, 8, 0},   {10, 10, 0},
+                                         {6.5, 10, 0}, {6.5, 14, 0}, {4, 14, 0}};
+    for (VoGePoint3D& p : building)
+        p = VoGePoint3D(p.x * kMm, p.y * kMm, 0);
     convex* third = transPtArray2Convex(building);
     if (polys == nullptr || second == nullptr || third == nullptr || !ConvexIdentify(third)) {
         freeConvex(polys);
@@ -59,7 +66,7 @@ void addStretch(std::vector<Seg>& out, const line_cut* piece, double t0, double 
 void addArc(std::vector<Seg>& out, const VoGePoint3D& c, double r, double a0, double a1) {
     if (a1 < a0)
         a1 += 2 * kPi;  // through angle 0
-    const int n = 2 + static_cast<int>((a1 - a0) * r / 0.1);
+    const int n = 2 + static_cast<int>((a1 - a0) * r / (0.1 * kMm));
     for (int k = 0; k < n; ++k) {
         const double u = a0 + (a1 - a0) * k / n;
         const double v = a0 + (a1 - a0) * (k + 1) / n;
@@ -73,10 +80,10 @@ bool writeSvg(const std::string& path, const convex* polys, const std::vector<Se
     std::FILE* f = std::fopen(path.c_str(), "w");
     if (f == nullptr)
         return false;
-    const double scale = 50.0;
-    const double w = 20 * scale;
-    const double h = 16 * scale;
-    auto X = [&](double x) { return 20 + x * scale; };
+    const double scale = 50.0 / kMm;
+    const double w = 20 * kMm * scale;
+    const double h = 16 * kMm * scale;
+    auto X = [&](double x) { return 20 + x * scale; };      // millimetres to the sheet
     auto Y = [&](double y) { return h - 20 - y * scale; };  // y up on the sheet
     std::fprintf(f,
                  "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.0f\" height=\"%.0f\">\n"
@@ -130,7 +137,8 @@ int main(int argc, char** argv) {
     line_cut** link = &pieces;
     bool ok = true;
     for (const auto& r : runs) {
-        *link = mallocLineCut(VoGePoint3D(r[0], r[1], 0), VoGePoint3D(r[2], r[3], 0));
+        *link = mallocLineCut(VoGePoint3D(r[0] * kMm, r[1] * kMm, 0),
+                              VoGePoint3D(r[2] * kMm, r[3] * kMm, 0));
         if (*link == nullptr) {
             ok = false;
             break;
@@ -153,19 +161,20 @@ int main(int argc, char** argv) {
         double cx, cy, r, a0, a1;
     } arcs[] = {{10, 5, 3, 0.0, kPi}, {14, 12, 2.5, -0.5 * kPi, 0.5 * kPi}, {4, 5, 3.2, 0, 0}};
     for (const ArcRun& a : arcs) {
-        double c[3] = {a.cx, a.cy, 0};
+        double c[3] = {a.cx * kMm, a.cy * kMm, 0};
         const bool full = a.a0 == a.a1;
-        arc_cut* cut = full ? polygonTrimCircle(polys, c, a.r)
-                            : polygonTrimArc(polys, c, a.r, a.a0 < 0 ? a.a0 + 2 * kPi : a.a0, a.a1);
+        const double r = a.r * kMm;
+        arc_cut* cut = full ? polygonTrimCircle(polys, c, r)
+                            : polygonTrimArc(polys, c, r, a.a0 < 0 ? a.a0 + 2 * kPi : a.a0, a.a1);
         if (cut == nullptr) {
             ok = false;
             continue;
         }
         // The whole arc dashed underneath, what stays visible solid over it.
-        const VoGePoint3D centre(a.cx, a.cy, 0);
-        addArc(hidden, centre, a.r, full ? 0.0 : cut->startAngle, full ? 2 * kPi : cut->endAngle);
+        const VoGePoint3D centre(c[0], c[1], 0);
+        addArc(hidden, centre, r, full ? 0.0 : cut->startAngle, full ? 2 * kPi : cut->endAngle);
         for (const paramt* v = cut->params; v != nullptr; v = v->next)
-            addArc(visible, centre, a.r, v->t0, v->t1);
+            addArc(visible, centre, r, v->t0, v->t1);
         freeArcCut(cut);
     }
 
