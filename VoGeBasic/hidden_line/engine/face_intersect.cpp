@@ -187,8 +187,28 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
 // plane by under 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and
 // the outline test of x. Past that bound the angles are measured, as the unprepared test measures
 // them.
-int insideFace(_s_hd_point_ x, bool bounded, const HDFace& face, const FacePrep& prep) {
-    return bounded ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
+//
+// x within kInFaceVertexDist2 (squared) of a vertex is in the face by isPointInFace's first test,
+// and the outline test, asked first with the prepared data, never places such a point outside:
+// it does so only beyond an edge's line by more than its margin (at least kCullMarginAbs) in the
+// drawing, where every vertex lies on the face's side of that line to within the rounding of the
+// sides, 6e-6, so x lies farther than 1e-4 from every vertex. So the vertex test may come first,
+// and does where x lies within kNearEdgeEnd of an end of its edge (t along it, its squared length
+// len2): there, in a plant, lie most points found at a vertex, where two faces share one.
+int insideFace(_s_hd_point_ x, double t, double len2, bool bounded, const HDFace& face,
+               const FacePrep& prep) {
+    constexpr double kNearEdgeEnd = 2e-4;
+    if (!bounded)
+        return isPointInFace(x, face.count, face.v);
+    const double u = 1.0 - t;
+    if (t * t * len2 <= kNearEdgeEnd * kNearEdgeEnd ||
+        u * u * len2 <= kNearEdgeEnd * kNearEdgeEnd) {
+        for (int k = 0; k < face.count; ++k) {
+            if (pointDist2(x, face.v[k]) <= hd::kInFaceVertexDist2)
+                return 1;
+        }
+    }
+    return isPointInFace(x, face, prep);
 }
 
 // True when edge k of e pierces the face `plane`, at x, and x is not at *same (when given: the
@@ -219,7 +239,7 @@ bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, 
     if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k], bounded)
                       : isPointOnSeg(x, a, b) == 0)
         return false;
-    return (pp != nullptr ? insideFace(x, bounded, plane, *pp)
+    return (pp != nullptr ? insideFace(x, t, bounded ? ep->len2[k] : 0.0, bounded, plane, *pp)
                           : isPointInFace(x, plane.count, plane.v)) != 0;
 }
 
