@@ -180,8 +180,8 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
 
 // isPointInFace(x, face.count, face.v) for the point x where the edge a -> b meets the face's
 // plane, x lying on that edge, with the face's prepared data (withOutline); bounded:
-// boundedEnds(a, b). Its outline data answers for x as it does in the hide pass for a point where a
-// line meets the plane, off it by rounding alone, below 1e-5 at coordinates within kCullCoordLimit:
+// boundedEnds(a, b). Its outline data answers for x as it does for a point of the plane off it by
+// rounding alone, below 1e-5 at coordinates within kCullCoordLimit (withOutline's margin):
 // here x = a + t (b - a), t = n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the
 // rounding of both dot products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the
 // plane by under 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and
@@ -190,7 +190,7 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
 //
 // x within kInFaceVertexDist2 (squared) of a vertex is in the face by isPointInFace's first test,
 // and the outline test, asked first with the prepared data, never places such a point outside:
-// it does so only beyond an edge's line by more than its margin (at least kCullMarginAbs) in the
+// it does so only beyond an edge's line by more than its margin (at least kInsideMarginAbs) in the
 // drawing, where every vertex lies on the face's side of that line to within the rounding of the
 // sides, 6e-6, so x lies farther than 1e-4 from every vertex. So the vertex test may come first,
 // and does where x lies within kNearEdgeEnd of an end of its edge (t along it, its squared length
@@ -287,16 +287,41 @@ void edgeDirections(const HDFace& face, FacePrep& prep) {
         prep.dir[k] = unitDir(face.v[nextVertex(k, face.count)], face.v[k]);
 }
 
+// The outline margin of a face of size D (faceSize) for the points face intersection asks of
+// it, kInsideMarginAbs + kInsideMarginRel * D, narrower than the hide pass's (outlineOf), whose
+// absolute part covers its lines' reach behind a face. outlineSideOf's proof holds with it, its
+// bounds taken again for this margin m:
+// - A point beyond an edge's line by more than m in the drawing (less the sides' rounding,
+//   6e-6) lies as far from the whole face, in space too. isPointInFace's vertex test accepts
+//   points within 1e-4 of a vertex, and isPointOnSeg points within 3.2e-5 of an end or within
+//   2.5e-4 L + 1.2e-4 sqrt L of an edge of length L <= D (see kCullMarginAbs), at most
+//   0.01 + 2.504e-4 D as 1.2e-4 sqrt L <= 0.01 + 3.6e-7 L: below m - 6e-6, so neither answers 1.
+// - The cosines' rounding: p's distances from an edge's ends differ by a ratio of at most
+//   1 + D / m <= 4000, so each cosine is off by under 4e-12 and each angle by under 3e-6.
+// - p farther than m from every edge (outside, from the whole face; inside, from every edge's
+//   line) sees each edge at least 1e-3 short of a half turn (4 m / (L + 2 m) or more): an angle's
+//   sign is in doubt only where its edge subtends next to nothing.
+// - The fourth vertex's offset from the plane (kCullFlatRel D) and p's (rounding, below 1e-5)
+//   move an angle by at most the one plus twice the other over p's distance from the nearer end
+//   of its edge, at least m: by under 1e-6 D / (2.504e-4 D) + 2e-5 / 0.0101 = 6e-3, and the
+//   four by 0.024: far inside kInFaceTurnTol.
+// So beyond m outside an edge's line the angle sum is 0 and nothing else answers 1, and inside
+// every edge's line by m the angles add up to a full turn: the outline answers as the angles do.
+constexpr double kInsideMarginAbs = 0.0101;
+constexpr double kInsideMarginRel = 2.504e-4;
+
 // The rest of prepareFaceTests (prepareEdgeTests and the area normal; dir is set already:
 // edgeDirections), and the outline data that lets isPointInFace settle most points without
-// measuring angles (outlineOf), as the hide pass prepares it.
+// measuring angles (outlineOf, with the margin above where outlineOf gives one).
 void withOutline(const HDFace& face, FacePrep& prep) {
     prepareEdgeTests(face, prep);
     prep.area = faceAreaNormal(face);
     double lengths[kMaxFaceVertices];
     for (int k = 0; k < face.count; ++k)
         lengths[k] = prep.run[k].len;
-    prep.outlineMargin = outlineOf(face, faceSize(face), lengths, prep.side);
+    const double size = faceSize(face);
+    const bool usable = outlineOf(face, size, lengths, prep.side) > 0.0;
+    prep.outlineMargin = usable ? kInsideMarginAbs + kInsideMarginRel * size : 0.0;
 }
 
 // A face read for intersection, with its faceFacts and its prepared data: the edges'
