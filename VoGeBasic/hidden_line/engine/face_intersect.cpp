@@ -180,15 +180,35 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
 
 // isPointInFace(x, face.count, face.v) for the point x where the edge a -> b meets the face's
 // plane, x lying on that edge, with the face's prepared data (withOutline); bounded:
-// boundedEnds(a, b). Its outline data answers for x as it does in the hide pass for a point where a
-// line meets the plane, off it by rounding alone, below 1e-5 at coordinates within kCullCoordLimit:
+// boundedEnds(a, b). Its outline data answers for x as it does for a point of the plane off it by
+// rounding alone, below 1e-5 at coordinates within kCullCoordLimit (withOutline's margin):
 // here x = a + t (b - a), t = n . (v0 - a) / n . (b - a) (n the unit normal, v0 a vertex), and the
 // rounding of both dot products, a part in 1e16 of |v0 - a| and of |b - a| times t, moves x off the
 // plane by under 1e-6 when a and b lie within kCullCoordLimit, as outlineOf asks of the face and
 // the outline test of x. Past that bound the angles are measured, as the unprepared test measures
 // them.
-int insideFace(_s_hd_point_ x, bool bounded, const HDFace& face, const FacePrep& prep) {
-    return bounded ? isPointInFace(x, face, prep) : isPointInFace(x, face.count, face.v);
+//
+// x within kInFaceVertexDist2 (squared) of a vertex is in the face by isPointInFace's first test,
+// and the outline test, asked first with the prepared data, never places such a point outside:
+// it does so only beyond an edge's line by more than its margin (at least kInsideMarginAbs) in the
+// drawing, where every vertex lies on the face's side of that line to within the rounding of the
+// sides, 6e-6, so x lies farther than 1e-4 from every vertex. So the vertex test may come first,
+// and does where x lies within kNearEdgeEnd of an end of its edge (t along it, its squared length
+// len2): there, in a plant, lie most points found at a vertex, where two faces share one.
+int insideFace(_s_hd_point_ x, double t, double len2, bool bounded, const HDFace& face,
+               const FacePrep& prep) {
+    constexpr double kNearEdgeEnd = 2e-4;
+    if (!bounded)
+        return isPointInFace(x, face.count, face.v);
+    const double u = 1.0 - t;
+    if (t * t * len2 <= kNearEdgeEnd * kNearEdgeEnd ||
+        u * u * len2 <= kNearEdgeEnd * kNearEdgeEnd) {
+        for (int k = 0; k < face.count; ++k) {
+            if (pointDist2(x, face.v[k]) <= hd::kInFaceVertexDist2)
+                return 1;
+        }
+    }
+    return isPointInFace(x, face, prep);
 }
 
 // True when edge k of e pierces the face `plane`, at x, and x is not at *same (when given: the
@@ -219,7 +239,7 @@ bool piercesAt(const HDFace& e, int k, const HDFace& plane, const FacePrep* ep, 
     if (ep != nullptr ? !onSegAt(x, t, ep->len2[k], a, b, ep->reach[k], bounded)
                       : isPointOnSeg(x, a, b) == 0)
         return false;
-    return (pp != nullptr ? insideFace(x, bounded, plane, *pp)
+    return (pp != nullptr ? insideFace(x, t, bounded ? ep->len2[k] : 0.0, bounded, plane, *pp)
                           : isPointInFace(x, plane.count, plane.v)) != 0;
 }
 
@@ -261,22 +281,81 @@ int allPiercings(const HDFace& e, const HDFace& plane, const FacePrep* ep, const
     return n;
 }
 
-// prepareFaceTests, and the outline data that lets isPointInFace settle most points without
-// measuring angles (outlineOf), as the hide pass prepares it.
+// The edges' unit directions, prepareFaceTests' dir.
+void edgeDirections(const HDFace& face, FacePrep& prep) {
+    for (int k = 0; k < face.count; ++k)
+        prep.dir[k] = unitDir(face.v[nextVertex(k, face.count)], face.v[k]);
+}
+
+// The outline margin of a face of size D (faceSize) for the points face intersection asks of
+// it, kInsideMarginAbs + kInsideMarginRel * D, narrower than the hide pass's (outlineOf), whose
+// absolute part covers its lines' reach behind a face. outlineSideOf's proof holds with it, its
+// bounds taken again for this margin m:
+// - A point beyond an edge's line by more than m in the drawing (less the sides' rounding,
+//   6e-6) lies as far from the whole face, in space too. isPointInFace's vertex test accepts
+//   points within 1e-4 of a vertex, and isPointOnSeg points within 3.2e-5 of an end or within
+//   2.5e-4 L + 1.2e-4 sqrt L of an edge of length L <= D (see kCullMarginAbs), at most
+//   0.01 + 2.504e-4 D as 1.2e-4 sqrt L <= 0.01 + 3.6e-7 L: below m - 6e-6, so neither answers 1.
+// - The cosines' rounding: p's distances from an edge's ends differ by a ratio of at most
+//   1 + D / m <= 4000, so each cosine is off by under 4e-12 and each angle by under 3e-6.
+// - p farther than m from every edge (outside, from the whole face; inside, from every edge's
+//   line) sees each edge at least 1e-3 short of a half turn (4 m / (L + 2 m) or more): an angle's
+//   sign is in doubt only where its edge subtends next to nothing.
+// - The fourth vertex's offset from the plane (kCullFlatRel D) and p's (rounding, below 1e-5)
+//   move an angle by at most the one plus twice the other over p's distance from the nearer end
+//   of its edge, at least m: by under 1e-6 D / (2.504e-4 D) + 2e-5 / 0.0101 = 6e-3, and the
+//   four by 0.024: far inside kInFaceTurnTol.
+// So beyond m outside an edge's line the angle sum is 0 and nothing else answers 1, and inside
+// every edge's line by m the angles add up to a full turn: the outline answers as the angles do.
+constexpr double kInsideMarginAbs = 0.0101;
+constexpr double kInsideMarginRel = 2.504e-4;
+
+// The rest of prepareFaceTests (prepareEdgeTests and the area normal; dir is set already:
+// edgeDirections), and the outline data that lets isPointInFace settle most points without
+// measuring angles (outlineOf, with the margin above where outlineOf gives one).
 void withOutline(const HDFace& face, FacePrep& prep) {
-    prepareFaceTests(face, prep);
+    prepareEdgeTests(face, prep);
+    prep.area = faceAreaNormal(face);
     double lengths[kMaxFaceVertices];
     for (int k = 0; k < face.count; ++k)
         lengths[k] = prep.run[k].len;
-    prep.outlineMargin = outlineOf(face, faceSize(face), lengths, prep.side);
+    const double size = faceSize(face);
+    const bool usable = outlineOf(face, size, lengths, prep.side) > 0.0;
+    prep.outlineMargin = usable ? kInsideMarginAbs + kInsideMarginRel * size : 0.0;
 }
 
-// A face read for intersection, with its prepared data and its faceFacts.
+// A face read for intersection, with its faceFacts and its prepared data: the edges'
+// directions (edgeDirections) when read, the rest once a pair of it is left open (prepOf).
 struct PreparedFace {
     FaceFacts facts;  ///< first: a pair's first tests read it alone
     HDFace face;
+    bool prepared;  ///< prep holds withOutline's data too
     FacePrep prep;
 };
+
+// A face read for intersection: false for a chain that readFace does not take.
+bool readPreparedFace(const _s_hd_sect_* chain, PreparedFace& f) {
+    if (!readFace(chain, f.face))
+        return false;
+    f.facts = faceFacts(f.face);
+    edgeDirections(f.face, f.prep);
+    f.prepared = false;
+    return true;
+}
+
+// prepOf's first asking, out of line: the loops over the pairs that ask it keep only the test.
+__attribute__((noinline)) void prepareRest(PreparedFace& f) {
+    withOutline(f.face, f.prep);
+    f.prepared = true;
+}
+// f's prepared data, the rest worked out on first asking: withOutline depends on the face alone,
+// so when it is worked out changes none of it. In a generated plant over a quarter of the faces
+// read are never left open with another and are never prepared.
+inline const FacePrep* prepOf(PreparedFace& f) {
+    if (!f.prepared)
+        prepareRest(f);
+    return &f.prep;
+}
 
 // The common box of one object's faces (the extents of those that have them), with what
 // clearOfObject asks of it.
@@ -320,8 +399,9 @@ struct ObjectFaces {
     ObjectBox box;  ///< objectBox of the faces
 };
 
-// The faces of obj, read and prepared once for all the registered objects. faces is null if the
-// object has no face to read or an allocation fails (ok false).
+// The faces of obj, read once for all the registered objects (each prepared once, when first
+// asked: prepOf). faces is null if the object has no face to read or an allocation fails (ok
+// false).
 ObjectFaces readFaces(const _s_hd_prof_* obj, bool& ok) {
     ObjectFaces read = {nullptr, 0, nullptr, {}};
     ok = true;
@@ -338,10 +418,8 @@ ObjectFaces readFaces(const _s_hd_prof_* obj, bool& ok) {
     auto* ext = reinterpret_cast<Extents*>(faces + total);
     int count = 0;
     for (const _s_hd_prosect_* f = obj->prosect; f != nullptr; f = f->next) {
-        HDFace& face = faces[count].face;
-        if (readFace(f->sect, face)) {
-            withOutline(face, faces[count].prep);
-            faces[count].facts = faceFacts(face);
+        const HDFace& face = faces[count].face;
+        if (readPreparedFace(f->sect, faces[count])) {
             ext[count] = {face.xmax, face.xmin, face.ymax, face.ymin, face.zmax, face.zmin};
             ++count;
         }
@@ -981,7 +1059,7 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
     int room = 0;
     bool ok = true;
     for (int fi = 0; fi < n && ok; ++fi) {
-        const PreparedFace& f = own.faces[fi];
+        PreparedFace& f = own.faces[fi];
         const Extents& fe = own.ext[fi];
         if (!extentsOverlap(fe, all))
             continue;
@@ -999,50 +1077,49 @@ bool meetOwnFaces(ObjectFaces own, const Extents& all, const SlabIndex& slabs,
                 continue;
             }
             ++out;
-            const PreparedFace& g = own.faces[notMet];
+            PreparedFace& g = own.faces[notMet];
             const PairSides sides = openPair(f, fe, g, own.ext[notMet]);
             _s_hd_point_ a;
             _s_hd_point_ b;
-            if (!sides.apart && cutAlong(f.face, &f.prep, g.face, &g.prep, sides, a, b))
+            if (!sides.apart && cutAlong(f.face, prepOf(f), g.face, prepOf(g), sides, a, b))
                 ok = found.append(a, b);
         }
         // f itself and the faces after it (those that may overlap it: the others lie apart).
         SlabVisit near(slabs, fe, fi, n);
         for (int gi = near.next(); gi >= 0 && ok; gi = near.next()) {
-            const PreparedFace& g = own.faces[gi];
+            PreparedFace& g = own.faces[gi];
             const PairSides sides = openPair(f, fe, g, own.ext[gi], gi != fi);
             if (sides.apart)
                 continue;
+            const FacePrep* fp = prepOf(f);
+            const FacePrep* gp = prepOf(g);
             _s_hd_point_ a;
             _s_hd_point_ b;
             if (gi == fi) {
-                if (cutAlong(f.face, &f.prep, g.face, &g.prep, sides, a, b))
+                if (cutAlong(f.face, fp, g.face, gp, sides, a, b))
                     ok = found.append(a, b);
                 continue;
             }
             _s_hd_point_ fromF[kMaxFaceVertices];
             _s_hd_point_ fromG[kMaxFaceVertices];
-            const int nf = allPiercings(f.face, g.face, &f.prep, &g.prep, sides.fOff, fromF);
-            const int ng = allPiercings(g.face, f.face, &g.prep, &f.prep, sides.gOff, fromG);
+            const int nf = allPiercings(f.face, g.face, fp, gp, sides.fOff, fromF);
+            const int ng = allPiercings(g.face, f.face, gp, fp, sides.gOff, fromG);
             _s_hd_point_ p[2];
             _s_hd_point_ q[2];
             const bool twoP = firstTwo(fromF, nf, fromG, ng, p);
-            const bool alongP = twoP && alongEdge(p, f.face, &f.prep, g.face, &g.prep);
+            const bool alongP = twoP && alongEdge(p, f.face, fp, g.face, gp);
             // runsAlongEdge takes its two points either way round: the same two points run
             // along an edge of both faces in either order or in neither.
             const bool twoQ = firstTwo(fromG, ng, fromF, nf, q);
             const bool alongQ =
-                twoQ &&
-                (twoP && samePair(p, q) ? alongP : alongEdge(q, g.face, &g.prep, f.face, &f.prep));
+                twoQ && (twoP && samePair(p, q) ? alongP : alongEdge(q, g.face, gp, f.face, fp));
             // As cutAlong goes on where the first two run along an edge of both.
             const bool line =
-                twoP &&
-                (!alongP || (mayLookOn(p, f.face, g.face) &&
-                             lookOn(fromF, nf, fromG, ng, p, f.face, &f.prep, g.face, &g.prep)));
+                twoP && (!alongP || (mayLookOn(p, f.face, g.face) &&
+                                     lookOn(fromF, nf, fromG, ng, p, f.face, fp, g.face, gp)));
             const bool back =
-                twoQ &&
-                (!alongQ || (mayLookOn(q, g.face, f.face) &&
-                             lookOn(fromG, ng, fromF, nf, q, g.face, &g.prep, f.face, &f.prep)));
+                twoQ && (!alongQ || (mayLookOn(q, g.face, f.face) &&
+                                     lookOn(fromG, ng, fromF, nf, q, g.face, gp, f.face, fp)));
             if (line)
                 ok = found.append(p[0], p[1]);
             if (!ok || !extentsOverlap(own.ext[gi], all))
@@ -1097,10 +1174,10 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
     // The faces of obj a face met may overlap.
     const SlabIndex slabs = slabIndex(own.ext, own.count, all);
     ProlineChain found;
-    // getFaceInterLine for f and each face of obj, with the faces' prepared data; f, unless
-    // prepared already, is prepared only once a pair is left open. A face whose plane leaves
-    // all of obj well to one side meets none of its faces (clearOfObject).
-    auto meet = [&](PreparedFace& f, bool prepared, const unsigned char* passOver) {
+    // getFaceInterLine for f and each face of obj, with the faces' prepared data (prepOf: each
+    // prepared once a pair of it is left open). A face whose plane leaves all of obj well to one
+    // side meets none of its faces (clearOfObject).
+    auto meet = [&](PreparedFace& f, const unsigned char* passOver) {
         if (clearOfObject(f, box))
             return;
         const Extents fe = {f.face.xmax, f.face.xmin, f.face.ymax,
@@ -1110,16 +1187,13 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
         for (int g = near.next(); g >= 0 && ok; g = near.next()) {
             if (slabs.bits == nullptr && passOver != nullptr && passOver[g] != 0)
                 continue;
-            const PreparedFace& h = own.faces[g];
+            PreparedFace& h = own.faces[g];
             const PairSides sides = openPair(f, fe, h, own.ext[g]);
             if (sides.apart)
                 continue;
-            if (!prepared)
-                withOutline(f.face, f.prep);
-            prepared = true;
             _s_hd_point_ a;
             _s_hd_point_ b;
-            if (cutAlong(f.face, &f.prep, h.face, &h.prep, sides, a, b))
+            if (cutAlong(f.face, prepOf(f), h.face, prepOf(h), sides, a, b))
                 ok = found.append(a, b);
         }
     };
@@ -1141,16 +1215,14 @@ void addCutLines(_s_hd_prof_* obj, ObjectFaces own, ForEachRegistered&& forEachR
         }
         for (int k = 0; k < read.count && ok; ++k) {
             if (extentsOverlap(read.faces[k].face, all))
-                meet(read.faces[k], true, passOver ? clear : nullptr);
+                meet(read.faces[k], passOver ? clear : nullptr);
         }
         if (read.faces != nullptr)
             return ok;
         for (const _s_hd_prosect_* fs = other->prosect; fs != nullptr && ok; fs = fs->next) {
             PreparedFace f;
-            if (!readFace(fs->sect, f.face) || !extentsOverlap(f.face, all))
-                continue;
-            f.facts = faceFacts(f.face);
-            meet(f, false, nullptr);
+            if (readPreparedFace(fs->sect, f) && extentsOverlap(f.face, all))
+                meet(f, nullptr);
         }
         return ok;
     });
