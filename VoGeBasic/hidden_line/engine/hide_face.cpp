@@ -30,13 +30,21 @@ bool onEdgeAt(_s_hd_point_ p, double t, const HDFace& f, int k, const FaceTestAi
         aids.prep != nullptr ? aids.prep->len2[k] : pointDist2(f.v[k], f.v[nextVertex(k, f.count)]);
     return (surelyWithinSegment(t, len2) && edgeBounded(f, k, aids)) || onEdge(p, f, k, aids);
 }
+// The side of the line's projection that vertex k lies on, as crossParameters works it out.
+double vertexSide(const HideLine& line, const HDFace& f, int k) {
+    return det2(f.v[k].x - line.p.x, f.v[k].y - line.p.y, line.run.dx, line.run.dy);
+}
 // crossParameters of the line and edge k: where their projections cross, as crossProjections
-// works it out, with the points left to pointAlong.
-ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
+// works it out, with the points left to pointAlong. side is vertexSide of vertex k.
+ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids,
+                       double side) {
     const _s_hd_point_ a = f.v[k];
     return crossParameters(
         line.p, a, line.run,
-        aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, f.v[nextVertex(k, f.count)]));
+        aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, f.v[nextVertex(k, f.count)]), side);
+}
+ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
+    return crossEdge(line, f, k, aids, vertexSide(line, f, k));
 }
 
 // isLineCrossPlane(a, b, n) != 0, n a unit normal, deciding from the unnormalised direction
@@ -154,7 +162,7 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
     const double apart = (kEdgeApartAbs + kEdgeApartRel * faceSize(f)) * line.run.len;
     double side[kMaxFaceVertices];
     for (int k = 0; k < f.count; ++k)
-        side[k] = det2(f.v[k].x - p.x, f.v[k].y - p.y, line.run.dx, line.run.dy);
+        side[k] = vertexSide(line, f, k);
     int found = 0;
     for (int k = 0; k < f.count; ++k) {
         const int next = nextVertex(k, f.count);
@@ -162,7 +170,7 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
              (side[k] < -apart && side[next] < -apart)) &&
             line.bounded && edgeBounded(f, k, aids))
             continue;
-        const ProjCrossing x = crossEdge(line, f, k, aids);
+        const ProjCrossing x = crossEdge(line, f, k, aids, side[k]);
         if (x.parallel)
             continue;
         // A crossing far beyond an end of the line fails the last test below (beyondLineEnds),
