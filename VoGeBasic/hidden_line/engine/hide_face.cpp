@@ -77,11 +77,14 @@ bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
     if (q2 <= hd::kNullLengthSq)
         return false;
     if (q2 >= kSureCrossLen2Min && q2 <= kSureCrossLen2Max) {
+        // The two answers exclude each other (kParallelBelow is below kCrossAbove, and rounding
+        // keeps the order of their products with q2), so the parallel one, which most pairs
+        // answer (a line in the face's plane asks all six), is asked first.
         const double d = vecDot(v, n);
-        if (d * d > kCrossAbove * q2)
-            return true;
         if (d * d < kParallelBelow * q2)
             return false;
+        if (d * d > kCrossAbove * q2)
+            return true;
     }
     return isLineCrossPlane(a, b, n) != 0;
 }
