@@ -136,14 +136,16 @@ bool readFace(const _s_hd_sect_* chain, HDFace& face) {
     face.xmax = face.xmin = face.v[0].x;
     face.ymax = face.ymin = face.v[0].y;
     face.zmax = face.zmin = face.v[0].z;
+    // maxOf and minOf, inline, give what fmax and fmin give, but for the sign of a zero: the
+    // extents are only compared, or summed into margins, centres and sizes that are compared.
     for (int k = 1; k < count; ++k) {
         const _s_hd_point_ p = face.v[k];
-        face.xmax = std::fmax(face.xmax, p.x);
-        face.xmin = std::fmin(face.xmin, p.x);
-        face.ymax = std::fmax(face.ymax, p.y);
-        face.ymin = std::fmin(face.ymin, p.y);
-        face.zmax = std::fmax(face.zmax, p.z);
-        face.zmin = std::fmin(face.zmin, p.z);
+        face.xmax = maxOf(face.xmax, p.x);
+        face.xmin = minOf(face.xmin, p.x);
+        face.ymax = maxOf(face.ymax, p.y);
+        face.ymin = minOf(face.ymin, p.y);
+        face.zmax = maxOf(face.zmax, p.z);
+        face.zmin = minOf(face.zmin, p.z);
     }
     face.normal = triNormal(face.v[0], face.v[1], face.v[2]);
     return true;

@@ -153,6 +153,14 @@ public:
     /// isPointOnSeg of a piece end lying at along on the segment of the piece ends lying at a and
     /// b, where their places along the line settle it: 1 or 0, or -1 where they do not.
     int onByAlong(double along, double a, double b) const;
+    /// What onByAlong asks of the segment alone: its least and greatest places and the share of
+    /// its length an end must keep from both (alongSpan of a and b).
+    struct AlongSpan {
+        double lo, hi, rel;
+    };
+    AlongSpan alongSpan(double a, double b) const;
+    /// onByAlong with the segment's span worked out already, the same answer.
+    int onByAlong(double along, const AlongSpan& span) const;
     /// Keeps the first n pieces (as merged: the first row is played afresh).
     void truncate(size_t n) {
         count_ = n < count_ ? n : count_;
@@ -183,7 +191,9 @@ private:
     size_t settled_ = 0;      ///< the pieces there were when the first row last found nothing
     bool lineKnown_ = false;  ///< the pieces are hidden on the line below (clearFor)
     _s_hd_point_ lineP_{}, lineRun_{};  ///< the line's near end p and its run q - p
-    double lineLen2_ = 0.0;             ///< lineRun_.lineRun_
+    /// onByAlong's squared distances along the line, off and well on a segment, in the places'
+    /// measure: kAlongOff^2 and kAlongOn^2 times lineRun_.lineRun_.
+    double alongOff2_ = 0.0, alongOn2_ = 0.0;
 };
 
 /// Merges the hidden pieces of the line p -> q (consumed) and sets visible to their complement

@@ -128,19 +128,23 @@ inline _s_hd_point_ pointAlong(_s_hd_point_ a, _s_hd_point_ b, double t) {
 }
 /// crossProjections' parameters alone (parallel, lineAt, edgeAt), from the runs of a -> b and
 /// c -> d; onLine and onEdge are left at a and c, to be worked out with pointAlong where asked.
+/// edgeSide is det2(c.x - a.x, c.y - a.y, line.dx, line.dy), the side of the line c lies on and
+/// edgeAt's numerator, for callers that have it already.
 inline ProjCrossing crossParameters(_s_hd_point_ a, _s_hd_point_ c, const FlatRun& line,
-                                    const FlatRun& edge) {
+                                    const FlatRun& edge, double edgeSide) {
     ProjCrossing x = {true, a, c, 0.0, 0.0};
     const double den = det2(line.dx, line.dy, edge.dx, edge.dy);
     if (!(line.len > 0.0) || !(edge.len > 0.0) ||
         std::fabs(den) < hd::kProjParallelTol * line.len * edge.len)
         return x;
-    const double wx = c.x - a.x;
-    const double wy = c.y - a.y;
     x.parallel = false;
-    x.lineAt = det2(wx, wy, edge.dx, edge.dy) / den;
-    x.edgeAt = det2(wx, wy, line.dx, line.dy) / den;
+    x.lineAt = det2(c.x - a.x, c.y - a.y, edge.dx, edge.dy) / den;
+    x.edgeAt = edgeSide / den;
     return x;
+}
+inline ProjCrossing crossParameters(_s_hd_point_ a, _s_hd_point_ c, const FlatRun& line,
+                                    const FlatRun& edge) {
+    return crossParameters(a, c, line, edge, det2(c.x - a.x, c.y - a.y, line.dx, line.dy));
 }
 /// crossProjections with the runs of a -> b and c -> d already worked out.
 inline ProjCrossing crossProjections(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ c, _s_hd_point_ d,

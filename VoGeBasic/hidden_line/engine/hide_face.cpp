@@ -30,24 +30,36 @@ bool onEdgeAt(_s_hd_point_ p, double t, const HDFace& f, int k, const FaceTestAi
         aids.prep != nullptr ? aids.prep->len2[k] : pointDist2(f.v[k], f.v[nextVertex(k, f.count)]);
     return (surelyWithinSegment(t, len2) && edgeBounded(f, k, aids)) || onEdge(p, f, k, aids);
 }
+// The side of the line's projection that vertex k lies on, as crossParameters works it out.
+double vertexSide(const HideLine& line, const HDFace& f, int k) {
+    return det2(f.v[k].x - line.p.x, f.v[k].y - line.p.y, line.run.dx, line.run.dy);
+}
 // crossParameters of the line and edge k: where their projections cross, as crossProjections
-// works it out, with the points left to pointAlong.
-ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
+// works it out, with the points left to pointAlong. side is vertexSide of vertex k.
+ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids,
+                       double side) {
     const _s_hd_point_ a = f.v[k];
     return crossParameters(
         line.p, a, line.run,
-        aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, f.v[nextVertex(k, f.count)]));
+        aids.prep != nullptr ? aids.prep->run[k] : flatRunOf(a, f.v[nextVertex(k, f.count)]), side);
+}
+ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceTestAids& aids) {
+    return crossEdge(line, f, k, aids, vertexSide(line, f, k));
 }
 
 // isLineCrossPlane(a, b, n) != 0, n a unit normal, deciding from the unnormalised direction
-// v = b - a wherever that is sure and normalising only near the tolerance. With the squared
-// length q2 (snapped as vecLength snaps it) between kSureCrossLen2Min and kSureCrossLen2Max, the
-// snapping moves the length by parts in 1e11 and the dot product v.n, here and after dividing by
-// the length there, is rounded by at most about 1e-15 of the length; so where |v.n| is farther
-// than kSureCrossBand of the length from kPlaneParallelTol times it (squares compared, rounded by
-// parts in 1e15), both give the same side. Outside that range, and for NaN, the exact test runs.
+// v = b - a wherever that is sure and normalising only near the tolerance. The exact test divides
+// v by its length after snapping (vecLength), which only sets components below kComponentSnap to
+// zero: its squared length is at most q2 = v.v here (each square no larger, the rounded sum
+// monotone), and with q2 at least kSureCrossLen2Min it is smaller by at most 3e-18, parts in 1e12
+// (the length by half that). The dot product v.n, here and after dividing by the length there, is
+// rounded by at most about 1e-15 of the length; so with q2 up to kSureCrossLen2Max, where |v.n| is
+// farther than kSureCrossBand of the length from kPlaneParallelTol times it (squares compared,
+// rounded by parts in 1e15), both give the same side. Outside that range, and for NaN, the exact
+// test runs.
 bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
-    // Far above the 1e-15 the two dot products can differ by, per unit of length.
+    // Far above the 1e-15 the two dot products can differ by, and the 1e-16 the snapping moves the
+    // tolerance by, per unit of length.
     constexpr double kSureCrossBand = 1e-12;
     // A length of at least 1e-3 keeps the snapping's part tiny and the vector far above
     // kUnitMinLength; 1e200 keeps the squares finite.
@@ -58,21 +70,21 @@ bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
     constexpr double kParallelBelow =
         (hd::kPlaneParallelTol - kSureCrossBand) * (hd::kPlaneParallelTol - kSureCrossBand);
     const _s_hd_point_ v = vecSub(b, a);
-    const double x = detail::snapComponent(v.x);
-    const double y = detail::snapComponent(v.y);
-    const double z = detail::snapComponent(v.z);
-    const double q2 = x * x + y * y + z * z;
+    const double q2 = vecDot(v, v);
     // Ends that coincide to within the snapping (a face vertex that is the line's end, as on
-    // every edge of the face the line runs along): q2 is the very sum vecLength forms, so the
+    // every edge of the face the line runs along): the sum vecLength forms is at most q2, so the
     // exact test's direction is the zero vector, which crosses no plane.
     if (q2 <= hd::kNullLengthSq)
         return false;
     if (q2 >= kSureCrossLen2Min && q2 <= kSureCrossLen2Max) {
+        // The two answers exclude each other (kParallelBelow is below kCrossAbove, and rounding
+        // keeps the order of their products with q2), so the parallel one, which most pairs
+        // answer (a line in the face's plane asks all six), is asked first.
         const double d = vecDot(v, n);
-        if (d * d > kCrossAbove * q2)
-            return true;
         if (d * d < kParallelBelow * q2)
             return false;
+        if (d * d > kCrossAbove * q2)
+            return true;
     }
     return isLineCrossPlane(a, b, n) != 0;
 }
@@ -153,7 +165,7 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
     const double apart = (kEdgeApartAbs + kEdgeApartRel * faceSize(f)) * line.run.len;
     double side[kMaxFaceVertices];
     for (int k = 0; k < f.count; ++k)
-        side[k] = det2(f.v[k].x - p.x, f.v[k].y - p.y, line.run.dx, line.run.dy);
+        side[k] = vertexSide(line, f, k);
     int found = 0;
     for (int k = 0; k < f.count; ++k) {
         const int next = nextVertex(k, f.count);
@@ -161,7 +173,7 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
              (side[k] < -apart && side[next] < -apart)) &&
             line.bounded && edgeBounded(f, k, aids))
             continue;
-        const ProjCrossing x = crossEdge(line, f, k, aids);
+        const ProjCrossing x = crossEdge(line, f, k, aids, side[k]);
         if (x.parallel)
             continue;
         // A crossing far beyond an end of the line fails the last test below (beyondLineEnds),

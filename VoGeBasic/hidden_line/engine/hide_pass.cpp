@@ -118,12 +118,20 @@ bool MergeScratch::append(_s_hd_point_ from, _s_hd_point_ to) {
     return true;
 }
 
+namespace {
+constexpr double kAlongOn = 0.1;       // far above the points' 6e-6 off the line
+constexpr double kAlongOnRel = 0.001;  // keeps the cosine well conditioned
+constexpr double kAlongOff = 1e-3;     // far above the 3.2e-5 of isPointOnSeg's end test
+}  // namespace
+
 void MergeScratch::clearFor(_s_hd_point_ p, _s_hd_point_ q) {
     clear();
     lineKnown_ = boundedEnds(p, q);
     lineP_ = p;
     lineRun_ = vecSub(q, p);
-    lineLen2_ = vecDot(lineRun_, lineRun_);
+    const double len2 = vecDot(lineRun_, lineRun_);
+    alongOff2_ = kAlongOff * kAlongOff * len2;
+    alongOn2_ = kAlongOn * kAlongOn * len2;
 }
 
 // Where the line's ends lie within kCullCoordLimit, every piece end X is p, q, or a point p + t
@@ -139,25 +147,28 @@ void MergeScratch::clearFor(_s_hd_point_ p, _s_hd_point_ q) {
 // (isSamePointFine, the squared end distance of 1e-9) and the piece subtends under 1e-2 rad from
 // it: the cosine, off by at most 1e-15 times the farther end's distance over the nearer's (below
 // 1e13), stays far above kOnSegSureOffCos, and isPointOnSeg answers 0. NaN fails every comparison.
-int MergeScratch::onByAlong(double along, double a, double b) const {
-    constexpr double kAlongOn = 0.1;       // far above the points' 6e-6 off the line
-    constexpr double kAlongOnRel = 0.001;  // keeps the cosine well conditioned
-    constexpr double kAlongOff = 1e-3;     // far above the 3.2e-5 of isPointOnSeg's end test
-    if (!lineKnown_)
-        return -1;
+MergeScratch::AlongSpan MergeScratch::alongSpan(double a, double b) const {
     const double lo = minOf(a, b);
     const double hi = maxOf(a, b);
-    const double below = lo - along;
-    const double above = along - hi;
-    const double off2 = kAlongOff * kAlongOff * lineLen2_;
-    if ((below > 0.0 && below * below >= off2) || (above > 0.0 && above * above >= off2))
+    return {lo, hi, kAlongOnRel * (hi - lo)};
+}
+
+int MergeScratch::onByAlong(double along, const AlongSpan& span) const {
+    if (!lineKnown_)
+        return -1;
+    const double below = span.lo - along;
+    const double above = along - span.hi;
+    if ((below > 0.0 && below * below >= alongOff2_) ||
+        (above > 0.0 && above * above >= alongOff2_))
         return 0;
-    const double on2 = kAlongOn * kAlongOn * lineLen2_;
-    const double rel = kAlongOnRel * (hi - lo);
-    if (below < 0.0 && above < 0.0 && below * below >= on2 && above * above >= on2 &&
-        -below >= rel && -above >= rel)
+    if (below < 0.0 && above < 0.0 && below * below >= alongOn2_ && above * above >= alongOn2_ &&
+        -below >= span.rel && -above >= span.rel)
         return 1;
     return -1;
+}
+
+int MergeScratch::onByAlong(double along, double a, double b) const {
+    return onByAlong(along, alongSpan(a, b));
 }
 
 namespace {
@@ -173,17 +184,19 @@ bool piecesFarApart(const MergeScratch::Piece& a, const MergeScratch::Piece& b) 
 // line settle taken from there (MergeScratch::onByAlong), and A's places kept with its ends.
 bool absorbPieceAlong(const MergeScratch& scratch, MergeScratch::Piece& a,
                       const MergeScratch::Piece& b) {
-    auto on = [&](_s_hd_point_ x, double along, _s_hd_point_ s, _s_hd_point_ e, double sAlong,
-                  double eAlong, const SegmentReach& reach) {
-        const int known = scratch.onByAlong(along, sAlong, eAlong);
+    auto on = [&](_s_hd_point_ x, double along, _s_hd_point_ s, _s_hd_point_ e,
+                  const MergeScratch::AlongSpan& span, const SegmentReach& reach) {
+        const int known = scratch.onByAlong(along, span);
         return known >= 0 ? known != 0 : onSegWithin(x, s, e, reach);
     };
+    // A's span serves both ends of B; B's is worked out where A's ends are asked of it.
+    const MergeScratch::AlongSpan spanA = scratch.alongSpan(a.alongStart, a.alongEnd);
     const Fold fold = foldOf([&](int k) {
-        return k == 0 ? on(b.start, b.alongStart, a.start, a.end, a.alongStart, a.alongEnd, a.reach)
-               : k == 1 ? on(b.end, b.alongEnd, a.start, a.end, a.alongStart, a.alongEnd, a.reach)
-               : k == 2
-                   ? on(a.start, a.alongStart, b.start, b.end, b.alongStart, b.alongEnd, b.reach)
-                   : on(a.end, a.alongEnd, b.start, b.end, b.alongStart, b.alongEnd, b.reach);
+        if (k < 2)
+            return on(k == 0 ? b.start : b.end, k == 0 ? b.alongStart : b.alongEnd, a.start, a.end,
+                      spanA, a.reach);
+        return on(k == 2 ? a.start : a.end, k == 2 ? a.alongStart : a.alongEnd, b.start, b.end,
+                  scratch.alongSpan(b.alongStart, b.alongEnd), b.reach);
     });
     if (fold == Fold::kToBEnd || fold == Fold::kBecomesB) {
         a.end = b.end;
