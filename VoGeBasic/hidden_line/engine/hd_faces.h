@@ -44,7 +44,8 @@ struct FacePrep {
     _s_hd_point_ area;  ///< the unit area normal that isPointInFace signs its angles by
     /// The outline data (outlineOf): the margin beyond which isPointInFace knows a point's side
     /// of the outline without its angles, 0 for none (prepareEdgeTests leaves it so), and each
-    /// edge's side.
+    /// edge's side. The hide pass takes outlineOf's margin; face intersection, whose points lie
+    /// on the face's plane, a narrower one of its own where outlineOf gives one (withOutline).
     double outlineMargin;
     signed char side[kMaxFaceVertices];
     bool bounded;  ///< every vertex within kCullCoordLimit: boundedEnds holds for every edge
