@@ -67,6 +67,10 @@ struct FaceTestAids {
     const FacePrep* prep = nullptr;
 };
 
+/// isLineCrossPlane(a, b, n) != 0 for a unit normal n, the line's direction normalised only
+/// where its side of the tolerance is in doubt: the in-plane test of the face test.
+bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n);
+
 /// The X and Y range of a line.
 struct LineRange {
     double xmin, xmax, ymin, ymax;

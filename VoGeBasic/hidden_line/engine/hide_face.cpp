@@ -47,48 +47,6 @@ ProjCrossing crossEdge(const HideLine& line, const HDFace& f, int k, const FaceT
     return crossEdge(line, f, k, aids, vertexSide(line, f, k));
 }
 
-// isLineCrossPlane(a, b, n) != 0, n a unit normal, deciding from the unnormalised direction
-// v = b - a wherever that is sure and normalising only near the tolerance. The exact test divides
-// v by its length after snapping (vecLength), which only sets components below kComponentSnap to
-// zero: its squared length is at most q2 = v.v here (each square no larger, the rounded sum
-// monotone), and with q2 at least kSureCrossLen2Min it is smaller by at most 3e-18, parts in 1e12
-// (the length by half that). The dot product v.n, here and after dividing by the length there, is
-// rounded by at most about 1e-15 of the length; so with q2 up to kSureCrossLen2Max, where |v.n| is
-// farther than kSureCrossBand of the length from kPlaneParallelTol times it (squares compared,
-// rounded by parts in 1e15), both give the same side. Outside that range, and for NaN, the exact
-// test runs.
-bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
-    // Far above the 1e-15 the two dot products can differ by, and the 1e-16 the snapping moves the
-    // tolerance by, per unit of length.
-    constexpr double kSureCrossBand = 1e-12;
-    // A length of at least 1e-3 keeps the snapping's part tiny and the vector far above
-    // kUnitMinLength; 1e200 keeps the squares finite.
-    constexpr double kSureCrossLen2Min = 1e-6;
-    constexpr double kSureCrossLen2Max = 1e200;
-    constexpr double kCrossAbove =
-        (hd::kPlaneParallelTol + kSureCrossBand) * (hd::kPlaneParallelTol + kSureCrossBand);
-    constexpr double kParallelBelow =
-        (hd::kPlaneParallelTol - kSureCrossBand) * (hd::kPlaneParallelTol - kSureCrossBand);
-    const _s_hd_point_ v = vecSub(b, a);
-    const double q2 = vecDot(v, v);
-    // Ends that coincide to within the snapping (a face vertex that is the line's end, as on
-    // every edge of the face the line runs along): the sum vecLength forms is at most q2, so the
-    // exact test's direction is the zero vector, which crosses no plane.
-    if (q2 <= hd::kNullLengthSq)
-        return false;
-    if (q2 >= kSureCrossLen2Min && q2 <= kSureCrossLen2Max) {
-        // The two answers exclude each other (kParallelBelow is below kCrossAbove, and rounding
-        // keeps the order of their products with q2), so the parallel one, which most pairs
-        // answer (a line in the face's plane asks all six), is asked first.
-        const double d = vecDot(v, n);
-        if (d * d < kParallelBelow * q2)
-            return false;
-        if (d * d > kCrossAbove * q2)
-            return true;
-    }
-    return isLineCrossPlane(a, b, n) != 0;
-}
-
 // True when the point straight behind or in front of e on the face's plane lies in the face
 // and e is behind that point or level with it.
 bool endBehindFace(_s_hd_point_ e, const HDFace& f, FaceTestAids aids) {
@@ -213,6 +171,48 @@ int outlineCrossings(const HideLine& line, const HDFace& f, const FaceTestAids& 
 }
 
 }  // namespace
+
+// lineCrossesPlane is isLineCrossPlane(a, b, n) != 0, n a unit normal, deciding from the
+// unnormalised direction v = b - a wherever that is sure and normalising only near the tolerance.
+// The exact test divides v by its length after snapping (vecLength), which only sets components
+// below kComponentSnap to zero: its squared length is at most q2 = v.v here (each square no larger,
+// the rounded sum monotone), and with q2 at least kSureCrossLen2Min it is smaller by at most 3e-18,
+// parts in 1e12 (the length by half that). The dot product v.n, here and after dividing by the
+// length there, is rounded by at most about 1e-15 of the length; so with q2 up to
+// kSureCrossLen2Max, where |v.n| is farther than kSureCrossBand of the length from
+// kPlaneParallelTol times it (squares compared, rounded by parts in 1e15), both give the same side.
+// Outside that range, and for NaN, the exact test runs.
+bool lineCrossesPlane(_s_hd_point_ a, _s_hd_point_ b, _s_hd_point_ n) {
+    // Far above the 1e-15 the two dot products can differ by, and the 1e-16 the snapping moves the
+    // tolerance by, per unit of length.
+    constexpr double kSureCrossBand = 1e-12;
+    // A length of at least 1e-3 keeps the snapping's part tiny and the vector far above
+    // kUnitMinLength; 1e200 keeps the squares finite.
+    constexpr double kSureCrossLen2Min = 1e-6;
+    constexpr double kSureCrossLen2Max = 1e200;
+    constexpr double kCrossAbove =
+        (hd::kPlaneParallelTol + kSureCrossBand) * (hd::kPlaneParallelTol + kSureCrossBand);
+    constexpr double kParallelBelow =
+        (hd::kPlaneParallelTol - kSureCrossBand) * (hd::kPlaneParallelTol - kSureCrossBand);
+    const _s_hd_point_ v = vecSub(b, a);
+    const double q2 = vecDot(v, v);
+    // Ends that coincide to within the snapping (a face vertex that is the line's end, as on
+    // every edge of the face the line runs along): the sum vecLength forms is at most q2, so the
+    // exact test's direction is the zero vector, which crosses no plane.
+    if (q2 <= hd::kNullLengthSq)
+        return false;
+    if (q2 >= kSureCrossLen2Min && q2 <= kSureCrossLen2Max) {
+        // The two answers exclude each other (kParallelBelow is below kCrossAbove, and rounding
+        // keeps the order of their products with q2), so the parallel one, which most pairs
+        // answer (a line in the face's plane asks all six), is asked first.
+        const double d = vecDot(v, n);
+        if (d * d < kParallelBelow * q2)
+            return false;
+        if (d * d > kCrossAbove * q2)
+            return true;
+    }
+    return isLineCrossPlane(a, b, n) != 0;
+}
 
 void orientNearFirst(_s_hd_point_& p, _s_hd_point_& q) {
     if (q.z - p.z <= 0.0) {

@@ -65,4 +65,25 @@ TEST(HideLineByFace, HidesWhatBruteForceSamplingFindsBehindTheFace) {
     EXPECT_GT(hiddenSamples, 10000);
 }
 
+// The in-plane test answers as the exact one on lines whose slope to the plane straddles its
+// tolerance (half of them within parts in 1e13 of it), at lengths from where snapping sets
+// components to zero to far beyond: the band it leaves to the exact test covers the roundings.
+TEST(LineCrossesPlane, AnswersAsTheExactTestAtTheTolerance) {
+    vgtest::Lcg r(31);
+    int crossing = 0;
+    for (int k = 0; k < 200000; ++k) {
+        const P n = vecNormalize({r(-1, 1), r(-1, 1), r(-1, 1)});
+        const P u = vecNormalize(vecCross(n, {r(-1, 1), r(-1, 1), r(-1, 1)}));
+        const double slope = 3e-5 * (1 + (r() < 0.5 ? r(-1e-13, 1e-13) : r(-0.5, 0.5)));
+        const double len = std::pow(10.0, r(-5.5, 6));
+        const P a = {r(-1e3, 1e3), r(-1e3, 1e3), r(-1e3, 1e3)};
+        const P b = linComb(1.0, a, len, linComb(std::sqrt(1 - slope * slope), u, slope, n));
+        const bool exact = isLineCrossPlane(a, b, n) != 0;
+        crossing += exact;
+        ASSERT_EQ(lineCrossesPlane(a, b, n), exact) << k;
+    }
+    EXPECT_GT(crossing, 50000);
+    EXPECT_LT(crossing, 150000);
+}
+
 }  // namespace
