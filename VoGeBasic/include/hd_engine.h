@@ -24,7 +24,8 @@ namespace geolib {
 /// visible piece, the pieces of a line in order from its near end (smaller Z) and lines in
 /// object and list order, each node's owner set to its object's index in objs. Every line is
 /// re-oriented in place to run from its near end: a line of constant depth has its ends
-/// swapped at every call.
+/// swapped at every call. Two solids that butt each return the edge they share, as their own
+/// pieces; dropRepeatedProlines keeps one for the drawing.
 /// Returns a new list owned by the caller; release it with releaseProline. Returns null when
 /// nothing is visible, when objs is null or n is 0 or less, and if an allocation fails (having
 /// released all it built).
