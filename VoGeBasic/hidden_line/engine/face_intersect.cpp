@@ -691,31 +691,36 @@ void rangeAlong(const HDFace& e, _s_hd_point_ u, double* w, double& lo, double& 
 }
 
 // An edge's slope against the other face's plane (the change of its distance from it per unit of
-// its length) from which sliceAlong places the edge's crossing of a level by interpolation.
+// its length) from which sliceApart places the edge's crossing of a level by interpolation.
 constexpr double kSliceSlope = 1e-3;
 
-// The least and greatest of u . x (lo, hi) over the points x of the hull of the face e's vertices
-// that lie within s of the other face's plane (w: u . v and d: the distance from that plane,
-// planeDistances, of each vertex v): over the vertices within s, and the points where a segment
-// between two vertices crosses the level -s or s; lo above hi when there are none. u . x is
-// linear along a segment, so its least and greatest over the slice of the hull lie at such
-// points. A segment that crosses a level at a slope (its distance's change per unit of its
-// length) below kSliceSlope gives both its ends instead (the crossing lies between them). Above
-// that slope the interpolated value is off by at most 4e-12 D plus 2e-6 (D the span of the two
-// faces' common box; the distances off by 7.8e-16 D, the dot products by 1e-6 within
-// kCullCoordLimit). The distances' rounding may move a vertex near a level in or out: either way a
-// point at that level is taken. So every point of the hull within s - 1e-15 D of the plane has its
-// u . x within [lo, hi], widened by that rounding.
-void sliceAlong(const HDFace& e, const double* w, const double* d, double s, double& lo,
-                double& hi) {
-    lo = std::numeric_limits<double>::infinity();
-    hi = -lo;
+// True when the points x of the hull of the face e's vertices that lie within s of the other
+// face's plane (w: u . v and d: the distance from that plane, planeDistances, of each vertex v)
+// all lie farther than m below lo along u, or all farther than m above hi (lo - u . x > m or
+// u . x - hi > m, as computed), or there are none. The least and greatest of u . x over them lie
+// at the vertices within s and the points where a segment between two vertices crosses the level
+// -s or s (u . x is linear along a segment); they are held to lo and hi as they are found, and
+// once they fail, more points only widen them (the rounded differences keep their order), so the
+// test stops there. A segment that crosses a level at a slope (its distance's change per unit of
+// its length) below kSliceSlope gives both its ends instead (the crossing lies between them).
+// Above that slope the interpolated value is off by at most 4e-12 D plus 2e-6 (D the span of the
+// two faces' common box; the distances off by 7.8e-16 D, the dot products by 1e-6 within
+// kCullCoordLimit). The distances' rounding may move a vertex near a level in or out: either way
+// a point at that level is taken. So every point of the hull within s - 1e-15 D of the plane has
+// its u . x within the least and greatest, widened by that rounding.
+bool sliceApart(const HDFace& e, const double* w, const double* d, double s, double lo, double hi,
+                double m) {
+    double least = std::numeric_limits<double>::infinity();
+    double most = -least;
+    auto apart = [&] { return lo - most > m || least - hi > m; };
     int level[kMaxFaceVertices];  // 0: below -s, 1: within s, 2: above s
     for (int k = 0; k < e.count; ++k) {
         level[k] = d[k] < -s ? 0 : d[k] > s ? 2 : 1;
-        lo = level[k] == 1 && w[k] < lo ? w[k] : lo;
-        hi = level[k] == 1 && w[k] > hi ? w[k] : hi;
+        least = level[k] == 1 && w[k] < least ? w[k] : least;
+        most = level[k] == 1 && w[k] > most ? w[k] : most;
     }
+    if (!apart())
+        return false;
     for (int k = 0; k < e.count; ++k) {
         for (int j = k + 1; j < e.count; ++j) {
             if (level[k] == level[j])
@@ -730,16 +735,19 @@ void sliceAlong(const HDFace& e, const double* w, const double* d, double s, dou
                 at[0] = crossLow ? w[k] + (-s - d[k]) * run : w[k] + (s - d[k]) * run;
                 at[1] = crossHigh ? w[k] + (s - d[k]) * run : at[0];
             }
-            lo = minOf(lo, minOf(at[0], at[1]));
-            hi = maxOf(hi, maxOf(at[0], at[1]));
+            least = minOf(least, minOf(at[0], at[1]));
+            most = maxOf(most, maxOf(at[0], at[1]));
+            if (!apart())
+                return false;
         }
     }
+    return true;
 }
 
 // True when the faces f and g (flat, coordinates within kCullCoordLimit; df: f's distances from
 // g's plane) lie more than m, their apartMargin, apart along the line where their planes meet
 // (the proof holds along any direction u of length at most 1), by their vertices' ranges along it
-// (see apartMargin), or by the range of f's slice within m of g's plane (sliceAlong) and g's
+// (see apartMargin), or by the range of f's slice within m of g's plane (sliceApart) and g's
 // vertices' range: that parts faces that each cross the other's plane, but at different places
 // along the line. With t = 2.6e-4 D + 1.2e-4 sqrt D + 3.2e-5 <= 0.0101 + 2.604e-4 D (D their
 // commonSpan) and r = m / 2 + 1e-6 D (see apartMargin):
@@ -754,7 +762,7 @@ void sliceAlong(const HDFace& e, const double* w, const double* d, double s, dou
 // Either way u . x lies within t of the one range and r + 1e-6 D of the other, so they overlap or
 // lie at most t + r + 1e-6 D <= 0.0352 + 7.63e-4 D apart. m (0.05 + 1e-3 D) exceeds both that and
 // the slice's half width needed, 2e-6 D + t + r, by 0.0148 + 2.36e-4 D, far more than the
-// rounding of the distances, the dot products and sliceAlong's crossings. NaN fails.
+// rounding of the distances, the dot products and sliceApart's crossings. NaN fails.
 bool apartAlongLine(const HDFace& f, const double* df, const HDFace& g, double m) {
     const _s_hd_point_ u = vecNormalize(vecCross(f.normal, g.normal));
     double wf[kMaxFaceVertices];
@@ -768,8 +776,7 @@ bool apartAlongLine(const HDFace& f, const double* df, const HDFace& g, double m
     if (glo - fhi > m || flo - ghi > m)
         return true;
     // f's slice against g's whole range (g's slice lies within it).
-    sliceAlong(f, wf, df, m, flo, fhi);
-    return glo - fhi > m || flo - ghi > m;
+    return sliceApart(f, wf, df, m, glo, ghi, m);
 }
 
 // What the faces f and g tell of their meeting before any edge is pierced: apart, they meet
