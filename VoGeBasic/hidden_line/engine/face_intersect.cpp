@@ -678,8 +678,7 @@ bool clearOfObject(const PreparedFace& f, const ObjectBox& box) {
     return d - r > far || d + r < -far;
 }
 
-// The least and greatest of u . v over a face's vertices (NaN fails the caller's tests), each
-// u . v kept in w.
+// The least and greatest of u . v over a face's vertices, each u . v kept in w.
 void rangeAlong(const HDFace& e, _s_hd_point_ u, double* w, double& lo, double& hi) {
     w[0] = lo = hi = vecDot(u, e.v[0]);
     for (int k = 1; k < e.count; ++k) {
@@ -762,7 +761,9 @@ bool sliceApart(const HDFace& e, const double* w, const double* d, double s, dou
 // Either way u . x lies within t of the one range and r + 1e-6 D of the other, so they overlap or
 // lie at most t + r + 1e-6 D <= 0.0352 + 7.63e-4 D apart. m (0.05 + 1e-3 D) exceeds both that and
 // the slice's half width needed, 2e-6 D + t + r, by 0.0148 + 2.36e-4 D, far more than the
-// rounding of the distances, the dot products and sliceApart's crossings. NaN fails.
+// rounding of the distances, the dot products and sliceApart's crossings. Every value here is
+// finite: sidesApart asks this only of flat faces within kCullCoordLimit, whose unit normals
+// pairSides has found not parallel.
 bool apartAlongLine(const HDFace& f, const double* df, const HDFace& g, double m) {
     const _s_hd_point_ u = vecNormalize(vecCross(f.normal, g.normal));
     double wf[kMaxFaceVertices];
