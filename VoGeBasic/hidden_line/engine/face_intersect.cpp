@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 #include "hd_engine.h"
 #include "hidden_line/engine/box_index.h"
@@ -677,27 +678,106 @@ bool clearOfObject(const PreparedFace& f, const ObjectBox& box) {
     return d - r > far || d + r < -far;
 }
 
-// The least and greatest of u . v over a face's vertices (NaN fails the caller's tests).
-void rangeAlong(const HDFace& e, _s_hd_point_ u, double& lo, double& hi) {
-    lo = hi = vecDot(u, e.v[0]);
+// The least and greatest of u . v over a face's vertices, each u . v kept in w.
+void rangeAlong(const HDFace& e, _s_hd_point_ u, double* w, double& lo, double& hi) {
+    w[0] = lo = hi = vecDot(u, e.v[0]);
     for (int k = 1; k < e.count; ++k) {
         const double o = vecDot(u, e.v[k]);
+        w[k] = o;
         lo = o < lo ? o : lo;
         hi = o > hi ? o : hi;
     }
 }
 
-// True when the faces f and g lie more than m apart along the line where their planes meet (for
-// flat faces with coordinates within kCullCoordLimit, m the apartMargin: they meet nowhere).
-bool apartAlongLine(const HDFace& f, const HDFace& g, double m) {
+// An edge's slope against the other face's plane (the change of its distance from it per unit of
+// its length) from which sliceApart places the edge's crossing of a level by interpolation.
+constexpr double kSliceSlope = 1e-3;
+
+// True when the points x of the hull of the face e's vertices that lie within s of the other
+// face's plane (w: u . v and d: the distance from that plane, planeDistances, of each vertex v)
+// all lie farther than m below lo along u, or all farther than m above hi (lo - u . x > m or
+// u . x - hi > m, as computed), or there are none. The least and greatest of u . x over them lie
+// at the vertices within s and the points where a segment between two vertices crosses the level
+// -s or s (u . x is linear along a segment); they are held to lo and hi as they are found, and
+// once they fail, more points only widen them (the rounded differences keep their order), so the
+// test stops there. A segment that crosses a level at a slope (its distance's change per unit of
+// its length) below kSliceSlope gives both its ends instead (the crossing lies between them).
+// Above that slope the interpolated value is off by at most 4e-12 D plus 2e-6 (D the span of the
+// two faces' common box; the distances off by 7.8e-16 D, the dot products by 1e-6 within
+// kCullCoordLimit). The distances' rounding may move a vertex near a level in or out: either way
+// a point at that level is taken. So every point of the hull within s - 1e-15 D of the plane has
+// its u . x within the least and greatest, widened by that rounding.
+bool sliceApart(const HDFace& e, const double* w, const double* d, double s, double lo, double hi,
+                double m) {
+    double least = std::numeric_limits<double>::infinity();
+    double most = -least;
+    auto apart = [&] { return lo - most > m || least - hi > m; };
+    int level[kMaxFaceVertices];  // 0: below -s, 1: within s, 2: above s
+    for (int k = 0; k < e.count; ++k) {
+        level[k] = d[k] < -s ? 0 : d[k] > s ? 2 : 1;
+        least = level[k] == 1 && w[k] < least ? w[k] : least;
+        most = level[k] == 1 && w[k] > most ? w[k] : most;
+    }
+    if (!apart())
+        return false;
+    for (int k = 0; k < e.count; ++k) {
+        for (int j = k + 1; j < e.count; ++j) {
+            if (level[k] == level[j])
+                continue;
+            const bool crossLow = (level[k] == 0) != (level[j] == 0);
+            const bool crossHigh = (level[k] == 2) != (level[j] == 2);
+            const double rise = d[j] - d[k];
+            double at[2] = {w[k], w[j]};
+            if (rise * rise >= kSliceSlope * kSliceSlope * pointDist2(e.v[k], e.v[j])) {
+                // The crossings of the levels the segment crosses (of the other, an end's value).
+                const double run = (w[j] - w[k]) / rise;
+                at[0] = crossLow ? w[k] + (-s - d[k]) * run : w[k] + (s - d[k]) * run;
+                at[1] = crossHigh ? w[k] + (s - d[k]) * run : at[0];
+            }
+            least = minOf(least, minOf(at[0], at[1]));
+            most = maxOf(most, maxOf(at[0], at[1]));
+            if (!apart())
+                return false;
+        }
+    }
+    return true;
+}
+
+// True when the faces f and g (flat, coordinates within kCullCoordLimit; df: f's distances from
+// g's plane) lie more than m, their apartMargin, apart along the line where their planes meet
+// (the proof holds along any direction u of length at most 1), by their vertices' ranges along it
+// (see apartMargin), or by the range of f's slice within m of g's plane (sliceApart) and g's
+// vertices' range: that parts faces that each cross the other's plane, but at different places
+// along the line. With t = 2.6e-4 D + 1.2e-4 sqrt D + 3.2e-5 <= 0.0101 + 2.604e-4 D (D their
+// commonSpan) and r = m / 2 + 1e-6 D (see apartMargin):
+// - A point x kept from an edge of f lies on g's plane (rounding: 1e-6) within t of a point p of
+//   that edge, so p lies within t + 1e-6 of g's plane, in f's slice; and x is in g by
+//   isPointInFace, within r of the hull of g's vertices (a vertex, an edge, or H in apartMargin's
+//   proof, itself within 1e-6 D of that hull).
+// - A point x kept from an edge of g lies within t of that edge, in the hull of g's vertices, and
+//   within 1e-6 D + t of g's plane, g being flat; x is in f, within r of a point q of H, itself
+//   within 1e-6 D of a point q' of the hull of f's vertices: q' lies within 2e-6 D + t + r of
+//   g's plane, in f's slice.
+// Either way u . x lies within t of the one range and r + 1e-6 D of the other, so they overlap or
+// lie at most t + r + 1e-6 D <= 0.0352 + 7.63e-4 D apart. m (0.05 + 1e-3 D) exceeds both that and
+// the slice's half width needed, 2e-6 D + t + r, by 0.0148 + 2.36e-4 D, far more than the
+// rounding of the distances, the dot products and sliceApart's crossings. Every value here is
+// finite: sidesApart asks this only of flat faces within kCullCoordLimit, whose unit normals
+// pairSides has found not parallel.
+bool apartAlongLine(const HDFace& f, const double* df, const HDFace& g, double m) {
     const _s_hd_point_ u = vecNormalize(vecCross(f.normal, g.normal));
+    double wf[kMaxFaceVertices];
+    double wg[kMaxFaceVertices];
     double flo = 0.0;
     double fhi = 0.0;
     double glo = 0.0;
     double ghi = 0.0;
-    rangeAlong(f, u, flo, fhi);
-    rangeAlong(g, u, glo, ghi);
-    return glo - fhi > m || flo - ghi > m;  // NaN fails
+    rangeAlong(f, u, wf, flo, fhi);
+    rangeAlong(g, u, wg, glo, ghi);
+    if (glo - fhi > m || flo - ghi > m)
+        return true;
+    // f's slice against g's whole range (g's slice lies within it).
+    return sliceApart(f, wf, df, m, glo, ghi, m);
 }
 
 // What the faces f and g tell of their meeting before any edge is pierced: apart, they meet
@@ -724,7 +804,8 @@ PairSides sidesApart(const HDFace& f, const FaceFacts& ff, const HDFace& g, cons
     const bool bothFlat = ff.flat && gf.flat;
     double dg[kMaxFaceVertices];
     const bool gBounded = planeDistances(g, gf.bounded, ff, dg);
-    if (fBounded && gBounded && bothFlat && (allBeyond(dg, g.count, m) || apartAlongLine(f, g, m)))
+    if (fBounded && gBounded && bothFlat &&
+        (allBeyond(dg, g.count, m) || apartAlongLine(f, df, g, m)))
         return {true, 0u, 0u};
     return {false, fBounded ? offPlaneEdges(f, df, span) : 0u,
             gBounded ? offPlaneEdges(g, dg, span) : 0u};
