@@ -189,14 +189,15 @@ bool absorbPieceAlong(const MergeScratch& scratch, MergeScratch::Piece& a,
         const int known = scratch.onByAlong(along, span);
         return known >= 0 ? known != 0 : onSegWithin(x, s, e, reach);
     };
-    // A's span serves both ends of B; B's is worked out where A's ends are asked of it.
+    // A's span serves both ends of B, and B's both ends of A.
     const MergeScratch::AlongSpan spanA = scratch.alongSpan(a.alongStart, a.alongEnd);
+    const MergeScratch::AlongSpan spanB = scratch.alongSpan(b.alongStart, b.alongEnd);
     const Fold fold = foldOf([&](int k) {
         if (k < 2)
             return on(k == 0 ? b.start : b.end, k == 0 ? b.alongStart : b.alongEnd, a.start, a.end,
                       spanA, a.reach);
         return on(k == 2 ? a.start : a.end, k == 2 ? a.alongStart : a.alongEnd, b.start, b.end,
-                  scratch.alongSpan(b.alongStart, b.alongEnd), b.reach);
+                  spanB, b.reach);
     });
     if (fold == Fold::kToBEnd || fold == Fold::kBecomesB) {
         a.end = b.end;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "VoGeBasic.h"
+#include "hidden_line/model/hd_builders.h"
 #include "support/alloc_hook.h"
 #include "support/test_constants.h"
 
@@ -14,17 +15,15 @@ namespace {
 using geolib::_s_hd_point_;
 using geolib::_s_hd_proline_;
 
+// The pieces as a list, each node's owner its index (a failed allocation ends the list early).
 _s_hd_proline_* listOf(const std::vector<std::pair<_s_hd_point_, _s_hd_point_>>& pieces) {
     _s_hd_proline_* head = nullptr;
-    _s_hd_proline_** link = &head;
-    std::int32_t index = 0;
-    for (const auto& [a, b] : pieces) {
-        auto* node = static_cast<_s_hd_proline_*>(std::malloc(sizeof(_s_hd_proline_)));
-        if (node == nullptr)
+    _s_hd_proline_* last = nullptr;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if ((last = geolib::appendProline(pieces[i].first, pieces[i].second, last)) == nullptr)
             break;
-        *node = {a, b, 0.0, index++, nullptr};  // the owner tells which piece it is
-        *link = node;
-        link = &node->next;
+        last->owner = static_cast<std::int32_t>(i);
+        head = head == nullptr ? last : head;
     }
     return head;
 }
