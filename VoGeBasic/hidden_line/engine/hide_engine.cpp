@@ -197,7 +197,7 @@ static_assert(offsetof(FaceCull, apartEdges) < 64 && offsetof(FaceCull, extents)
               "a cull's data within its cache lines");
 static_assert(sizeof(FaceCull) == 256, "four cache lines a face");
 
-// CachedFace::ready.
+// FaceCull::ready.
 constexpr unsigned char kRead = 0;
 constexpr unsigned char kOutline = 1;
 constexpr unsigned char kTests = 2;
@@ -351,7 +351,7 @@ bool faceOutlineApartFromLine(FaceCull& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable || !c.flat)
         return false;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    // The offsets are taken from the drawing plane's origin (apartOrigin, nOrigin), which at
+    // The offsets are taken from the drawing plane's origin (ApartEdge::origin, nOrigin), which at
     // coordinates within kCullCoordLimit moves them by rounding below 1e-6 times the normal's
     // length: the margin (times that length) has far more room to spare. The edges are asked
     // before the line's normal, as on a plant they settle more for what they cost; the answer,
@@ -446,10 +446,11 @@ bool lineInFrontOfFace(const FaceCull& c, const LinePrune& l) {
 // depths, at coordinates within kCullCoordLimit and plane slopes below 1 / kEdgeOnNormalZ, stays
 // below 1e-3. kCullMarginAbs and kCullMarginRel cover all of it.
 // The test is zNear > zFar + kLevelDepthTol + kCullMarginAbs + kCullMarginRel (length + size)
-// with the face's terms gathered in zBack and the line's in zLimit. Where the two sides come
-// within the margin's room of each other both stay within a few times kCullCoordLimit, and
-// gathering them moves each by rounding below 1e-5: the room left beside the 1e-3 above covers
-// it. False for a face or line that is not prunable (NaN zBack, infinite zLimit).
+// with the face's terms gathered in zBack and the line's in zLimit (zNear being frontDepth's).
+// Where the two sides come within the margin's room of each other both stay within a few times
+// kCullCoordLimit, and gathering them moves each by rounding below 1e-5: the room left beside the
+// 1e-3 above covers it. False for a face or line that is not prunable (NaN zBack, infinite
+// zLimit).
 bool faceBehindLine(double zBack, double zLimit) {
     return zBack > zLimit;
 }
