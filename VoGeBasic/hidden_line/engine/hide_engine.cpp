@@ -2,10 +2,12 @@
 // read once per call instead of once per line, and pairs of a line and a face that provably
 // yield no hidden piece skipped before the face test.
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <utility>
 
 #include "hd_engine.h"
@@ -128,61 +130,74 @@ bool isBoundedPoint(_s_hd_point_ p) {
            std::fabs(p.z) <= hd::kCullCoordLimit;
 }
 
-// The face's XY box as centre and half sizes.
-struct FaceSpread {
-    double cx, cy, hx, hy;
-};
-
-// A face read once, with what the pruning tests need; prunable is false when a vertex is not
-// bounded (NaN included). The face is prepared in stages, each the first time a line asks for it
-// (ready): read, what the depth culls ask (prepareFace); then its outline, for the outline cull
-// (prepareOutline); then the face tests' data (prepareTests), kept beside it in the window. Each
-// stage depends on the face alone, so it gives the same data to the bit whenever it is made (the
-// outline cull reorders its edges later, which changes no answer), and nothing reads a stage's
-// data before it is made: preparing later changes no result, and spares
-// the faces that no line comes near enough to ask. The face tests' data (its edges' reach, length
-// and run) is kept for the objects whose lines come near (NearFaces): kept for every face of a
-// plant, it would take more room than the plant itself.
+// A face read once: the face and what its outline and face tests ask of it, the part of it that
+// only the faces left after the culls read. What the culls read is kept apart (FaceCull).
 struct CachedFace {
     HDFace face;
     _s_hd_point_ area;  ///< faceAreaNormal(face), made with the outline
     double
         flatLength[kMaxFaceVertices];  ///< each edge's run length in the drawing plane (flatRunOf)
-    double zNear;  ///< no point that can hide is nearer than this (frontDepth); NaN: unknown
-    bool prunable;
-    bool flat;  ///< a triangle, or a quadrilateral in the plane of its first three vertices
+    double outlineMargin;
     /// Per edge, the side of the edge's drawing-plane normal that the whole face lies on, and
     /// the margin for the inside test, as outlineOf gives them (an edge of side 0
     /// faceOutlineApartFromLine cannot use). The sides are read only for a prunable face, whose
     /// bounded coordinates give no NaN.
     signed char edgeSide[kMaxFaceVertices];
-    /// The edges of a side other than 0, apartEdges of them, for faceOutlineApartFromLine (which
-    /// reorders them): each edge's normal in the drawing plane at the edge's length,
-    /// pointing away from the face (for the edge a -> b, -(b.y - a.y), b.x - a.x where the
-    /// face lies on its negative side, negated where it lies on its positive side), the
-    /// normal's offset at the drawing plane's origin (the offset of (x, y) along it, from the
-    /// edge's start, is x apartX + y apartY - apartOrigin) and the edge's flatLength.
-    double apartX[kMaxFaceVertices], apartY[kMaxFaceVertices];
-    double apartOrigin[kMaxFaceVertices], apartLength[kMaxFaceVertices];
-    int apartEdges;
-    double outlineMargin;
-    double size;        ///< faceSize(face)
-    FaceSpread spread;  ///< the face's XY box as centre and half sizes
-    /// The plane's depth over the drawing plane: v[0].z + gx (x - v[0].x) + gy (y - v[0].y), and
-    /// 1 plus its slope; NaN where the face is seen edge-on or has no plane.
-    double gx, gy, slopeFactor;
-    /// What the depth culls ask of the face alone, worked out once. zBack: zNear less
-    /// kCullMarginRel times size (faceBehindLine), NaN for a face that is not prunable. plane0:
-    /// the plane's depth over the drawing plane's origin, v[0].z - gx v[0].x - gy v[0].y, NaN
-    /// unless the face is prunable and flat; frontMargin and frontPerLength: lineInFrontOfFace's
-    /// margin is frontMargin plus frontPerLength times the line's length.
-    double zBack, plane0, frontMargin, frontPerLength;
-    size_t id;  ///< the face's name for the memo (FaceWindow)
-    /// The stages prepared: kRead (the depth culls' data), kOutline, kTests.
-    unsigned char ready;
 };
 
-// CachedFace::ready.
+// An edge of a face's outline as faceOutlineApartFromLine asks it: the edge's normal in the
+// drawing plane at the edge's length, pointing away from the face (for the edge a -> b,
+// -(b.y - a.y), b.x - a.x where the face lies on its negative side, negated where it lies on its
+// positive side), the normal's offset at the drawing plane's origin (the offset of (x, y) along
+// it, from the edge's start, is x nx + y ny - origin) and the edge's flatLength.
+struct ApartEdge {
+    double nx, ny, origin, length;
+};
+
+// What the culls ask of a face, worked out once, apart from the face itself: a line that scans
+// past a face reads this record alone, packed so that the depth cull reads one cache line, and the
+// outline cull mostly that line and the next (its first edge). prunable is false when a vertex is
+// not bounded (NaN included).
+//
+// The face is prepared in stages, each the first time a line asks for it (ready): read, what the
+// depth culls ask (prepareFace); then its outline, for the outline cull (prepareOutline); then
+// the face tests' data (prepareTests), kept beside it in the window. Each stage depends on the
+// face alone, so it gives the same data to the bit whenever it is made (the outline cull
+// reorders its edges later, which changes no answer), and nothing reads a stage's data before it
+// is made: preparing later changes no result, and spares the faces that no line comes near
+// enough to ask. The face tests' data (its edges' reach, length and run) is kept for the objects
+// whose lines come near (NearFaces): kept for every face of a plant, it would take more room than
+// the plant itself.
+struct alignas(64) FaceCull {
+    /// The depth culls' data. plane0, gx, gy: the plane's depth over the drawing plane is
+    /// plane0 + gx x + gy y (plane0 = v[0].z - gx v[0].x - gy v[0].y), NaN unless the face is
+    /// prunable and flat (gx and gy: where the face is seen edge-on or has no plane);
+    /// lineInFrontOfFace's margin is frontMargin plus frontPerLength times the line's length.
+    /// zBack: the nearest depth through which the face can hide (frontDepth) less kCullMarginRel
+    /// times size (faceBehindLine), NaN for a face that is not prunable.
+    double plane0, gx, gy, frontMargin, frontPerLength;
+    double size;  ///< faceSize(face)
+    double zBack;
+    bool prunable;
+    bool flat;  ///< a triangle, or a quadrilateral in the plane of its first three vertices
+    /// The stages prepared: kRead (the depth culls' data), kOutline, kTests.
+    unsigned char ready;
+    /// The outline's edges of a side other than 0 (CachedFace::edgeSide), apartEdges of them, for
+    /// faceOutlineApartFromLine (which reorders them).
+    unsigned char apartEdges;
+    LineRange extents;  ///< the face's X and Y extents
+    ApartEdge apart[kMaxFaceVertices];
+    CachedFace* face;
+    FacePrep* prep;  ///< the face tests' data, kept beside the face in the window
+    size_t id;       ///< the face's name for the memo (FaceWindow)
+};
+// The cache lines the culls read, as laid out above.
+static_assert(offsetof(FaceCull, apartEdges) < 64 && offsetof(FaceCull, extents) == 64 &&
+                  offsetof(FaceCull, apart) + sizeof(ApartEdge) <= 128,
+              "a cull's data within its cache lines");
+static_assert(sizeof(FaceCull) == 256, "four cache lines a face");
+
+// FaceCull::ready.
 constexpr unsigned char kRead = 0;
 constexpr unsigned char kOutline = 1;
 constexpr unsigned char kTests = 2;
@@ -207,38 +222,38 @@ double frontDepth(const HDFace& f) {
 }
 
 // The first stage: what the depth culls and the spread cull ask of the face.
-void prepareFace(CachedFace& c) {
-    const HDFace& f = c.face;
+void prepareFace(const HDFace& f, FaceCull& c) {
     c.ready = kRead;
     c.prunable = true;
     for (int k = 0; k < f.count; ++k)
         c.prunable = c.prunable && isBoundedPoint(f.v[k]);
-    c.zNear = frontDepth(f);
+    c.extents = {f.xmin, f.xmax, f.ymin, f.ymax};
     c.size = faceSize(f);
-    c.spread = {0.5 * (f.xmin + f.xmax), 0.5 * (f.ymin + f.ymax), 0.5 * (f.xmax - f.xmin),
-                0.5 * (f.ymax - f.ymin)};
     c.flat = isFlatFace(f, c.size);
     const _s_hd_point_ n = f.normal;
     const bool sloped = std::fabs(n.z) >= hd::kEdgeOnNormalZ;  // false for NaN
     const double nan = std::numeric_limits<double>::quiet_NaN();
     c.gx = sloped ? -n.x / n.z : nan;
     c.gy = sloped ? -n.y / n.z : nan;
-    c.slopeFactor = sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
-    c.zBack = c.prunable ? c.zNear - hd::kCullMarginRel * c.size : nan;
+    // 1 plus the plane's slope over the drawing plane.
+    const double slopeFactor =
+        sloped ? 1.0 + std::sqrt(n.x * n.x + n.y * n.y) / std::fabs(n.z) : nan;
+    c.zBack = c.prunable ? frontDepth(f) - hd::kCullMarginRel * c.size : nan;
     c.plane0 = c.prunable && c.flat ? f.v[0].z - c.gx * f.v[0].x - c.gy * f.v[0].y : nan;
     c.frontMargin = hd::kLevelDepthTol + hd::kCullFlatRel * c.size +
-                    (hd::kCullMarginAbs + hd::kCullMarginRel * c.size) * c.slopeFactor;
-    c.frontPerLength = hd::kCullMarginRel * c.slopeFactor;
+                    (hd::kCullMarginAbs + hd::kCullMarginRel * c.size) * slopeFactor;
+    c.frontPerLength = hd::kCullMarginRel * slopeFactor;
 }
 
 // The second stage: the outline, for faceOutlineApartFromLine and the face tests.
-void prepareOutline(CachedFace& c) {
+void prepareOutline(FaceCull& r) {
+    CachedFace& c = *r.face;
     const HDFace& f = c.face;
     c.area = faceAreaNormal(f);
     for (int k = 0; k < f.count; ++k)
         c.flatLength[k] = flatRunOf(f.v[k], f.v[nextVertex(k, f.count)]).len;
-    c.outlineMargin = outlineOf(f, c.size, c.flatLength, c.edgeSide);
-    c.apartEdges = 0;
+    c.outlineMargin = outlineOf(f, r.size, c.flatLength, c.edgeSide);
+    r.apartEdges = 0;
     for (int k = 0; k < f.count; ++k) {
         if (c.edgeSide[k] == 0)
             continue;
@@ -246,13 +261,13 @@ void prepareOutline(CachedFace& c) {
         const _s_hd_point_ b = f.v[nextVertex(k, f.count)];
         const double nx = -(b.y - a.y);
         const double ny = b.x - a.x;
-        const int j = c.apartEdges++;
-        c.apartX[j] = c.edgeSide[k] > 0 ? -nx : nx;
-        c.apartY[j] = c.edgeSide[k] > 0 ? -ny : ny;
-        c.apartOrigin[j] = a.x * c.apartX[j] + a.y * c.apartY[j];
-        c.apartLength[j] = c.flatLength[k];
+        ApartEdge& e = r.apart[r.apartEdges++];
+        e.nx = c.edgeSide[k] > 0 ? -nx : nx;
+        e.ny = c.edgeSide[k] > 0 ? -ny : ny;
+        e.origin = a.x * e.nx + a.y * e.ny;
+        e.length = c.flatLength[k];
     }
-    c.ready = kOutline;
+    r.ready = kOutline;
 }
 
 // The line p -> q (near end first) as the pruning test sees it. prunable is false for a line
@@ -307,13 +322,18 @@ LinePrune prepareLine(const HideLine& line) {
 // line's normal misses it). See kCullMarginAbs for why no hidden piece can come from such a
 // face. Along X and Y there is nothing to ask: the scan tests only faces whose extents meet the
 // line's range, unwidened.
-bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
+bool faceTooFarFromLine(const FaceCull& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable)
         return false;
-    const FaceSpread& s = c.spread;
+    const LineRange& e = c.extents;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    const double offset = (s.cx - l.px) * l.nx + (s.cy - l.py) * l.ny;
-    const double spread = s.hx * std::fabs(l.nx) + s.hy * std::fabs(l.ny);
+    // The box's centre and half sizes.
+    const double cx = 0.5 * (e.xmin + e.xmax);
+    const double cy = 0.5 * (e.ymin + e.ymax);
+    const double hx = 0.5 * (e.xmax - e.xmin);
+    const double hy = 0.5 * (e.ymax - e.ymin);
+    const double offset = (cx - l.px) * l.nx + (cy - l.py) * l.ny;
+    const double spread = hx * std::fabs(l.nx) + hy * std::fabs(l.ny);
     return std::fabs(offset) > spread + m;
 }
 
@@ -327,12 +347,11 @@ bool faceTooFarFromLine(const CachedFace& c, const LinePrune& l) {
 // no point nearer to the outline; a quadrilateral's fourth vertex within kCullFlatRel of the
 // plane moves its angle sum, at the margin's distance, by far less than its tolerance. The
 // margin is faceTooFarFromLine's, which covers all of that.
-bool faceOutlineApartFromLine(CachedFace& c, const LinePrune& l) {
+bool faceOutlineApartFromLine(FaceCull& c, const LinePrune& l) {
     if (!c.prunable || !l.prunable || !c.flat)
         return false;
-    const HDFace& f = c.face;
     const double m = hd::kCullMarginAbs + hd::kCullMarginRel * (l.length + c.size);
-    // The offsets are taken from the drawing plane's origin (apartOrigin, nOrigin), which at
+    // The offsets are taken from the drawing plane's origin (ApartEdge::origin, nOrigin), which at
     // coordinates within kCullCoordLimit moves them by rounding below 1e-6 times the normal's
     // length: the margin (times that length) has far more room to spare. The edges are asked
     // before the line's normal, as on a plant they settle more for what they cost; the answer,
@@ -350,22 +369,18 @@ bool faceOutlineApartFromLine(CachedFace& c, const LinePrune& l) {
     // the lines of one object, which come in turn, mostly lie beyond the same edge of a face.
     // Which edge answers true changes nothing.
     for (int j = 0; j < c.apartEdges; ++j) {
-        const double ex = c.apartX[j];
-        const double ey = c.apartY[j];
-        const double mLen = m * c.apartLength[j];
-        if (l.px * ex + l.py * ey - c.apartOrigin[j] > mLen &&
-            l.qx * ex + l.qy * ey - c.apartOrigin[j] > mLen) {
-            if (j != 0) {
-                std::swap(c.apartX[0], c.apartX[j]);
-                std::swap(c.apartY[0], c.apartY[j]);
-                std::swap(c.apartOrigin[0], c.apartOrigin[j]);
-                std::swap(c.apartLength[0], c.apartLength[j]);
-            }
+        const ApartEdge& e = c.apart[j];
+        const double mLen = m * e.length;
+        if (l.px * e.nx + l.py * e.ny - e.origin > mLen &&
+            l.qx * e.nx + l.qy * e.ny - e.origin > mLen) {
+            if (j != 0)
+                std::swap(c.apart[0], c.apart[j]);
             return true;
         }
     }
     // Every vertex beyond the margin on the side of the first (m is positive): the first vertex
     // that is not ends the look.
+    const HDFace& f = c.face->face;
     auto offset = [&](int k) { return f.v[k].x * l.nx + f.v[k].y * l.ny - l.nOrigin; };
     const double o0 = offset(0);
     if (o0 > m || o0 < -m) {
@@ -387,7 +402,7 @@ bool faceOutlineApartFromLine(CachedFace& c, const LinePrune& l) {
 // outline (faceOutlineApartFromLine), whose first step, every vertex beyond the margin on one
 // side of the line, passes over every face the spread of its XY box would (the vertices lie in
 // the box), and for any other face by that spread (faceTooFarFromLine).
-bool faceApartFromLine(CachedFace& c, const LinePrune& l) {
+bool faceApartFromLine(FaceCull& c, const LinePrune& l) {
     return c.flat ? faceOutlineApartFromLine(c, l) : faceTooFarFromLine(c, l);
 }
 
@@ -407,7 +422,7 @@ bool faceApartFromLine(CachedFace& c, const LinePrune& l) {
 // slope. The margin allows for a stray of the whole cull margin, while isPointOnSeg lets a point
 // stray by 2.5e-4 times the length plus 1.2e-4 times its root, more than 0.049 less: 0.049 times
 // 1 plus the slope is left to spare.
-bool lineInFrontOfFace(const CachedFace& c, const LinePrune& l) {
+bool lineInFrontOfFace(const FaceCull& c, const LinePrune& l) {
     if (!l.prunable)
         return false;
     const double m = c.frontMargin + c.frontPerLength * l.length;
@@ -431,10 +446,11 @@ bool lineInFrontOfFace(const CachedFace& c, const LinePrune& l) {
 // depths, at coordinates within kCullCoordLimit and plane slopes below 1 / kEdgeOnNormalZ, stays
 // below 1e-3. kCullMarginAbs and kCullMarginRel cover all of it.
 // The test is zNear > zFar + kLevelDepthTol + kCullMarginAbs + kCullMarginRel (length + size)
-// with the face's terms gathered in zBack and the line's in zLimit. Where the two sides come
-// within the margin's room of each other both stay within a few times kCullCoordLimit, and
-// gathering them moves each by rounding below 1e-5: the room left beside the 1e-3 above covers
-// it. False for a face or line that is not prunable (NaN zBack, infinite zLimit).
+// with the face's terms gathered in zBack and the line's in zLimit (zNear being frontDepth's).
+// Where the two sides come within the margin's room of each other both stay within a few times
+// kCullCoordLimit, and gathering them moves each by rounding below 1e-5: the room left beside the
+// 1e-3 above covers it. False for a face or line that is not prunable (NaN zBack, infinite
+// zLimit).
 bool faceBehindLine(double zBack, double zLimit) {
     return zBack > zLimit;
 }
@@ -457,15 +473,17 @@ bool renewRoom(T*& room, size_t& capacity, size_t most) {
 // The last stage: what the face tests ask of a cached face, its edges' data, its area normal and
 // its outline data, the same as prepareFaceTests and outlineOf give. The stages before are made
 // first where they were not.
-void prepareTests(CachedFace& c, FacePrep& prep) {
-    if (c.ready < kOutline)
-        prepareOutline(c);
+void prepareTests(FaceCull& r) {
+    if (r.ready < kOutline)
+        prepareOutline(r);
+    const CachedFace& c = *r.face;
+    FacePrep& prep = *r.prep;
     prepareEdgeTests(c.face, prep, c.flatLength);
     prep.area = c.area;
     prep.outlineMargin = c.outlineMargin;
     for (int k = 0; k < c.face.count; ++k)
         prep.side[k] = c.edgeSide[k];
-    c.ready = kTests;
+    r.ready = kTests;
 }
 
 // The faces of the objects met lately, read and prepared once for the objects whose lines come
@@ -479,23 +497,20 @@ void prepareTests(CachedFace& c, FacePrep& prep) {
 // (prepareFace depends on the face alone), so which faces are kept changes no result.
 class FaceWindow {
 public:
-    /// The faces of one object, as faces() gives them.
+    /// The faces of one object, as faces() gives them: their cull records, each naming its face
+    /// and the face's face tests' data.
     struct Span {
-        CachedFace* begin;
-        CachedFace* end;
-        FacePrep* prep;  ///< begin[k]'s face tests' data is prep[k]
+        FaceCull* begin;
+        FaceCull* end;
     };
 
     FaceWindow() = default;
     ~FaceWindow() {
-        for (size_t s = 0; slots_ != nullptr && s < kWindowSlots; ++s) {
-            std::free(slots_[s].faces);
-            std::free(slots_[s].prep);
-        }
+        for (size_t s = 0; slots_ != nullptr && s < kWindowSlots; ++s)
+            std::free(slots_[s].room.block);
         std::free(slots_);
         std::free(first_);
-        std::free(spill_);
-        std::free(spillPrep_);
+        std::free(spill_.block);
     }
     FaceWindow(const FaceWindow&) = delete;
     FaceWindow& operator=(const FaceWindow&) = delete;
@@ -506,7 +521,7 @@ public:
         if (slots_ == nullptr)
             return false;
         for (size_t s = 0; s < kWindowSlots; ++s)
-            slots_[s] = {nullptr, nullptr, 0, 0, -1, -1};
+            slots_[s] = {{}, 0, -1, -1};
         first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
         if (first_ == nullptr)
             return false;
@@ -535,10 +550,7 @@ public:
     /// false if it cannot grow.
     bool beginUse(size_t most) {
         spillUsed_ = 0;
-        if (most <= spillCapacity_)
-            return true;
-        size_t prepCapacity = spillCapacity_;
-        return renewRoom(spillPrep_, prepCapacity, most) && renewRoom(spill_, spillCapacity_, most);
+        return most <= spill_.capacity || renew(spill_, most);
     }
 
     /// Object j's faces for the lines of object user, valid until beginUse is called again:
@@ -548,51 +560,45 @@ public:
         Slot& slot = slots_[static_cast<size_t>(j) % kWindowSlots];
         if (slot.object == j) {
             slot.user = user;
-            out = {slot.faces, slot.faces + slot.count, slot.prep};
+            out = {slot.room.culls, slot.room.culls + slot.count};
             return true;
         }
         const size_t records = first_[j + 1] - first_[j];
         if (records == 0) {
-            out = {nullptr, nullptr, nullptr};
+            out = {nullptr, nullptr};
             return true;
         }
         const bool inSlot = slot.user != user;
-        CachedFace* room = nullptr;
-        FacePrep* prepRoom = nullptr;
+        size_t at = 0;
+        const Room* room = &slot.room;
         if (!inSlot) {
-            room = spill_ + spillUsed_;
-            prepRoom = spillPrep_ + spillUsed_;
+            at = spillUsed_;
+            room = &spill_;
             spillUsed_ += records;
-        } else {
+        } else if (records > slot.room.capacity || slot.room.capacity > kSlotSlack * records) {
             // A slot keeps at most twice the room its faces take: what it gives back the
             // allocator hands to the other slots, so the window's room follows the faces kept.
-            if (records > slot.capacity || slot.capacity > kSlotSlack * records) {
-                const size_t had = slot.capacity;
-                // The slot keeps nothing until both rooms are renewed.
-                slot.object = -1;
-                size_t prepCapacity = slot.capacity;
-                if (!renewRoom(slot.prep, prepCapacity, records) ||
-                    !renewRoom(slot.faces, slot.capacity, records))
-                    return false;
-                kept_ = kept_ - had + records;
-                peak_ = kept_ > peak_ ? kept_ : peak_;
-            }
-            room = slot.faces;
-            prepRoom = slot.prep;
+            const size_t had = slot.room.capacity;
+            // The slot keeps nothing until its room is renewed.
+            slot.object = -1;
+            if (!renew(slot.room, records))
+                return false;
+            kept_ = kept_ - had + records;
+            peak_ = kept_ > peak_ ? kept_ : peak_;
         }
-        const size_t count = read(objs[j]->prosect, first_[j], room);
+        const size_t count = read(objs[j]->prosect, first_[j], *room, at);
         if (inSlot) {
             slot.count = count;
             slot.object = j;
             slot.user = user;
         }
-        out = {room, room + count, prepRoom};
+        out = {room->culls + at, room->culls + at + count};
         return true;
     }
 
     /// The room the window takes at its largest.
     size_t bytes() const {
-        return (peak_ + spillCapacity_) * (sizeof(CachedFace) + sizeof(FacePrep)) +
+        return (peak_ + spill_.capacity) * kFaceBytes + (kWindowSlots + 1) * kAlign +
                kWindowSlots * sizeof(Slot) + (last_ + 1) * sizeof(size_t);
     }
 
@@ -602,38 +608,73 @@ private:
     static constexpr size_t kWindowSlots = 512;
     // The most room a slot keeps, as a multiple of what its faces take.
     static constexpr size_t kSlotSlack = 2;
+    // The cull records' alignment, a cache line, and the room a face takes.
+    static constexpr size_t kAlign = alignof(FaceCull);
+    static constexpr size_t kFaceBytes = sizeof(FaceCull) + sizeof(CachedFace) + sizeof(FacePrep);
+    static_assert(sizeof(FaceCull) % alignof(CachedFace) == 0 &&
+                      sizeof(CachedFace) % alignof(FacePrep) == 0,
+                  "each part of a room aligned after the one before");
 
-    // A slot's faces and, beside them, their face tests' data: the pruning tests read only the
-    // faces, which stay packed.
+    // Room for capacity faces in one block: their cull records (aligned to a cache line, packed
+    // for the culls), then the faces, then their face tests' data, face k's at k in each.
+    struct Room {
+        void* block = nullptr;
+        FaceCull* culls = nullptr;
+        CachedFace* faces = nullptr;
+        FacePrep* prep = nullptr;
+        size_t capacity = 0;
+    };
+
+    // A slot's faces.
     struct Slot {
-        CachedFace* faces;
-        FacePrep* prep;  ///< faces[k]'s face tests' data is prep[k], as capacity allows
+        Room room;
         size_t count;
-        size_t capacity;
         int object;  ///< the object whose faces are kept; -1: none
         int user;    ///< the object whose lines last used them; -1: none
     };
 
-    // Reads the faces of the list, named from id on, into room, and makes their first stage;
-    // returns how many. Their face tests' data goes into the room beside (prep) when asked for.
-    static size_t read(const _s_hd_prosect_* list, size_t id, CachedFace* room) {
-        size_t at = 0;
+    // Replaces the room (what it held is not kept) with room for most faces; false, keeping the
+    // old room, if the new cannot be had.
+    static bool renew(Room& room, size_t most) {
+        if (most > (SIZE_MAX - kAlign) / kFaceBytes)
+            return false;
+        size_t space = most * kFaceBytes + kAlign;
+        void* block = std::malloc(space);
+        if (block == nullptr)
+            return false;
+        void* at = block;
+        std::align(kAlign, most * kFaceBytes, at, space);  // room to spare for it: kAlign
+        std::free(room.block);
+        room.block = block;
+        room.culls = static_cast<FaceCull*>(at);
+        room.faces = reinterpret_cast<CachedFace*>(room.culls + most);
+        room.prep = reinterpret_cast<FacePrep*>(room.faces + most);
+        room.capacity = most;
+        return true;
+    }
+
+    // Reads the faces of the list, named from id on, into room from at on, and makes their
+    // first stage; returns how many.
+    static size_t read(const _s_hd_prosect_* list, size_t id, const Room& room, size_t at) {
+        const size_t first = at;
         for (const _s_hd_prosect_* f = list; f != nullptr; f = f->next, ++id) {
-            if (readFace(f->sect, room[at].face)) {
-                prepareFace(room[at]);
-                room[at].id = id;
+            CachedFace& face = room.faces[at];
+            if (readFace(f->sect, face.face)) {
+                FaceCull& c = room.culls[at];
+                prepareFace(face.face, c);
+                c.face = &face;
+                c.prep = room.prep + at;
+                c.id = id;
                 ++at;
             }
         }
-        return at;
+        return at - first;
     }
 
     Slot* slots_ = nullptr;
     size_t* first_ = nullptr;  ///< object i's face records are named first_[i] on
     size_t last_ = 0;
-    CachedFace* spill_ = nullptr;
-    FacePrep* spillPrep_ = nullptr;
-    size_t spillCapacity_ = 0;
+    Room spill_;
     size_t spillUsed_ = 0;
     size_t kept_ = 0;  ///< the slots' room, in faces
     size_t peak_ = 0;  ///< the most room the slots took at once
@@ -650,9 +691,8 @@ class NearFaces {
 public:
     struct Entry {
         LineRange extents;  ///< the face's XY extents, read by every line after zBack
-        double zBack;       ///< the face's CachedFace::zBack, read first
-        CachedFace* face;
-        FacePrep* prep;  ///< the face's face tests' data, kept beside it in the window
+        double zBack;       ///< the face's FaceCull::zBack, read first
+        FaceCull* face;
     };
 
     /// A candidate's gathered faces, and the first four numbers of its object's box (for
@@ -700,11 +740,11 @@ public:
             FaceWindow::Span faces;
             if (!window.faces(objs, table[c].index, user, faces))
                 return false;
-            for (CachedFace* f = faces.begin; f != faces.end; ++f) {
-                const LineRange e = {f->face.xmin, f->face.xmax, f->face.ymin, f->face.ymax};
+            for (FaceCull* f = faces.begin; f != faces.end; ++f) {
+                const LineRange e = f->extents;
                 if (e.xmax >= all.xmin && e.ymax >= all.ymin && e.xmin <= all.xmax &&
                     e.ymin <= all.ymax)
-                    *at++ = {e, f->zBack, f, faces.prep + (f - faces.begin)};
+                    *at++ = {e, f->zBack, f};
             }
             g.end = at;
         }
@@ -833,7 +873,7 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     e = nextNearLine(e, end, prepared.range, prune.zLimit);
                     if (e == end)
                         break;
-                    CachedFace* f = e->face;
+                    FaceCull* f = e->face;
                     // The culls in the order of what each passes over for its cost.
                     if (lineInFrontOfFace(*f, prune))
                         continue;
@@ -842,13 +882,13 @@ _s_hd_proline_* kestHideObjectMeasured(_s_hd_prof_** objs, int n, HidePassStats*
                     if (faceApartFromLine(*f, prune))
                         continue;
                     if (f->ready < kTests)
-                        prepareTests(*f, *e->prep);
+                        prepareTests(*f);
                     if (stats != nullptr)
                         ++stats->faceTests;
                     _s_hd_point_ from;
                     _s_hd_point_ to;
                     const bool hides =
-                        hideLineByFace(prepared, f->face, from, to, {&memo, f->id, e->prep});
+                        hideLineByFace(prepared, f->face->face, from, to, {&memo, f->id, f->prep});
                     if ((hides && !hidden.append(from, to)) || memo.failed())
                         return false;
                     if (hides) {
