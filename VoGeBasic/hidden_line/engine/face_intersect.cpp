@@ -107,7 +107,7 @@ constexpr double kWellBeyondSlack = 1e-4;
 bool wellBeyond(const FaceFacts& ef, const FaceFacts& plane, double m) {
     const double d = vecDot(plane.normal, vecSub(ef.centre, plane.v0));
     const double far = ef.reach + m + kWellBeyondSlack;
-    return d > far || d < -far;
+    return (d > far) | (d < -far);
 }
 
 // The signed distances d[k] of e's vertices from the plane of the face whose facts are plane.
@@ -120,15 +120,17 @@ bool planeDistances(const HDFace& e, bool bounded, const FaceFacts& plane, doubl
     return true;
 }
 
-// True when the count distances all exceed m or all fall below -m (NaN fails).
+// True when the count distances all exceed m or all fall below -m (NaN fails). Every distance
+// is compared, without a branch between them: which side a vertex lies on is a toss-up from one
+// pair of faces to the next.
 bool allBeyond(const double* d, int count, double m) {
     bool above = true;
     bool below = true;
     for (int k = 0; k < count; ++k) {
-        above = above && d[k] > m;
-        below = below && d[k] < -m;
+        above &= d[k] > m;
+        below &= d[k] < -m;
     }
-    return above || below;
+    return above | below;
 }
 
 // The X plus Y plus Z extent of the common box of two faces, the larger and smaller of two
@@ -173,7 +175,7 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
     for (int k = 0; k < e.count; ++k) {
         const double da = d[k];
         const double db = d[nextVertex(k, e.count)];
-        const bool off = (da > m && db > m) || (da < -m && db < -m);
+        const bool off = ((da > m) & (db > m)) | ((da < -m) & (db < -m));
         edges |= off ? 1u << k : 0u;
     }
     return edges;
@@ -711,7 +713,7 @@ bool sliceApart(const HDFace& e, const double* w, const double* d, double s, dou
                 double m) {
     double least = std::numeric_limits<double>::infinity();
     double most = -least;
-    auto apart = [&] { return lo - most > m || least - hi > m; };
+    auto apart = [&] { return (lo - most > m) | (least - hi > m); };
     int level[kMaxFaceVertices];  // 0: below -s, 1: within s, 2: above s
     for (int k = 0; k < e.count; ++k) {
         level[k] = d[k] < -s ? 0 : d[k] > s ? 2 : 1;
