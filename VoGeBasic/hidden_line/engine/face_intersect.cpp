@@ -176,7 +176,7 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
         const double da = d[k];
         const double db = d[nextVertex(k, e.count)];
         const bool off = ((da > m) & (db > m)) | ((da < -m) & (db < -m));
-        edges |= off ? 1u << k : 0u;
+        edges |= static_cast<unsigned>(off) << k;
     }
     return edges;
 }
