@@ -107,7 +107,7 @@ constexpr double kWellBeyondSlack = 1e-4;
 bool wellBeyond(const FaceFacts& ef, const FaceFacts& plane, double m) {
     const double d = vecDot(plane.normal, vecSub(ef.centre, plane.v0));
     const double far = ef.reach + m + kWellBeyondSlack;
-    return d > far || d < -far;
+    return (d > far) | (d < -far);
 }
 
 // The signed distances d[k] of e's vertices from the plane of the face whose facts are plane.
@@ -120,15 +120,17 @@ bool planeDistances(const HDFace& e, bool bounded, const FaceFacts& plane, doubl
     return true;
 }
 
-// True when the count distances all exceed m or all fall below -m (NaN fails).
+// True when the count distances all exceed m or all fall below -m (NaN fails). Every distance
+// is compared, without a branch between them: which side a vertex lies on is a toss-up from one
+// pair of faces to the next.
 bool allBeyond(const double* d, int count, double m) {
     bool above = true;
     bool below = true;
     for (int k = 0; k < count; ++k) {
-        above = above && d[k] > m;
-        below = below && d[k] < -m;
+        above &= d[k] > m;
+        below &= d[k] < -m;
     }
-    return above || below;
+    return above | below;
 }
 
 // The X plus Y plus Z extent of the common box of two faces, the larger and smaller of two
@@ -173,8 +175,8 @@ unsigned offPlaneEdges(const HDFace& e, const double* d, double span) {
     for (int k = 0; k < e.count; ++k) {
         const double da = d[k];
         const double db = d[nextVertex(k, e.count)];
-        const bool off = (da > m && db > m) || (da < -m && db < -m);
-        edges |= off ? 1u << k : 0u;
+        const bool off = ((da > m) & (db > m)) | ((da < -m) & (db < -m));
+        edges |= static_cast<unsigned>(off) << k;
     }
     return edges;
 }
@@ -711,7 +713,7 @@ bool sliceApart(const HDFace& e, const double* w, const double* d, double s, dou
                 double m) {
     double least = std::numeric_limits<double>::infinity();
     double most = -least;
-    auto apart = [&] { return lo - most > m || least - hi > m; };
+    auto apart = [&] { return (lo - most > m) | (least - hi > m); };
     int level[kMaxFaceVertices];  // 0: below -s, 1: within s, 2: above s
     for (int k = 0; k < e.count; ++k) {
         level[k] = d[k] < -s ? 0 : d[k] > s ? 2 : 1;
@@ -1006,26 +1008,25 @@ void sharedVertices(const HDFace& f, const HDFace& g, unsigned& fShared, unsigne
     }
 }
 
-// True when each of the count vertices of a face marked in shared (sharedVertices) lies within
-// kSharedOnPlane of another face's plane, measured as linePlaneInter measures it for an edge from
-// it, and every other one lies farther than m from it on one side, measured as planeDistances
-// measures it: d holds the distances planeDistances works out. linePlaneInter's numerator for
-// an edge from v is n . (v0 - v), and v0 - v is v - v0 negated (rounding to nearest is the same
-// either way round; a zero's sign aside), as are the three products and their sum: its
-// magnitude is |d| to the bit. NaN fails.
-bool sharedOnPlaneRestBeyond(const double* d, int count, double m, unsigned shared) {
+// Marks in on the count vertices of a face whose distances d from another face's plane
+// (planeDistances) lie within kSharedOnPlane, measured as linePlaneInter measures it for an edge
+// from the vertex: its numerator for an edge from v is n . (v0 - v), and v0 - v is v - v0 negated
+// (rounding to nearest is the same either way round; a zero's sign aside), as are the three
+// products and their sum: its magnitude is |d| to the bit. True when every other vertex lies
+// farther than m (at least kFacesApartAbs) from the plane, all on one side. The vertices are all
+// looked at, without a branch: which lie on the plane is a toss-up from one pair to the next.
+// NaN fails.
+bool onPlaneRestBeyond(const double* d, int count, double m, unsigned& on) {
     bool above = true;
     bool below = true;
+    on = 0u;
     for (int k = 0; k < count; ++k) {
-        if ((shared >> k & 1u) != 0) {
-            if (!(std::fabs(d[k]) <= kSharedOnPlane))
-                return false;
-            continue;
-        }
-        above = above && d[k] > m;
-        below = below && d[k] < -m;
+        const bool at = std::fabs(d[k]) <= kSharedOnPlane;
+        on |= static_cast<unsigned>(at) << k;
+        above &= at | (d[k] > m);
+        below &= at | (d[k] < -m);
     }
-    return above || below;
+    return above | below;
 }
 
 int sharedCount(unsigned shared) {
@@ -1078,22 +1079,31 @@ bool meetOnlyAtShared(const PreparedFace& f, const PreparedFace& g) {
 }
 
 // meetOnlyAtShared for two boundedFace faces with their commonSpan span, its apartMargin m, and
-// f's distances from g's plane df as planeDistances works them out.
+// f's distances from g's plane df as planeDistances works them out. The vertices of f on g's
+// plane (onPlaneRestBeyond) must be those it shares with g (sharedVertices), and those of g on
+// f's plane those g shares with f: a vertex lies within kSharedOnPlane of the plane or beyond m
+// (above kSharedOnPlane), not both, so that is what the shared ones lying on the plane and the
+// rest beyond it come to. The plane tests come first: most pairs that fail, fail there, and the
+// vertices need not be compared.
 bool sharedOnly(const PreparedFace& f, const PreparedFace& g, double span, double m,
                 const double* df) {
     if (!(span <= kSharedSpanLimit))
         return false;
-    unsigned fShared = 0u;
-    unsigned gShared = 0u;
-    sharedVertices(f.face, g.face, fShared, gShared);
-    const int count = sharedCount(fShared);
-    if (count != sharedCount(gShared) || count < 1 || count > 2)
+    unsigned fOn = 0u;
+    unsigned gOn = 0u;
+    if (!onPlaneRestBeyond(df, f.face.count, m, fOn))
         return false;
-    if (!sharedOnPlaneRestBeyond(df, f.face.count, m, fShared))
+    const int count = sharedCount(fOn);
+    if (count < 1 || count > 2)
         return false;
     double dg[kMaxFaceVertices];
     planeDistances(g.face, true, f.facts, dg);
-    if (!sharedOnPlaneRestBeyond(dg, g.face.count, m, gShared))
+    if (!onPlaneRestBeyond(dg, g.face.count, m, gOn) || sharedCount(gOn) != count)
+        return false;
+    unsigned fShared = 0u;
+    unsigned gShared = 0u;
+    sharedVertices(f.face, g.face, fShared, gShared);
+    if (fShared != fOn || gShared != gOn)
         return false;
     return count == 1 || (sharedEdgeOffCrossing(f, fShared, g.face.normal) &&
                           sharedEdgeOffCrossing(g, gShared, f.face.normal));

@@ -83,6 +83,14 @@ TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo
         vgscene::releaseAll(one);
         vgscene::releaseAll(two);
     }
+    // Two faces of one object that share a vertex, to the bit, and pass through each other from
+    // it meet along their crossing all the same, found from each face's side.
+    const std::vector<P> flat = {{0, 0, 0}, {2, -1, 0.5}, {2, 1, -0.5}};
+    const std::vector<P> tilted = {{0, 0, 0}, {2, 0.5, -1}, {2, -0.5, 1}};
+    std::vector<_s_hd_prof_*> fromShared = {makeObject({flat, tilted}, {first})};
+    registerAll(fromShared);
+    EXPECT_EQ(segmentsOf(fromShared[0]->proline).size(), 3u);
+    vgscene::releaseAll(fromShared);
     // Faces whose unit normals' dot product lies within 1e-6 of one are taken as parallel and do
     // not meet, though they cross: none at 1e-3 rad apart, the crossing at 3e-3.
     for (const double tilt : {1e-3, 3e-3}) {
