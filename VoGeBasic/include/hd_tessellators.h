@@ -307,16 +307,16 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// a hundredth of a long edge's length outside it as inside; rings are kept only 1e-3 off the rim,
 /// and only those put in where the tangent comes nearest the view axis). The gaps this leaves where
 /// the rim is the outline were measured over 1,300 views of random elbows seen 1e-4 to 0.05 rad
-/// off the tube's length at an end: one view in about 160 shows a gap of over 1.1 sagittas, and
-/// where a whole rim chord is hidden the gap reaches several sagittas (6.5 in a quarter turn of a
-/// tube of radius 30.6 seen 2.4e-3 off its length at the far end; 2.6 in half a turn of radius 2
-/// seen 0.013 off at the start). In one view in about 400 the drawing strays from the true outline
-/// by over 1.1 sagittas (1.66 at most, a thin tube of radius 0.24). Such views are rare in a plant:
-/// an elbow is seen exactly along its end where its pipe runs along the view, and that view is
-/// drawn true. And at a ring drawn whole whose
-/// tangent leans from Z by nearly the limit above, the true outline lies a little outside the
-/// ring's circle (by the figure above), which a chord whose sagitta is the whole allowance does not
-/// allow for (no view was found where that shows). Returns a new object owned by the caller;
+/// off the tube's length at an end, beyond the hide pass's own reach (3e-4 of the elbow's size):
+/// one view in about 160 shows a gap of over 1.1 sagittas, and where a whole rim chord is hidden
+/// the gap reaches several sagittas (6.4 in a quarter turn of a tube of radius 30.6 seen 2.4e-3
+/// off its length at the far end; 2.6 in half a turn of radius 2 seen 0.013 off at the start). In
+/// one view in about 650 the drawing strays from the true outline by over 1.1 sagittas (1.63 at
+/// most, half a turn of a thin tube of radius 0.24). Such views are rare in a plant: an elbow is
+/// seen exactly along its end where its pipe runs along the view, and that view is drawn true. And
+/// at a ring drawn whole whose tangent leans from Z by nearly the limit above, the true outline
+/// lies a little outside the ring's circle (by the figure above), which a chord whose sagitta is
+/// the whole allowance does not allow for (no view was found where that shows). Returns a new object owned by the caller;
 /// release it with freeHDProfObjectPointer. Returns null on non-finite input, when r or |s - c| is
 /// below 0.01, for a null axis, for s - c off the plane normal to the axis, for an angle not above
 /// 0 or above 2 pi, for n below 0 or above 100000, or if an allocation fails.
