@@ -255,9 +255,10 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// square beside it, each chain of the band between them runs from a rim vertex instead of from the
 /// rim's own silhouette point: to a pattern vertex from the rim's vertex at the same place in the
 /// pattern, not drawn; to the point from the end of that chord away from the ring (seen along Z),
-/// drawn (also along a rim), provided it keeps within the allowance below of the rim, of the tube's
-/// line from the rim to that point or of the true silhouette between the rim and that ring (where
-/// it turns round the tube): the faces through the point hide the chord, and the band folds along
+/// drawn (also along a rim), provided it keeps within the allowance below of the rim or of the true
+/// silhouette between the rim and that ring (where it turns round the tube; the tube's straight
+/// line from the rim to the point lies on the tube but not on its outline there, and does not
+/// count): the faces through the point hide the chord, and the band folds along
 /// the chain, which is the outline there; where it would stray, to the point from the end of that
 /// chord towards the ring, not drawn (the tube hides the rim on that side of the point, and the
 /// band's faces keep off the rest of the chord). A ring beside an end rim whose silhouette point
@@ -311,15 +312,15 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// one view in about 160 shows a gap of over 1.1 sagittas, and where a whole rim chord is hidden
 /// the gap reaches several sagittas (6.4 in a quarter turn of a tube of radius 30.6 seen 2.4e-3
 /// off its length at the far end; 2.6 in half a turn of radius 2 seen 0.013 off at the start). In
-/// one view in about 650 the drawing strays from the true outline by over 1.1 sagittas (1.63 at
-/// most, half a turn of a thin tube of radius 0.24). Such views are rare in a plant: an elbow is
-/// seen exactly along its end where its pipe runs along the view, and that view is drawn true. And
-/// at a ring drawn whole whose tangent leans from Z by nearly the limit above, the true outline
-/// lies a little outside the ring's circle (by the figure above), which a chord whose sagitta is
-/// the whole allowance does not allow for (no view was found where that shows). Returns a new object owned by the caller;
-/// release it with freeHDProfObjectPointer. Returns null on non-finite input, when r or |s - c| is
-/// below 0.01, for a null axis, for s - c off the plane normal to the axis, for an angle not above
-/// 0 or above 2 pi, for n below 0 or above 100000, or if an allocation fails.
+/// all of them the drawing keeps to the true outline within 1.02 sagittas. Such views are rare in
+/// a plant: an elbow is seen exactly along its end where its pipe runs along the view, and that
+/// view is drawn true. And at a ring drawn whole whose tangent leans from Z by nearly the limit
+/// above, the true outline lies a little outside the ring's circle (by the figure above), which a
+/// chord whose sagitta is the whole allowance does not allow for (no view was found where that
+/// shows). Returns a new object owned by the caller; release it with freeHDProfObjectPointer.
+/// Returns null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c
+/// off the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or above
+/// 100000, or if an allocation fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ s,
                                          _s_hd_point_ axis, int n);
 

@@ -1066,23 +1066,22 @@ private:
     // shift away from the rim's, at besidePhi along the bend) runs through, or -1: s lies nearer
     // the viewer than the rim and outside one of its chords seen along Z, square beside it; the
     // vertex is the end of that chord away from the ring, and the chain from it to s keeps within
-    // the outline's allowance of the rim, of the tube's line from the rim to s or of the true
-    // silhouette between the rim and the ring (its true outline there, seen along Z and in
-    // depth).
+    // the outline's allowance of the rim or of the true silhouette between the rim and the ring
+    // (its true outline there, seen along Z and in depth). The tube's straight line from the rim
+    // to s does not count: it lies on the tube but, where the silhouette turns round the tube
+    // between them, not on its outline, and a chain kept to it was drawn up to 1.6 allowances off
+    // the outline.
     int rimChainVertex(const RimView& rim, const Station& end, _s_hd_point_ s, _s_hd_point_ shift,
                        double besidePhi) const {
         const int over = nearerThanRim(rim, s) ? chordBeside(rim, s) : -1;
         if (over < 0)
             return -1;
         const int v = chordEnd(rim, over, shift, true);
-        const _s_hd_point_ under =
-            ringPoint(bend_, end, aroundTube(bend_, end, vecSub(s, end.centre)));
         const SilhouetteRun run = silhouetteRun(end, besidePhi);
         for (int k = 1; k < kRimChainSamples; ++k) {
             const _s_hd_point_ q = linComb(
                 1.0, rim.pts[v], static_cast<double>(k) / kRimChainSamples, vecSub(s, rim.pts[v]));
-            if (!(std::fmin(std::fmin(fromRim(rim, q), fromSegment(q, under, s)),
-                            fromSilhouette(q, run)) <= chainTol_))
+            if (!(std::fmin(fromRim(rim, q), fromSilhouette(q, run)) <= chainTol_))
                 return -1;
         }
         return v;

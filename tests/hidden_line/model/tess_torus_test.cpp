@@ -171,6 +171,14 @@ TEST(Elbow, GeneratedAndDegenerateViewsAreClosedOnTheTorusAndDrawTheirOutline) {
          kPi,
          {-43.3464922915243, 11.850613461431685, 3.02041365169754},
          {-0.21684353272999074, -0.97620542860995485, -0.0013577428444607467}},
+        // Thin, half a turn seen 0.026 off its length at the start, the tube beyond nearer the
+        // viewer: the silhouette turns round the tube between the rim and the ring beside it, and
+        // the chain from the rim's vertex must keep to it, not to the tube's straight line.
+        {"thin, a few degrees off the tube at the start, the silhouette turning",
+         0.23909181007026131,
+         kPi,
+         {1.2067828934740767, 1.0445783060066174, 2.9797878571930703},
+         {0.97719081768226979, 0.2118165368138013, -0.015226968498831411}},
     };
     for (const auto& v : views) {
         const Elbow e{v.r, v.angle, o, v.s, vecNormalize(v.a), 0};
