@@ -304,23 +304,23 @@ VOGEBASIC_API _s_hd_prof_* ep_divide_sad(double ri, double ro, double t, _s_hd_p
 /// drawn one off its chords. Shortcomings are left where the tube is seen nearly along its length
 /// at an end, the tube beyond nearer the viewer. There the rings near the end lie, seen along Z,
 /// close beside the rim's circle, and a face of them that comes within the hide pass's inside
-/// tolerance of a rim chord hides that chord (the angle sum's tolerance takes a point up to about
-/// a hundredth of a long edge's length outside it as inside; rings are kept only 1e-3 off the rim,
-/// and only those put in where the tangent comes nearest the view axis). The gaps this leaves where
-/// the rim is the outline were measured over 1,300 views of random elbows seen 1e-4 to 0.05 rad
-/// off the tube's length at an end, beyond the hide pass's own reach (3e-4 of the elbow's size):
-/// one view in about 160 shows a gap of over 1.1 sagittas, and where a whole rim chord is hidden
-/// the gap reaches several sagittas (6.4 in a quarter turn of a tube of radius 30.6 seen 2.4e-3
-/// off its length at the far end; 2.6 in half a turn of radius 2 seen 0.013 off at the start). In
-/// all of them the drawing keeps to the true outline within 1.02 sagittas. Such views are rare in
-/// a plant: an elbow is seen exactly along its end where its pipe runs along the view, and that
-/// view is drawn true. And at a ring drawn whole whose tangent leans from Z by nearly the limit
-/// above, the true outline lies a little outside the ring's circle (by the figure above), which a
-/// chord whose sagitta is the whole allowance does not allow for (no view was found where that
-/// shows). Returns a new object owned by the caller; release it with freeHDProfObjectPointer.
-/// Returns null on non-finite input, when r or |s - c| is below 0.01, for a null axis, for s - c
-/// off the plane normal to the axis, for an angle not above 0 or above 2 pi, for n below 0 or above
-/// 100000, or if an allocation fails.
+/// tolerance of a rim chord hides that chord (the angle sum's tolerance takes a point up to about a
+/// hundredth of a long edge's length outside it as inside, while a ring beside the rim is left out
+/// only where it lies within 1e-3 of it all round). The gaps this leaves where the rim is the
+/// outline were measured over 1,300 views of random elbows seen 1e-4 to 0.05 rad off the tube's
+/// length at an end, beyond the hide pass's own reach (3e-4 of the elbow's size): one view in about
+/// 160 shows a gap of over 1.1 sagittas, and where a whole rim chord is hidden the gap reaches
+/// several sagittas (6.4 in a quarter turn of a tube of radius 30.6 seen 2.4e-3 off its length at
+/// the far end; 2.6 in half a turn of radius 2 seen 0.013 off at the start). In all of them the
+/// drawing keeps to the true outline within 1.02 sagittas. Such views are rare in a plant: an elbow
+/// is seen exactly along its end where its pipe runs along the view, and that view is drawn true.
+/// And at a ring drawn whole whose tangent leans from Z by nearly the limit above, the true outline
+/// lies a little outside the ring's circle (by the figure above), which a chord whose sagitta is
+/// the whole allowance does not allow for (no view was found where that shows). Returns a new
+/// object owned by the caller; release it with freeHDProfObjectPointer. Returns null on non-finite
+/// input, when r or |s - c| is below 0.01, for a null axis, for s - c off the plane normal to the
+/// axis, for an angle not above 0 or above 2 pi, for n below 0 or above 100000, or if an allocation
+/// fails.
 VOGEBASIC_API _s_hd_prof_* ep_divide_tor(double r, double angle, _s_hd_point_ c, _s_hd_point_ s,
                                          _s_hd_point_ axis, int n);
 
