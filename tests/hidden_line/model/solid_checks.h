@@ -193,6 +193,24 @@ inline int sharedPoints(const std::vector<P>& pts, const std::vector<P>& others,
                               [&](P q) { return norm(vecSub(p, q)) <= tol; });
     return shared;
 }
+/// The points of obj (which it releases; null fails the test), the ends of its lines or, with
+/// faces, every vertex too, that lie within tol of the plane through c square to the unit n,
+/// each once.
+inline std::vector<P> pointsInPlane(geolib::_s_hd_prof_* obj, P c, P n, double tol,
+                                    bool faces = false) {
+    EXPECT_NE(obj, nullptr) << "refused";
+    std::vector<P> pts, out;
+    for (const auto& [a, b] : enginetest::segmentsOf(obj != nullptr ? obj->proline : nullptr))
+        pts.insert(pts.end(), {a, b});
+    if (obj != nullptr && faces)
+        pts = enginetest::pointsOf(obj);
+    for (const P& p : pts) {
+        if (std::fabs(vecDot(vecSub(p, c), n)) <= tol && sharedPoints({p}, out, 0.0) == 0)
+            out.push_back(p);
+    }
+    geolib::freeHDProfObjectPointer(obj);
+    return out;
+}
 
 /// An outline (z ignored for a section).
 using Outline = std::vector<P>;
@@ -373,8 +391,9 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
 inline void expectRefused(std::initializer_list<geolib::_s_hd_prof_*> objs) {
     int k = 0;
     for (geolib::_s_hd_prof_* obj : objs) {
-        EXPECT_EQ(obj, nullptr) << "call " << k++ << " of the list was taken";
+        EXPECT_EQ(obj, nullptr) << "call " << k << " of the list was taken";
         geolib::freeHDProfObjectPointer(obj);
+        ++k;
     }
 }
 

@@ -90,29 +90,16 @@ TEST(RuledSolids, ReducerHasItsRimVerticesWherePipesHaveTheirs) {
         const P side = vecNormalize(add(sides[i], d, -vecDot(sides[i], d)));
         for (const bool eccentric : {false, true}) {
             const P b = add(add(a, d, len), side, eccentric ? std::fabs(ra - rb) : 0.0);
-            _s_hd_prof_* objs[3] = {
-                eccentric ? ep_divide_ecn(a, b, ra, rb, d) : ep_divide_con(a, b, ra, rb),
-                ep_divide_con(add(a, d, -pipe), a, ra, ra),
-                ep_divide_con(b, add(b, d, pipe), rb, rb)};
-            std::vector<P> pts[3];
-            for (int k = 0; k < 3; ++k) {
-                ASSERT_NE(objs[k], nullptr);
-                for (const auto& [p, q] : enginetest::segmentsOf(objs[k]->proline))
-                    pts[k].insert(pts[k].end(), {p, q});
-                freeHDProfObjectPointer(objs[k]);
-            }
             for (int end = 0; end < 2; ++end) {
                 const P c = end == 0 ? a : b;
                 const double r = end == 0 ? ra : rb;
-                const auto rim = [&](int k) {
-                    std::vector<P> out;
-                    for (const P& p : pts[k])
-                        if (std::fabs(vecDot(vecSub(p, c), d)) <= 1e-9 * r &&
-                            sharedPoints({p}, out, 0.0) == 0)
-                            out.push_back(p);
-                    return out;
-                };
-                const std::vector<P> mine = rim(1 + end), reducer = rim(0);
+                const auto reducer = pointsInPlane(
+                    eccentric ? ep_divide_ecn(a, b, ra, rb, d) : ep_divide_con(a, b, ra, rb), c, d,
+                    1e-9 * r);
+                const auto mine =
+                    pointsInPlane(end == 0 ? ep_divide_con(add(a, d, -pipe), a, ra, ra)
+                                           : ep_divide_con(b, add(b, d, pipe), rb, rb),
+                                  c, d, 1e-9 * r);
                 const int shared = sharedPoints(mine, reducer, 1e-9 * r);
                 const std::string what = "view " + std::to_string(i) + " end " +
                                          std::to_string(end) + (eccentric ? " ecn" : " con");

@@ -202,18 +202,9 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
         expectTrueSolid(ep_divide_squcir(o, w, h, x, y, c, r), s, "squcir " + id);
         // A pipe butting the round end has its rim's vertices where the transition has its own,
         // but for those the quarter points and the two silhouettes took the place of.
-        _s_hd_prof_* joint[2] = {ep_divide_squcir(o, w, h, x, y, c, r),
-                                 ep_divide_con(c, add(c, k, height), r, r)};
-        std::vector<P> rims[2];
-        for (int j = 0; j < 2; ++j) {
-            ASSERT_NE(joint[j], nullptr);
-            for (const auto& [p, q] : enginetest::segmentsOf(joint[j]->proline))
-                if (std::fabs(vecDot(vecSub(p, c), k)) <= 1e-9 * w &&
-                    sharedPoints({p}, rims[j], 0.0) == 0)
-                    rims[j].push_back(p);
-            freeHDProfObjectPointer(joint[j]);
-        }
-        EXPECT_GE(sharedPoints(rims[1], rims[0], 1e-7 * r) + 6, static_cast<int>(rims[1].size()))
+        const auto end = pointsInPlane(ep_divide_squcir(o, w, h, x, y, c, r), c, k, 1e-9 * w);
+        const auto tube = pointsInPlane(ep_divide_con(c, add(c, k, height), r, r), c, k, 1e-9 * w);
+        EXPECT_GE(sharedPoints(tube, end, 1e-7 * r) + 6, static_cast<int>(tube.size()))
             << "squcir " << id;
     }
 }
@@ -234,17 +225,11 @@ TEST(SweptSolids, BendOnARingPlateHasItsVerticesWhereThePlateHas) {
         const P foot = add(c, k, t);
         const P s = add(foot, add(vecScale(std::cos(start), x), y, std::sin(start)), rm);
         PointList rail(xy({-w, 0, w, 0, w, w, -w, w}));
-        _s_hd_prof_* objs[2] = {ep_divide_sad(ri, ro, t, c, a0, a0 + sweep, k),
-                                ep_divide_arc(rail.head, foot, s, k, sweep, k)};
-        ASSERT_NE(objs[0], nullptr);
-        ASSERT_NE(objs[1], nullptr);
-        const auto plate = enginetest::pointsOf(objs[0]), bend = enginetest::pointsOf(objs[1]);
-        for (_s_hd_prof_* o : objs)
-            freeHDProfObjectPointer(o);
-        std::vector<P> onFoot;  // the bend's points but the rail's top
-        for (const P& p : bend)
-            if (std::fabs(vecDot(vecSub(p, foot), k)) <= 1e-9 * ro)
-                onFoot.push_back(p);
+        // The plate's points, and the bend's but the rail's top.
+        const auto plate =
+            pointsInPlane(ep_divide_sad(ri, ro, t, c, a0, a0 + sweep, k), foot, k, HUGE_VAL, true);
+        const auto onFoot =
+            pointsInPlane(ep_divide_arc(rail.head, foot, s, k, sweep, k), foot, k, 1e-9 * ro, true);
         EXPECT_EQ(sharedPoints(onFoot, plate, 1e-6 * ro), static_cast<int>(onFoot.size()))
             << "view " << i;
         EXPECT_GT(onFoot.size(), 16u) << "view " << i;
