@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -43,6 +44,25 @@ TEST(ViewBoxTrimLine, RangeInsideTheBoxAndSegmentsMeetingIt) {
     box.set(P(-20, -19.5, -14), P(-14, -13.999, -13.999));  // the views' ranges miss the piece
     EXPECT_FALSE(viewBoxTrimLine(&box, P(-16, -13.97, 1), P(-13.999, -14, -20), u0, u1));
     EXPECT_GT(u0, u1);
+}
+
+// The rectangles are appended, corner by corner as documented: a + n h, a - n h, b - n h, b + n h
+// (counter-clockwise for a positive width, z = 0); a box gives one per view between the middles
+// of two opposite sides.
+TEST(ViewRectangles, OfAPipeAndOfABoxsViewsCornerByCorner) {
+    std::vector<P> out = {P(9, 9, 9)};
+    getBoxAlongPipe(P(0, 0, 5), P(10, 0, 5), 2, out);
+    const std::vector<P> ring = {P(9, 9, 9), P(0, 1, 0), P(0, -1, 0), P(10, -1, 0), P(10, 1, 0)};
+    ASSERT_EQ(out.size(), ring.size());
+    for (size_t k = 0; k < ring.size(); ++k)
+        EXPECT_TRUE(out[k] == ring[k]) << k;
+    std::vector<P> xy, yz, xz;
+    get3DBoxProject2d(P(0, 2, 4), P(1, 5, 10), xy, yz, xz);
+    ASSERT_TRUE(xy.size() == 4 && yz.size() == 4 && xz.size() == 4);
+    // Plan x by y, side y by z, front x by z: the first and third corners span each rectangle.
+    EXPECT_TRUE(xy[1] == P(0, 2, 0) && xy[3] == P(1, 5, 0));
+    EXPECT_TRUE(yz[1] == P(2, 4, 0) && yz[3] == P(5, 10, 0));
+    EXPECT_TRUE(xz[1] == P(0, 4, 0) && xz[3] == P(1, 10, 0));
 }
 
 }  // namespace
