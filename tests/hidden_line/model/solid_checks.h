@@ -200,10 +200,12 @@ inline std::vector<P> pointsInPlane(geolib::_s_hd_prof_* obj, P c, P n, double t
                                     bool faces = false) {
     EXPECT_NE(obj, nullptr) << "refused";
     std::vector<P> pts, out;
-    for (const auto& [a, b] : enginetest::segmentsOf(obj != nullptr ? obj->proline : nullptr))
-        pts.insert(pts.end(), {a, b});
-    if (obj != nullptr && faces)
+    if (obj != nullptr && faces) {
         pts = enginetest::pointsOf(obj);
+    } else {
+        for (const auto& [a, b] : enginetest::segmentsOf(obj != nullptr ? obj->proline : nullptr))
+            pts.insert(pts.end(), {a, b});
+    }
     for (const P& p : pts) {
         if (std::fabs(vecDot(vecSub(p, c), n)) <= tol && sharedPoints({p}, out, 0.0) == 0)
             out.push_back(p);
