@@ -488,7 +488,7 @@ void prepareTests(FaceCull& r) {
 
 // The faces of the objects met lately, read and prepared once for the objects whose lines come
 // near them. Object j's faces (those of three vertices or more, in list order) are kept in slot
-// j mod kWindowSlots until another object takes the slot; in a generated plant nearly all the
+// j mod slotsFor(n) until another object takes the slot; in a generated plant nearly all the
 // objects whose boxes touch lie within a few hundred places of each other, so few faces are
 // read twice. Kept for every object at once, the faces took about as much room as the model, and
 // fresh room costs the pass a page fault per page; the slots' room is reused from object to
@@ -506,7 +506,7 @@ public:
 
     FaceWindow() = default;
     ~FaceWindow() {
-        for (size_t s = 0; slots_ != nullptr && s < kWindowSlots; ++s)
+        for (size_t s = 0; slots_ != nullptr && s < slotCount_; ++s)
             std::free(slots_[s].room.block);
         std::free(slots_);
         std::free(first_);
@@ -517,10 +517,11 @@ public:
 
     /// Counts the scene's face records and makes the slots; false if an allocation fails.
     bool init(_s_hd_prof_* const* objs, int n) {
-        slots_ = static_cast<Slot*>(std::malloc(kWindowSlots * sizeof(Slot)));
+        slotCount_ = slotsFor(n);
+        slots_ = static_cast<Slot*>(std::malloc(slotCount_ * sizeof(Slot)));
         if (slots_ == nullptr)
             return false;
-        for (size_t s = 0; s < kWindowSlots; ++s)
+        for (size_t s = 0; s < slotCount_; ++s)
             slots_[s] = {{}, 0, -1, -1};
         first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
         if (first_ == nullptr)
@@ -557,7 +558,7 @@ public:
     /// from j's slot, or read into it; when the slot holds the faces of another object in use
     /// for the same user, read into the room beginUse made. False if an allocation fails.
     bool faces(_s_hd_prof_* const* objs, int j, int user, Span& out) {
-        Slot& slot = slots_[static_cast<size_t>(j) % kWindowSlots];
+        Slot& slot = slots_[static_cast<size_t>(j) % slotCount_];
         if (slot.object == j) {
             slot.user = user;
             out = {slot.room.culls, slot.room.culls + slot.count};
@@ -598,14 +599,27 @@ public:
 
     /// The room the window takes at its largest.
     size_t bytes() const {
-        return (peak_ + spill_.capacity) * kFaceBytes + (kWindowSlots + 1) * kAlign +
-               kWindowSlots * sizeof(Slot) + (last_ + 1) * sizeof(size_t);
+        return (peak_ + spill_.capacity) * kFaceBytes + (slotCount_ + 1) * kAlign +
+               slotCount_ * sizeof(Slot) + (last_ + 1) * sizeof(size_t);
     }
 
 private:
     // Objects kept at most: in a generated plant of 10,000 primitives a pass then reads the
     // faces of 12,700 objects for its 10,000 (twice the slots read hardly fewer).
-    static constexpr size_t kWindowSlots = 512;
+    static constexpr size_t kMostSlots = 512;
+    // Objects kept at least, and the scene's objects a slot in a smaller scene. The slots of a
+    // scene of a few thousand objects would hold a good part of it, and the first touch of their
+    // room costs more than reading the faces again: in a generated plant of 1,000 primitives 512
+    // slots took 18 MiB, twice the model, and 3,600 page faults a pass; 64 take 6 MiB and 900
+    // faults, and the pass is a fifth faster although it reads 120,000 faces for the scene's
+    // 30,000 where 512 slots read 42,000 (with the objects in random order, 330,000 against
+    // 160,000, and still faster by a twelfth). From 8,192 objects on the scene keeps the 512.
+    static constexpr size_t kLeastSlots = 64;
+    static constexpr size_t kObjectsPerSlot = 16;
+    static size_t slotsFor(int n) {
+        const size_t share = static_cast<size_t>(n) / kObjectsPerSlot;
+        return share < kLeastSlots ? kLeastSlots : share > kMostSlots ? kMostSlots : share;
+    }
     // The most room a slot keeps, as a multiple of what its faces take.
     static constexpr size_t kSlotSlack = 2;
     // The cull records' alignment, a cache line, and the room a face takes.
@@ -672,6 +686,7 @@ private:
     }
 
     Slot* slots_ = nullptr;
+    size_t slotCount_ = 0;     ///< slotsFor the scene
     size_t* first_ = nullptr;  ///< object i's face records are named first_[i] on
     size_t last_ = 0;
     Room spill_;
