@@ -610,12 +610,13 @@ private:
     // Objects kept at least, and the scene's objects a slot in a smaller scene. The slots of a
     // scene of a few thousand objects would hold a good part of it, and the first touch of their
     // room costs more than reading the faces again: in a generated plant of 1,000 primitives 512
-    // slots took 18 MiB, twice the model, and 3,600 page faults a pass; 64 take 6 MiB and 900
-    // faults, and the pass is a fifth faster although it reads 120,000 faces for the scene's
-    // 30,000 where 512 slots read 42,000 (with the objects in random order, 330,000 against
-    // 160,000, and still faster by a twelfth). From 8,192 objects on the scene keeps the 512.
+    // slots took 18 MiB, twice the model, and 3,600 page faults a pass; 125 take 7.4 MiB and
+    // under 1,000 faults, and read 44,000 faces for the scene's 30,000 where 512 read 42,000.
+    // The pass takes 30% less time where a page fault costs 10 us, and about as much where the
+    // allocator keeps its freed memory (with the objects in random order, 300,000 reads against
+    // 160,000, and still 20% less). From 4,096 objects on the scene keeps the 512.
     static constexpr size_t kLeastSlots = 64;
-    static constexpr size_t kObjectsPerSlot = 16;
+    static constexpr size_t kObjectsPerSlot = 8;
     static size_t slotsFor(int n) {
         const size_t share = static_cast<size_t>(n) / kObjectsPerSlot;
         return share < kLeastSlots ? kLeastSlots : share > kMostSlots ? kMostSlots : share;
