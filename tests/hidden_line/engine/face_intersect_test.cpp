@@ -170,14 +170,15 @@ TEST(KestFaceIntersect, FacesCutAsEachPairDoes) {
 }
 
 TEST(KestFaceIntersect, FacesNearlyTouchingCutAsThePairDoes) {
-    // A flat face g of size 0.1 to 1000 and two faces meeting it. The first is turned a little or
+    // A flat face g of size 0.1 to 1000 and three faces meeting it. The first is turned a little or
     // much about a line of g and moved so that its vertices come within 1e-7 to 1 of g's (or
     // overlap it by that much) across g's plane or along the line where the planes meet: face
     // intersection, with its shortcuts for faces lying apart, finds the segment the plain test
     // finds, to the bit, or none where it finds none. The second crosses g's plane, one edge of
     // it piercing g within 1e-6 to 0.1 of g's size inside or outside one of g's edges, about
     // where the angles start to place the point on that edge and where the outline starts to
-    // settle it.
+    // settle it. The third stands on g just clear of it, and the plain test still cuts it: the
+    // margin beyond which faces lie apart must not part them.
     vgtest::Lcg rng(7);
     auto unit = [&] { return vecNormalize({rng(-1, 1), rng(-1, 1), rng(-1, 1)}); };
     // Moves pts along axis so that their least extent along it lies gap beyond the others'
@@ -191,7 +192,7 @@ TEST(KestFaceIntersect, FacesNearlyTouchingCutAsThePairDoes) {
         for (P& p : pts)
             p = linComb(1.0, p, gap - (lo - hi), axis);
     };
-    std::size_t none = 0, nearCut = 0, edgeCut = 0;
+    std::size_t none = 0, nearCut = 0, edgeCut = 0, footCut = 0;
     const int trials = 4000;
     for (int trial = 0; trial < trials; ++trial) {
         const double r = std::pow(10.0, 2.0 * rng(-1, 1) + 1.0);
@@ -224,8 +225,18 @@ TEST(KestFaceIntersect, FacesNearlyTouchingCutAsThePairDoes) {
                                        linComb(1.0, linComb(1.0, q, h, up), 1.0, in),
                                        linComb(1.0, linComb(1.0, q, -h, up), 1.0, in)};
         expectCutAsPairs({gv}, {across}, trial, none, edgeCut);
+        // A wall standing on g, its foot level and 1e-7 to 2e-5 above g's plane: its upright
+        // edges reach the plane within the on-segment test's end distance, and the plain test
+        // cuts along the foot, though the wall lies wholly on one side.
+        const P foot = linComb(1.0, o, std::pow(10.0, rng(-7.0, -4.7)), n);
+        const P along = linComb(0.3 * r, e1, 0.2 * r * rng(-1, 1), e2);
+        const std::vector<P> wall = {foot, linComb(1.0, foot, 1.0, along),
+                                     linComb(1.0, linComb(1.0, foot, 1.0, along), 0.5 * r, n),
+                                     linComb(1.0, foot, 0.5 * r, n)};
+        expectCutAsPairs({gv}, {wall}, trial, none, footCut);
     }
     EXPECT_EQ(none, 0u);
+    EXPECT_GT(footCut, trials / 2u);
     EXPECT_GT(nearCut, 300u);
     EXPECT_GT(edgeCut, trials / 4u);
     EXPECT_LT(edgeCut, static_cast<std::size_t>(trials));
