@@ -115,13 +115,14 @@ std::vector<vgscene::Primitive> degenerateScene() {
 
 // Small faces and long and short lines placed where the engine's shortcuts are tight: ends
 // just inside and outside the face tolerances, lines seen end-on or nearly so, lines and faces
-// sharing points, faces of no area or with a NaN vertex, huge coordinates, null entries.
-std::vector<_s_hd_prof_*> awkwardScene(std::uint32_t seed) {
+// sharing points, faces of no area or with a NaN vertex, huge coordinates, null entries. Of
+// count objects: a hundred or more crowd the engine's window of faces, which widens.
+std::vector<_s_hd_prof_*> awkwardScene(std::uint32_t seed, int count = 40) {
     vgtest::Lcg r(seed);
     auto chance = [&r](double p) { return r() < p; };
     std::vector<std::vector<P>> allFaces;
     std::vector<_s_hd_prof_*> objs;
-    for (int o = 0; o < 40; ++o) {
+    for (int o = 0; o < count; ++o) {
         if (o % 9 == 4) {
             objs.push_back(nullptr);
             continue;
@@ -209,6 +210,7 @@ TEST(KestHideObject, MatchesTheReferenceNodeForNode) {
     }
     for (std::uint32_t seed : {1u, 2u, 3u})
         expectEngineMatchesReference(awkwardScene(seed), awkwardScene(seed));
+    expectEngineMatchesReference(awkwardScene(4, 150), awkwardScene(4, 150));
     expectEngineMatchesReference(nearEndScene(), nearEndScene());
     kestFaceIntersectAll(nullptr, 3);  // nothing to do, nothing touched
 }
