@@ -519,11 +519,9 @@ public:
     /// Counts the scene's face records and makes the slots; false if an allocation fails.
     bool init(_s_hd_prof_* const* objs, int n) {
         slotCount_ = slotsFor(n);
-        slots_ = static_cast<Slot*>(std::malloc(slotCount_ * sizeof(Slot)));
+        slots_ = emptySlots(slotCount_);
         if (slots_ == nullptr)
             return false;
-        for (size_t s = 0; s < slotCount_; ++s)
-            slots_[s] = {{}, 0, -1, -1};
         first_ = static_cast<size_t*>(std::malloc((static_cast<size_t>(n) + 1) * sizeof(size_t)));
         if (first_ == nullptr)
             return false;
@@ -645,11 +643,9 @@ private:
     // where that slot is free, and released where another object took it first). If the slots
     // cannot be had the window stays as it is, which changes no result either.
     void widen() {
-        auto* wide = static_cast<Slot*>(std::malloc(kMostSlots * sizeof(Slot)));
+        Slot* wide = emptySlots(kMostSlots);
         if (wide == nullptr)
             return;
-        for (size_t s = 0; s < kMostSlots; ++s)
-            wide[s] = {{}, 0, -1, -1};
         for (size_t s = 0; s < slotCount_; ++s) {
             Slot& slot = slots_[s];
             Slot* to =
@@ -691,6 +687,14 @@ private:
         int object;  ///< the object whose faces are kept; -1: none
         int user;    ///< the object whose lines last used them; -1: none
     };
+
+    // count slots keeping nothing, or null if they cannot be had.
+    static Slot* emptySlots(size_t count) {
+        auto* slots = static_cast<Slot*>(std::malloc(count * sizeof(Slot)));
+        for (size_t s = 0; slots != nullptr && s < count; ++s)
+            slots[s] = {{}, 0, -1, -1};
+        return slots;
+    }
 
     // Replaces the room (what it held is not kept) with room for most faces; false, keeping the
     // old room, if the new cannot be had.
