@@ -34,12 +34,8 @@
 
 namespace hdtest {
 
-using P = geolib::_s_hd_point_;
-using geolib::vecCross;
-using geolib::vecDot;
-using geolib::vecNormalize;
-using geolib::vecScale;
-using geolib::vecSub;
+using namespace geolib;
+using P = _s_hd_point_;
 /// A true edge as a dense polyline; a single point is an apex.
 using Curve = std::vector<P>;
 using vgtest::kInf;
@@ -159,6 +155,13 @@ inline std::vector<Curve> contourGenerators(const std::function<P(double)>& a,
                            from, to, 1000, 0.0, 1.0, 4);
 }
 
+/// The unit vector a ring about the unit axis k measures its angles from: +X (+Y for an axis
+/// near X) made square to k.
+inline P ringStart(P k) {
+    const P ref = std::fabs(k.x) < 0.5 ? P{1, 0, 0} : P{0, 1, 0};
+    return vecNormalize(add(ref, k, -vecDot(ref, k)));
+}
+
 /// count unit vectors: the six axis directions, six a hair off the axes or between them, then
 /// directions spread at random over the sphere (the same for the same seed everywhere).
 inline std::vector<P> randomUnitVectors(int count, unsigned seed) {
@@ -177,7 +180,7 @@ inline std::vector<P> randomUnitVectors(int count, unsigned seed) {
 }
 /// The chords round a ring of radius r about c: the curves' count made even.
 inline int ringChords(P c, double r) {
-    const int m = geolib::getCircleDivideNum(c, r);
+    const int m = getCircleDivideNum(c, r);
     return m + m % 2;
 }
 /// Log-uniform from lo to hi.
@@ -196,8 +199,7 @@ inline int sharedPoints(const std::vector<P>& pts, const std::vector<P>& others,
 /// The points of obj (which it releases; null fails the test), the ends of its lines or, with
 /// faces, every vertex too, that lie within tol of the plane through c square to the unit n,
 /// each once.
-inline std::vector<P> pointsInPlane(geolib::_s_hd_prof_* obj, P c, P n, double tol,
-                                    bool faces = false) {
+inline std::vector<P> pointsInPlane(_s_hd_prof_* obj, P c, P n, double tol, bool faces = false) {
     EXPECT_NE(obj, nullptr) << "refused";
     std::vector<P> pts, out;
     if (obj != nullptr && faces) {
@@ -210,7 +212,7 @@ inline std::vector<P> pointsInPlane(geolib::_s_hd_prof_* obj, P c, P n, double t
         if (std::fabs(vecDot(vecSub(p, c), n)) <= tol && sharedPoints({p}, out, 0.0) == 0)
             out.push_back(p);
     }
-    geolib::freeHDProfObjectPointer(obj);
+    freeHDProfObjectPointer(obj);
     return out;
 }
 
@@ -219,16 +221,16 @@ using Outline = std::vector<P>;
 
 // A point list holding the outline, released when it goes out of scope.
 struct PointList {
-    geolib::point* head = nullptr;
+    point* head = nullptr;
     explicit PointList(const Outline& pts) {
-        geolib::point** link = &head;
+        point** link = &head;
         for (const P& p : pts) {
-            *link = geolib::mallocPoint();
+            *link = mallocPoint();
             (*link)->pt = VoGePoint3D(p.x, p.y, p.z);
             link = &(*link)->next;
         }
     }
-    ~PointList() { geolib::freePoint(head); }
+    ~PointList() { freePoint(head); }
 };
 
 // The outline through the corners (x, y) given in turn.
@@ -252,12 +254,51 @@ struct Solid {
     bool drawing = true;               // false: only the faces and the vertices are checked
 };
 
+/// The solid of the polygon `meridian` (its corners (rho, zeta, 0)) turned about the unit axis k
+/// through c from angle a0 to a1, measured from the unit e1 towards k x e1: its sharp edges are
+/// the corners' arcs and, short of a whole turn, the end outlines' edges; its sides between corners
+/// at different zeta have contour generators (a flat side has none); its surface is the meridian's
+/// and the end planes'.
+inline Solid revolved(std::vector<P> meridian, P c, P k, P e1, double a0, double a1) {
+    const P e2 = vecCross(k, e1);
+    const std::vector<double> ends =
+        a1 - a0 >= kTwoPi - 1e-9 ? std::vector<double>{} : std::vector<double>{a0, a1};
+    std::vector<std::function<P(double)>> arcs;  // each corner round the axis
+    for (const P& m : meridian)
+        arcs.push_back([=](double a) { return add(onCircle(c, e1, e2, m.x, a), k, m.y); });
+    Solid s;
+    for (double a : ends) {  // the end outlines, edge by edge
+        for (std::size_t v = 0; v < arcs.size(); ++v)
+            s.rims.push_back({arcs[v](a), arcs[(v + 1) % arcs.size()](a)});
+    }
+    for (std::size_t v = 0; v < arcs.size(); ++v) {
+        const std::size_t w = (v + 1) % arcs.size();
+        s.rims.push_back(curve(arcs[v], a0, a1));
+        const auto g = meridian[v].y == meridian[w].y ? std::vector<Curve>{}
+                                                      : contourGenerators(arcs[v], arcs[w], a0, a1);
+        s.contours.insert(s.contours.end(), g.begin(), g.end());
+    }
+    meridian.push_back(meridian[0]);
+    s.surface = [=](P p) {
+        const P q = vecSub(p, c);
+        const double z = vecDot(q, k);
+        double best = distToCurve({norm(add(q, k, -z)), z, 0}, meridian);
+        for (double a : ends) {  // an end plane, on the side of its half-plane
+            const P along = onCircle({0, 0, 0}, e1, e2, 1, a);
+            if (vecDot(q, along) > 0)
+                best = std::min(best, std::fabs(vecDot(q, vecCross(k, along))));
+        }
+        return best;
+    };
+    return s;
+}
+
 /// Runs every check above on obj (which it releases) against the shape s.
-inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string& what) {
+inline void expectTrueSolid(_s_hd_prof_* obj, Solid s, const std::string& what) {
     SCOPED_TRACE(what);
     ASSERT_NE(obj, nullptr);
-    const auto release = [](geolib::_s_hd_prof_* o) { geolib::freeHDProfObjectPointer(o); };
-    const std::unique_ptr<geolib::_s_hd_prof_, decltype(release)> held(obj, release);
+    const auto release = [](_s_hd_prof_* o) { freeHDProfObjectPointer(o); };
+    const std::unique_ptr<_s_hd_prof_, decltype(release)> held(obj, release);
     const std::vector<std::vector<P>> faces = enginetest::facesOf(obj);
     const std::vector<std::pair<P, P>> lines = enginetest::segmentsOf(obj->proline);
     const std::vector<P> pts = enginetest::pointsOf(obj);
@@ -366,9 +407,9 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
     // hide pass takes a line within 0.0003 of Z as end-on and hides it whole.
     const double slack =
         (s.outlineTol > 0 ? s.outlineTol : sagitta) * (1 + 1e-6) + tol + 3e-4 * size;
-    geolib::_s_hd_proline_* vis = geolib::kestHideObject(&obj, 1);
+    _s_hd_proline_* vis = kestHideObject(&obj, 1);
     const std::vector<std::pair<P, P>> pieces = enginetest::segmentsOf(vis);
-    geolib::releaseProline(vis);
+    releaseProline(vis);
     ASSERT_FALSE(pieces.empty()) << "nothing visible";
     double worst = 0.0, gap = 0.0;
     for (const auto& [a, b] : pieces) {
@@ -390,11 +431,11 @@ inline void expectTrueSolid(geolib::_s_hd_prof_* obj, Solid s, const std::string
 }
 
 /// Each object of the list was refused (null); names the first one that was not, and releases it.
-inline void expectRefused(std::initializer_list<geolib::_s_hd_prof_*> objs) {
+inline void expectRefused(std::initializer_list<_s_hd_prof_*> objs) {
     int k = 0;
-    for (geolib::_s_hd_prof_* obj : objs) {
+    for (_s_hd_prof_* obj : objs) {
         EXPECT_EQ(obj, nullptr) << "call " << k << " of the list was taken";
-        geolib::freeHDProfObjectPointer(obj);
+        freeHDProfObjectPointer(obj);
         ++k;
     }
 }
@@ -402,14 +443,13 @@ inline void expectRefused(std::initializer_list<geolib::_s_hd_prof_*> objs) {
 /// Each call with each of its allocations failing in turn, those of malloc and then those of
 /// operator new (the containers' ones): it gives null exactly when one was refused, throws
 /// nothing and leaks nothing.
-inline void expectAllocFailuresGiveNull(
-    const std::vector<std::function<geolib::_s_hd_prof_*()>>& calls) {
+inline void expectAllocFailuresGiveNull(const std::vector<std::function<_s_hd_prof_*()>>& calls) {
     for (const auto& call : calls) {
         for (bool news : {false, true}) {
             auto run = [&] {
-                geolib::_s_hd_prof_* obj = call();
+                _s_hd_prof_* obj = call();
                 EXPECT_EQ(obj == nullptr, vgtest::failing());
-                geolib::freeHDProfObjectPointer(obj);
+                freeHDProfObjectPointer(obj);
             };
             vgtest::forEachFailure(news, run, false);
         }

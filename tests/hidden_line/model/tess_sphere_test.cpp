@@ -31,31 +31,11 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
         const double ri = i % 5 == 0 ? 0 : ro * gen(0.05, 0.99), rim = ri < 0.01 ? 0 : ri;
         const double a0 = gen(-10, 10);
         const double a1 = a0 + (i % 4 == 0 ? kTwoPi + gen(0.001, 3) : gen(0.05, 6.2));
-        const double end = std::fmin(a1, a0 + kTwoPi);
         const P c{gen(1, 100), gen(-50, 50), gen(-70, 30)};
-        // The frame: x the projection of +X (of +Y for an axis along X), y = k x x.
-        const P ref = std::fabs(k.x) < 0.5 ? P{1, 0, 0} : P{0, 1, 0};
-        const P x = vecNormalize(add(ref, k, -vecDot(ref, k))), y = vecCross(k, x);
-        auto at = [&](double r, double depth) {
-            return [=](double a) { return onCircle(add(c, k, depth), x, y, r, a); };
-        };
-        Solid s;
-        for (double depth : {0.0, t}) {
-            s.rims.push_back(curve(at(ro, depth), a0, end));
-            s.rims.push_back(curve(at(rim, depth), a0, end));
-            for (double a : {a0, end}) {
-                if (end == a0 + kTwoPi)
-                    break;  // a whole ring has no end walls: its seam is no edge
-                s.rims.push_back({at(rim, depth)(a), at(ro, depth)(a)});
-                for (double r : {rim, ro})
-                    s.rims.push_back({at(r, 0)(a), at(r, t)(a)});
-            }
-        }
-        for (double r : {ro, rim}) {
-            const auto walls = contourGenerators(at(r, 0), at(r, t), a0, end);
-            s.contours.insert(s.contours.end(), walls.begin(), walls.end());
-        }
-        expectTrueSolid(ep_divide_sad(ri, ro, t, c, a0, a1, vecScale(3, k)), s,
+        // A disc's sector when the inner radius is below the smallest.
+        const Outline section = {{ro, 0, 0}, {ro, t, 0}, {rim, t, 0}, {rim, 0, 0}};
+        expectTrueSolid(ep_divide_sad(ri, ro, t, c, a0, a1, vecScale(3, k)),
+                        revolved(section, c, k, ringStart(k), a0, std::fmin(a1, a0 + kTwoPi)),
                         "plate " + std::to_string(i));
     }
 }

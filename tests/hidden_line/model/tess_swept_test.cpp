@@ -126,51 +126,19 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
                     X = vecCross(Y, e2);
             int m = 0;
             for (Outline sec : sections(gen, 0.3 * R)) {
-                const double angle = angles[(i + m++) % 4];
-                const bool ring = angle >= kTwoPi - 1e-9;
                 P mid{0, 0, 0};
                 for (const P& p : sec)
                     mid = add(mid, p, 1.0 / static_cast<double>(sec.size()));
-                std::vector<std::function<P(double)>> arcs;  // each section point round the bend
-                Curve meridian;  // the section in the bend's half-plane: (rho, zeta)
+                Outline meridian;  // the section in the bend's half-plane: (rho, zeta)
                 for (P& p : sec) {
                     p = vecSub(p, mid);
                     const P q = add(add(vecSub(st, c), X, p.x), Y, p.y);
-                    const double rho = vecDot(q, e1), zeta = vecDot(q, k);
-                    meridian.push_back({rho, zeta, 0});
-                    arcs.push_back(
-                        [=](double phi) { return add(onCircle(c, e1, e2, rho, phi), k, zeta); });
+                    meridian.push_back({vecDot(q, e1), vecDot(q, k), 0});
                 }
-                Solid s;
-                for (double end : ring ? std::vector<double>{} : std::vector<double>{0.0, angle}) {
-                    Curve cap;
-                    for (const auto& f : arcs)
-                        cap.push_back(f(end));
-                    s.rims.push_back(closed(cap));
-                }
-                for (std::size_t v = 0; v < arcs.size(); ++v) {
-                    s.rims.push_back(curve(arcs[v], 0.0, angle));
-                    const auto sil =
-                        contourGenerators(arcs[v], arcs[(v + 1) % arcs.size()], 0, angle);
-                    s.contours.insert(s.contours.end(), sil.begin(), sil.end());
-                }
-                // A split of the caps may put points on the section's edges: any point of the
-                // swept side or of the caps counts.
-                const P tEnd = add(vecScale(-std::sin(angle), e1), e2, std::cos(angle));
-                const P rEnd = add(vecScale(std::cos(angle), e1), e2, std::sin(angle));
-                meridian.push_back(meridian[0]);
-                s.surface = [=](P p) {
-                    const P q = vecSub(p, c);
-                    const double z = vecDot(q, k), r = norm(add(q, k, -z));
-                    double best = distToCurve({r, z, 0}, meridian);
-                    if (!ring && vecDot(q, e1) > 0)
-                        best = std::min(best, std::fabs(vecDot(q, e2)));
-                    if (!ring && vecDot(q, rEnd) > 0)
-                        best = std::min(best, std::fabs(vecDot(q, tEnd)));
-                    return best;
-                };
+                const double angle = angles[(i + m++) % 4];
                 PointList list(sec);
-                expectTrueSolid(ep_divide_arc(list.head, c, st, k, angle, ydir), s, "arc " + id);
+                expectTrueSolid(ep_divide_arc(list.head, c, st, k, angle, ydir),
+                                revolved(meridian, c, k, e1, 0, angle), "arc " + id);
             }
         }
         // A transition: corners C0..C3 about o, the circle about c towards x x y.
@@ -219,8 +187,7 @@ TEST(SweptSolids, BendOnARingPlateHasItsVerticesWhereThePlateHas) {
         const P k = axes[i], c{gen(-50, 50), gen(-50, 50), gen(-50, 50)};
         const double ro = logUniform(gen, 1, 3000), ri = ro * gen(0.5, 0.98), t = 0.1 * ro;
         const double a0 = gen(-3, 3), sweep = gen(0.5, 6.2);
-        const P ref = std::fabs(k.x) < 0.5 ? P{1, 0, 0} : P{0, 1, 0};
-        const P x = vecNormalize(add(ref, k, -vecDot(ref, k))), y = vecCross(k, x);
+        const P x = ringStart(k), y = vecCross(k, x);
         const double start = a0 + 1e-7 * gen(-1, 1), rm = 0.5 * (ri + ro), w = 0.5 * (ro - ri);
         const P foot = add(c, k, t);
         const P s = add(foot, add(vecScale(std::cos(start), x), y, std::sin(start)), rm);
