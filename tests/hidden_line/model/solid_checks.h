@@ -256,9 +256,9 @@ struct Solid {
 
 /// The solid of the polygon `meridian` (its corners (rho, zeta, 0)) turned about the unit axis k
 /// through c from angle a0 to a1, measured from the unit e1 towards k x e1: its sharp edges are
-/// the corners' arcs and, short of a whole turn, the end outlines' edges; its sides between corners
-/// at different zeta have contour generators (a flat side has none); its surface is the meridian's
-/// and the end planes'.
+/// the corners' arcs (a point on the axis) and, short of a whole turn, the end outlines' edges; its
+/// sides between corners at different zeta off the axis have contour generators (a flat side has
+/// none); its surface is the meridian's and the end planes'.
 inline Solid revolved(std::vector<P> meridian, P c, P k, P e1, double a0, double a1) {
     const P e2 = vecCross(k, e1);
     const std::vector<double> ends =
@@ -273,9 +273,9 @@ inline Solid revolved(std::vector<P> meridian, P c, P k, P e1, double a0, double
     }
     for (std::size_t v = 0; v < arcs.size(); ++v) {
         const std::size_t w = (v + 1) % arcs.size();
-        s.rims.push_back(curve(arcs[v], a0, a1));
-        const auto g = meridian[v].y == meridian[w].y ? std::vector<Curve>{}
-                                                      : contourGenerators(arcs[v], arcs[w], a0, a1);
+        s.rims.push_back(meridian[v].x == 0 ? Curve{arcs[v](a0)} : curve(arcs[v], a0, a1));
+        const bool flat = meridian[v].y == meridian[w].y || meridian[v].x + meridian[w].x == 0;
+        const auto g = flat ? std::vector<Curve>{} : contourGenerators(arcs[v], arcs[w], a0, a1);
         s.contours.insert(s.contours.end(), g.begin(), g.end());
     }
     meridian.push_back(meridian[0]);

@@ -13,10 +13,10 @@ using namespace geolib;
 using namespace hdtest;
 using Rim = std::function<P(double)>;
 
-// The ruled solid between two rims (an apex at an end of radius 0).
-Solid ruled(const Rim& a, const Rim& b, bool apexA = false, bool apexB = false) {
+// The ruled solid between two rims.
+Solid ruled(const Rim& a, const Rim& b) {
     Solid s;
-    s.rims = {apexA ? Curve{a(0)} : curve(a), apexB ? Curve{b(0)} : curve(b)};
+    s.rims = {curve(a), curve(b)};
     s.contours = contourGenerators(a, b);
     return s;
 }
@@ -32,9 +32,10 @@ TEST(RuledSolids, RandomConesAreClosedAndDrawnByRimsAndSilhouettes) {
         const P a{0.3 * len, -0.7 * len, 0.2 * len}, b = add(a, d, len);
         // Cylinder, cone, pointed either way, and a wide flat cone seen within its half-angle.
         const double shapes[5][2] = {{r, r}, {r, 0.4 * r}, {r, 0}, {0, r}, {50 * len, len}};
-        for (const auto& k : shapes)
+        for (const auto& k : shapes)  // an end of radius 0 an apex
             expectTrueSolid(ep_divide_con(a, b, k[0], k[1]),
-                            ruled(circleAt(a, k[0], d), circleAt(b, k[1], d), k[0] == 0, k[1] == 0),
+                            revolved({{k[0], 0, 0}, {k[1], len, 0}, {0, len, 0}, {0, 0, 0}}, a, d,
+                                     ringStart(d), 0, kTwoPi),
                             "con " + id + " " + std::to_string(k[1] / r));
         // Eccentric cones: one straight side (offset |ra - rb|), or any offset off the normal.
         const double ra = logUniform(gen, 0.05, 300), rb = logUniform(gen, 0.05, 300);
