@@ -93,11 +93,8 @@ inline bool convexRing(std::vector<VoGePoint3D> c) {
         return true;
     double turned = 0.0;
     for (size_t i = 0, n = m.size(); i < n; ++i) {
-        const VoGePoint3D& a = m[i];
-        const VoGePoint3D& b = m[(i + 1) % n];
-        const VoGePoint3D& d = m[(i + 2) % n];
-        const double l1 = std::hypot(b.x - a.x, b.y - a.y);
-        const double l2 = std::hypot(d.x - b.x, d.y - b.y);
+        const VoGePoint3D &a = m[i], &b = m[(i + 1) % n], &d = m[(i + 2) % n];
+        const double l1 = std::hypot(b.x - a.x, b.y - a.y), l2 = std::hypot(d.x - b.x, d.y - b.y);
         const double cross = ((b.x - a.x) * (d.y - b.y) - (b.y - a.y) * (d.x - b.x)) / (l1 * l2);
         const double dot = ((b.x - a.x) * (d.x - b.x) + (b.y - a.y) * (d.y - b.y)) / (l1 * l2);
         if (cross < -0.001 || (dot < 0.0 && cross < 0.001))
@@ -118,13 +115,10 @@ struct RingPlace {
 inline RingPlace placeInRing(const std::vector<VoGePoint3D>& c, double x, double y) {
     RingPlace out{false, HUGE_VAL, HUGE_VAL};
     for (size_t i = 0, n = c.size(); i < n; ++i) {
-        const VoGePoint3D& p = c[i];
-        const VoGePoint3D& q = c[(i + 1) % n];
+        const VoGePoint3D &p = c[i], &q = c[(i + 1) % n];
         if ((p.y > y) != (q.y > y) && x < p.x + (y - p.y) * (q.x - p.x) / (q.y - p.y))
             out.inside = !out.inside;
-        const double dx = q.x - p.x;
-        const double dy = q.y - p.y;
-        const double l2 = dx * dx + dy * dy;
+        const double dx = q.x - p.x, dy = q.y - p.y, l2 = dx * dx + dy * dy;
         double t = l2 > 0.0 ? ((x - p.x) * dx + (y - p.y) * dy) / l2 : 0.0;
         t = std::fmin(1.0, std::fmax(0.0, t));
         out.nearest = std::fmin(out.nearest, std::hypot(x - p.x - t * dx, y - p.y - t * dy));

@@ -114,11 +114,9 @@ struct Counts {
 inline Counts countsOf(const std::vector<geolib::_s_hd_prof_*>& objs) {
     Counts c;
     for (const geolib::_s_hd_prof_* obj : objs) {
-        for (const geolib::_s_hd_proline_* l = obj != nullptr ? obj->proline : nullptr; l;
-             l = l->next)
+        for (const geolib::_s_hd_proline_* l = obj ? obj->proline : nullptr; l; l = l->next)
             ++c.lines;
-        for (const geolib::_s_hd_prosect_* f = obj != nullptr ? obj->prosect : nullptr; f;
-             f = f->next)
+        for (const geolib::_s_hd_prosect_* f = obj ? obj->prosect : nullptr; f; f = f->next)
             ++c.faces;
     }
     return c;
