@@ -9,10 +9,7 @@
 
 namespace {
 
-using namespace geolib;
-using hdtest::kInf;
-using hdtest::kNaN;
-using hdtest::P;
+using namespace hdtest;
 
 // A component inside the 1e-9 snap vanishes and a squared length of 1e-10 is the floor;
 // same-point tests are strict per coordinate; det3x3 sums in its fixed order (a*e*i = 1e16
@@ -81,15 +78,15 @@ TEST(HDBuilders, ArcChordsCloseExactlyAndBadInputLeavesTheListAlone) {
 TEST(HDBuilders, ArcChordsRunFromStartThroughTheMiddleToTheEndExactly) {
     vgtest::Lcg gen(21);
     int half = 0;
-    for (const P n : hdtest::randomUnitVectors(60, 23)) {
+    for (const P n : randomUnitVectors(60, 23)) {
         P u, v;
-        hdtest::squareTo(n, u, v);
-        const double r = hdtest::logUniform(gen, 0.01, 1e4), a0 = gen(-4, 4);
+        squareTo(n, u, v);
+        const double r = logUniform(gen, 0.01, 1e4), a0 = gen(-4, 4);
         const P c{gen(-50, 50), gen(-50, 50), gen(-50, 50)};
         // Every sixth a half circle, e straight across from s: there m alone tells the side.
-        const double sweep = half++ % 6 == 0 ? vgtest::kPi : gen(0.01, 6.2);
-        auto at = [&](double a) { return hdtest::onCircle(c, u, v, r, a0 + a); };
-        const P s = at(0), e = sweep == vgtest::kPi ? vecSub(vecScale(2, c), s) : at(sweep);
+        const double sweep = half++ % 6 == 0 ? kPi : gen(0.01, 6.2);
+        auto at = [&](double a) { return onCircle(c, u, v, r, a0 + a); };
+        const P s = at(0), e = sweep == kPi ? vecSub(vecScale(2, c), s) : at(sweep);
         _s_hd_proline_* arc = nullptr;
         ASSERT_TRUE(divideArc2Proline(c, s, at(sweep * gen(0.1, 0.9)), e, gen.below(21), arc));
         const std::vector<enginetest::Seg> chords = enginetest::segmentsOf(arc);
@@ -97,7 +94,7 @@ TEST(HDBuilders, ArcChordsRunFromStartThroughTheMiddleToTheEndExactly) {
         double turned = 0;
         for (std::size_t k = 0; k < chords.size(); ++k) {
             const P a = vecSub(chords[k].first, c), b = vecSub(chords[k].second, c);
-            EXPECT_NEAR(hdtest::norm(b), r, 1e-12 * r) << k;
+            EXPECT_NEAR(norm(b), r, 1e-12 * r) << k;
             const P next = k + 1 < chords.size() ? chords[k + 1].first : e;
             EXPECT_EQ(std::memcmp(&chords[k].second, &next, sizeof next), 0) << "chord " << k;
             turned += std::atan2(vecDot(vecCross(a, b), n), vecDot(a, b));

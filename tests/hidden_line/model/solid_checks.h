@@ -26,6 +26,7 @@
 #include "clip_records.h"
 #include "hd_engine.h"
 #include "hd_records.h"
+#include "hd_tessellators.h"
 #include "hidden_line/engine/hd_engine_fixtures.h"
 #include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/hd_points.h"
@@ -40,6 +41,7 @@ using P = _s_hd_point_;
 using Curve = std::vector<P>;
 using vgtest::kInf;
 using vgtest::kNaN;
+using vgtest::kPi;
 using vgtest::kTwoPi;
 
 inline P add(P a, P b, double s = 1.0) {
@@ -445,14 +447,13 @@ inline void expectRefused(std::initializer_list<_s_hd_prof_*> objs) {
 /// nothing and leaks nothing.
 inline void expectAllocFailuresGiveNull(const std::vector<std::function<_s_hd_prof_*()>>& calls) {
     for (const auto& call : calls) {
-        for (bool news : {false, true}) {
-            auto run = [&] {
-                _s_hd_prof_* obj = call();
-                EXPECT_EQ(obj == nullptr, vgtest::failing());
-                freeHDProfObjectPointer(obj);
-            };
-            vgtest::forEachFailure(news, run, false);
-        }
+        auto run = [&] {
+            _s_hd_prof_* obj = call();
+            EXPECT_EQ(obj == nullptr, vgtest::failing());
+            freeHDProfObjectPointer(obj);
+        };
+        vgtest::forEachFailure(false, run, false);
+        vgtest::forEachFailure(true, run, false);
     }
 }
 

@@ -2,14 +2,10 @@
 // edges alone; bad input gives null; failed allocations give null and leak nothing.
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "hd_tessellators.h"
 #include "hidden_line/model/solid_checks.h"
 
 namespace {
 
-using namespace geolib;
 using namespace hdtest;
 
 TEST(FlatFacedSolids, TurnedEveryWayAreClosedAndDrawnByTheirEdges) {

@@ -2,14 +2,10 @@
 // axes, sizes and offsets are closed solids drawn by their rims and silhouettes.
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "hd_tessellators.h"
 #include "hidden_line/model/solid_checks.h"
 
 namespace {
 
-using namespace geolib;
 using namespace hdtest;
 using Rim = std::function<P(double)>;
 

@@ -2,17 +2,11 @@
 // surface drawn by their true outline.
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "hd_tessellators.h"
-#include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/solid_checks.h"
 
 namespace {
 
-using namespace geolib;
 using namespace hdtest;
-using vgtest::kPi;
 
 // The analytic head: flange from c to c1 = c + f a, dome of semi-axes r across and h along a.
 Solid headSolid(double r, double h, double f, P c, P a) {

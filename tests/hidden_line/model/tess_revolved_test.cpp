@@ -3,12 +3,10 @@
 // nothing.
 #include <gtest/gtest.h>
 
-#include "hd_tessellators.h"
 #include "hidden_line/model/solid_checks.h"
 
 namespace {
 
-using namespace geolib;
 using namespace hdtest;
 
 TEST(Disc, RimChordsCloseOnTheCircleAndTheFacesCoverThem) {

@@ -2,14 +2,10 @@
 // what lies behind it and the part of a pipe that enters it.
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "hd_tessellators.h"
 #include "hidden_line/model/solid_checks.h"
 
 namespace {
 
-using namespace geolib;
 using namespace hdtest;
 
 // Spheres from the smallest radius up, anywhere: drawn by the equator, the circle at z = c.z.
@@ -44,7 +40,7 @@ TEST(SphereAndRingPlate, AreClosedAndDrawnByTheirTrueOutline) {
 // surface of the sphere the faces hold (radius r cos^2(pi / 8) for r = 10); nothing is seen
 // behind a pipe of radius 2 in front of them all (within 2 cos^2(pi / 8) of its axis).
 TEST(SphereAndRingPlate, SphereHidesWhatEntersItAndWhatLiesBehind) {
-    const double h = std::cos(vgtest::kPi / 8), held = 10 * h * h - 1e-6;
+    const double h = std::cos(kPi / 8), held = 10 * h * h - 1e-6;
     for (const P d : randomUnitVectors(24, 43)) {
         const P c{3, -2, 1};
         _s_hd_prof_* objs[4] = {ep_divide_sph(c, 10), ep_divide_con(c, add(c, d, 30), 3, 3),

@@ -3,14 +3,10 @@
 // give null; failed allocations (the containers' too) give null and leak nothing.
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "hd_tessellators.h"
 #include "hidden_line/model/solid_checks.h"
 
 namespace {
 
-using namespace geolib;
 using namespace hdtest;
 
 // Sections of size s: a rectangle, a comb with a straight corner half way along its back (its
@@ -112,7 +108,7 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
     vgtest::Lcg gen(17);
     const auto axes = randomUnitVectors(40, 47);
     const auto others = randomUnitVectors(40, 53);
-    const double angles[] = {0.1, vgtest::kPi / 2, 2.5, kTwoPi};
+    const double angles[] = {0.1, kPi / 2, 2.5, kTwoPi};
     for (std::size_t i = 0; i < axes.size(); ++i) {
         const P k = axes[i], e0 = add(others[i], k, -vecDot(others[i], k));
         const std::string id = std::to_string(i);

@@ -2,18 +2,11 @@
 // torus drawn by their true outline; the inside is never seen through the open ends.
 #include <gtest/gtest.h>
 
-#include <string>
-#include <utility>
-
-#include "hd_tessellators.h"
-#include "hidden_line/model/hd_builders.h"
 #include "hidden_line/model/solid_checks.h"
 
 namespace {
 
-using namespace geolib;
 using namespace hdtest;
-using vgtest::kPi;
 
 // The analytic elbow: the tube of radius r about the arc from s about c by angle about a.
 struct Elbow {
