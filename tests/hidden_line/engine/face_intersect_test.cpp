@@ -39,68 +39,6 @@ void pairCuts(const std::vector<std::vector<P>>& from, const std::vector<std::ve
     }
 }
 
-TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo) {
-    // Turned, a box's neighbouring faces overlap in their extents and meet along the edge they
-    // share; so do the faces of two turned boxes standing edge to edge. Neither adds a line.
-    const double h = std::sqrt(0.5), a = 0.5235987755982988, b = 0.6108652381980153;
-    std::vector<_s_hd_prof_*> boxes = {
-        ep_divide_box(2, 2, 2, {5, 5, 5},
-                      {std::cos(a), std::sin(a) * std::cos(b), std::sin(a) * std::sin(b)},
-                      {-std::sin(a), std::cos(a) * std::cos(b), std::cos(a) * std::sin(b)}, 1),
-        ep_divide_box(1, 1, 1, {0, 0, 0}, {h, h, 0}, {0, 0.6, 0.8}, 1),
-        ep_divide_box(1, 1, 1, {0, 0, 0}, {h, h, 0}, {0, -0.6, -0.8}, 1)};
-    registerAll(boxes);
-    for (const _s_hd_prof_* box : boxes)
-        EXPECT_EQ(segmentsOf(box->proline).size(), 12u);
-    vgscene::releaseAll(boxes);
-    // Two faces that pass through each other meet along their crossing, found from each face's
-    // side where they are faces of one object, from the later object's where they are of two.
-    // The triangle's lower edge crosses the quadrilateral's where the two meet, or a hair below
-    // it: then the first two points, one from each edge, run along an edge of both.
-    const std::vector<P> upright = {{-1, 0, -1}, {1, 0, -1}, {0, 0, 3}};
-    const Seg first = {{-1, 0, -1}, {1, 0, -1}};
-    for (const double lift : {0.0, 2e-6, 1e-4}) {
-        const std::vector<P> across = {{0, -1, lift - 1}, {0, 1, lift - 1}, {0, 1, 1}, {0, -1, 1}};
-        std::vector<_s_hd_prof_*> one = {makeObject({upright, across}, {first})};
-        std::vector<_s_hd_prof_*> two = {makeObject({upright}, {first}),
-                                         makeObject({across}, {first})};
-        registerAll(one);
-        registerAll(two);
-        auto crossings = [](const _s_hd_prof_* obj) {
-            int found = 0;
-            for (const Seg& s : segmentsOf(obj->proline)) {
-                const P lo = s.first.z < s.second.z ? s.first : s.second;
-                const P hi = s.first.z < s.second.z ? s.second : s.first;
-                found += vecLength(vecSub(lo, {0, 0, -1})) < 2e-4 &&
-                         vecLength(vecSub(hi, {0, 0, 1})) < 1e-12;
-            }
-            return found;
-        };
-        EXPECT_EQ(segmentsOf(one[0]->proline).size(), 3u) << lift;
-        EXPECT_EQ(crossings(one[0]), 2) << lift;
-        EXPECT_EQ(segmentsOf(two[0]->proline).size(), 1u) << lift;
-        EXPECT_EQ(crossings(two[1]), 1) << lift;
-        vgscene::releaseAll(one);
-        vgscene::releaseAll(two);
-    }
-    // Two faces of one object that share a vertex, to the bit, and pass through each other from
-    // it meet along their crossing all the same, found from each face's side.
-    const std::vector<P> flat = {{0, 0, 0}, {2, -1, 0.5}, {2, 1, -0.5}};
-    const std::vector<P> tilted = {{0, 0, 0}, {2, 0.5, -1}, {2, -0.5, 1}};
-    std::vector<_s_hd_prof_*> fromShared = {makeObject({flat, tilted}, {first})};
-    registerAll(fromShared);
-    EXPECT_EQ(segmentsOf(fromShared[0]->proline).size(), 3u);
-    vgscene::releaseAll(fromShared);
-    // Faces whose unit normals' dot product lies within 1e-6 of one are taken as parallel and do
-    // not meet, though they cross: none at 1e-3 rad apart, the crossing at 3e-3.
-    for (const double tilt : {1e-3, 3e-3}) {
-        const HDFace f = faceOf({{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}});
-        const HDFace g = faceOf({{-1, -1, -tilt}, {1, -1, -tilt}, {1, 1, tilt}, {-1, 1, tilt}});
-        P from{}, to{};
-        EXPECT_EQ(getFaceInterLine(f, g, from, to), tilt > 2e-3) << tilt;
-    }
-}
-
 // The lines of an object, to the bit: the first one given, then the pairs' cuts; counted.
 void expectLines(const _s_hd_prof_* obj, const std::vector<Seg>& cuts, int trial,
                  std::size_t& count) {
@@ -130,6 +68,55 @@ void expectCutAsPairs(const std::vector<std::vector<P>>& g, const std::vector<st
     pairCuts(f, f, expected);
     expectLines(objs[1], expected, trial, met);
     vgscene::releaseAll(objs);
+}
+
+TEST(KestFaceIntersect, FacesMeetingAlongASharedEdgeAddNothingButCrossingFacesDo) {
+    // Turned, a box's neighbouring faces overlap in their extents and meet along the edge they
+    // share; so do the faces of two turned boxes standing edge to edge. Neither adds a line.
+    const double h = std::sqrt(0.5), a = 0.5235987755982988, b = 0.6108652381980153;
+    std::vector<_s_hd_prof_*> boxes = {
+        ep_divide_box(2, 2, 2, {5, 5, 5},
+                      {std::cos(a), std::sin(a) * std::cos(b), std::sin(a) * std::sin(b)},
+                      {-std::sin(a), std::cos(a) * std::cos(b), std::cos(a) * std::sin(b)}, 1),
+        ep_divide_box(1, 1, 1, {0, 0, 0}, {h, h, 0}, {0, 0.6, 0.8}, 1),
+        ep_divide_box(1, 1, 1, {0, 0, 0}, {h, h, 0}, {0, -0.6, -0.8}, 1)};
+    registerAll(boxes);
+    for (const _s_hd_prof_* box : boxes)
+        EXPECT_EQ(segmentsOf(box->proline).size(), 12u);
+    vgscene::releaseAll(boxes);
+    // Two faces that pass through each other meet along their crossing, found from each face's
+    // side where they are faces of one object, from the later object's where they are of two.
+    // The triangle's lower edge crosses the quadrilateral's where the two meet, or a hair below
+    // it: then the first two points, one from each edge, run along an edge of both.
+    const std::vector<P> upright = {{-1, 0, -1}, {1, 0, -1}, {0, 0, 3}};
+    std::size_t own = 0, met = 0;
+    for (const double lift : {0.0, 2e-6, 1e-4}) {
+        const std::vector<P> across = {{0, -1, lift - 1}, {0, 1, lift - 1}, {0, 1, 1}, {0, -1, 1}};
+        expectCutAsPairs({upright, across}, {}, 0, own, met);
+        expectCutAsPairs({upright}, {across}, 0, own, met);
+        std::vector<Seg> cuts;
+        pairCuts({upright, across}, {upright, across}, cuts);
+        ASSERT_EQ(cuts.size(), 2u) << lift;
+        for (const auto& [p, q] : cuts) {
+            const P lo = p.z < q.z ? p : q, hi = p.z < q.z ? q : p;
+            EXPECT_LT(vecLength(vecSub(lo, {0, 0, -1})), 2e-4) << lift;
+            EXPECT_LT(vecLength(vecSub(hi, {0, 0, 1})), 1e-12) << lift;
+        }
+    }
+    // Two faces of one object that share a vertex, to the bit, and pass through each other from
+    // it meet along their crossing all the same, found from each face's side.
+    const std::vector<P> flat = {{0, 0, 0}, {2, -1, 0.5}, {2, 1, -0.5}};
+    expectCutAsPairs({flat, {{0, 0, 0}, {2, 0.5, -1}, {2, -0.5, 1}}}, {}, 0, own, met);
+    EXPECT_EQ(own, 3 * 2u + 2u);
+    EXPECT_EQ(met, 3u);
+    // Faces whose unit normals' dot product lies within 1e-6 of one are taken as parallel and do
+    // not meet, though they cross: none at 1e-3 rad apart, the crossing at 3e-3.
+    for (const double tilt : {1e-3, 3e-3}) {
+        const HDFace f = faceOf({{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}});
+        const HDFace g = faceOf({{-1, -1, -tilt}, {1, -1, -tilt}, {1, 1, tilt}, {-1, 1, tilt}});
+        P from{}, to{};
+        EXPECT_EQ(getFaceInterLine(f, g, from, to), tilt > 2e-3) << tilt;
+    }
 }
 
 TEST(KestFaceIntersect, FacesCutAsEachPairDoes) {
