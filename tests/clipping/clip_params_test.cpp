@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "clipping/clip_test_support.h"
 
 namespace {

@@ -4,10 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <functional>
 #include <new>
-#include <vector>
 
 #include "clip_params.h"
 #include "clip_trim.h"

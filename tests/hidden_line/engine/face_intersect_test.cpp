@@ -1,9 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <vector>
-
-#include "hd_engine.h"
 #include "hidden_line/engine/hd_engine_fixtures.h"
 #include "scene/plant_scene.h"
 

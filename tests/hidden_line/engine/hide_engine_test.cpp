@@ -12,16 +12,11 @@
 // their lines, from their near ends and apart, which checks the merge).
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <vector>
 
-#include "hd_engine.h"
 #include "hidden_line/engine/hd_engine_fixtures.h"
 #include "scene/plant_scene.h"
 #include "support/alloc_hook.h"
-#include "support/test_constants.h"
 
 namespace {
 

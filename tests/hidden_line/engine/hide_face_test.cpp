@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <vector>
-
 #include "hidden_line/engine/hd_engine_fixtures.h"
-#include "support/test_constants.h"
 
 namespace {
 
