@@ -27,26 +27,19 @@ std::vector<Outline> sections(vgtest::Lcg& gen, double s) {
     return {xy({0, 0, s, 0, s, 0.6 * s, 0, 0.6 * s}), comb, star};
 }
 
-Curve closed(Outline o) {
-    o.push_back(o[0]);
-    return o;
-}
-
-// The base outline swept straight by d: both outlines and the edges at the corners that turn
-// are the true edges; every vertex lies in one of the two end planes.
+// The base outline swept straight by d: both outlines, edge by edge, and the edges at the
+// corners that turn are the true edges; every vertex lies in one of the two end planes.
 Solid prism(const Outline& base, P d) {
-    Outline top;
     P n{0, 0, 0};
     Solid s;
-    for (std::size_t i = 0; i < base.size(); ++i) {
-        top.push_back(add(base[i], d));
-        const P u = vecSub(base[i], base[(i + base.size() - 1) % base.size()]);
-        const P w = vecSub(base[(i + 1) % base.size()], base[i]);
+    for (std::size_t i = 0, m = base.size(); i < m; ++i) {
+        const P a = base[(i + m - 1) % m], b = base[i], c = base[(i + 1) % m];
+        const P u = vecSub(b, a), w = vecSub(c, b);
         if (norm(vecCross(u, w)) > 1e-6 * norm(u) * norm(w))
-            s.rims.push_back({base[i], top[i]});
-        n = add(n, vecCross(base[i], base[(i + 1) % base.size()]));
+            s.rims.push_back({b, add(b, d)});
+        s.rims.insert(s.rims.end(), {{b, c}, {add(b, d), add(c, d)}});
+        n = add(n, vecCross(b, c));
     }
-    s.rims.insert(s.rims.end(), {closed(base), closed(top)});
     n = vecNormalize(n);
     const double hd = vecDot(d, n);
     const P b0 = base[0];
@@ -160,7 +153,11 @@ TEST(SweptSolids, BendsAndTransitionsAreClosedAndDrawnByEdgesAndSilhouettes) {
             return rect ? corner[(q + 1) % 4] : round(from + (f - 1) * 0.25 * kTwoPi);
         };
         Solid s;
-        s.rims = {closed({corner[0], corner[1], corner[2], corner[3]}), curve(round)};
+        s.rims = {{corner[0], corner[1]},
+                  {corner[1], corner[2]},
+                  {corner[2], corner[3]},
+                  {corner[3], corner[0]},
+                  curve(round)};
         s.contours = contourGenerators([&](double t) { return piece(t, true); },
                                        [&](double t) { return piece(t, false); });
         expectTrueSolid(ep_divide_squcir(o, w, h, x, y, c, r), s, "squcir " + id);
