@@ -258,9 +258,9 @@ struct Solid {
 
 /// The solid of the polygon `meridian` (its corners (rho, zeta, 0)) turned about the unit axis k
 /// through c from angle a0 to a1, measured from the unit e1 towards k x e1: its sharp edges are
-/// the corners' arcs (a point on the axis) and, short of a whole turn, the end outlines' edges; its
-/// sides between corners at different zeta off the axis have contour generators (a flat side has
-/// none); its surface is the meridian's and the end planes'.
+/// the corners' arcs (an apex where a slanted side meets the axis) and, short of a whole turn, the
+/// end outlines' edges; its sides between corners at different zeta off the axis have contour
+/// generators (a flat side has none); its surface is the meridian's and the end planes'.
 inline Solid revolved(std::vector<P> meridian, P c, P k, P e1, double a0, double a1) {
     const P e2 = vecCross(k, e1);
     const std::vector<double> ends =
@@ -273,10 +273,14 @@ inline Solid revolved(std::vector<P> meridian, P c, P k, P e1, double a0, double
         for (std::size_t v = 0; v < arcs.size(); ++v)
             s.rims.push_back({arcs[v](a), arcs[(v + 1) % arcs.size()](a)});
     }
-    for (std::size_t v = 0; v < arcs.size(); ++v) {
-        const std::size_t w = (v + 1) % arcs.size();
-        s.rims.push_back(meridian[v].x == 0 ? Curve{arcs[v](a0)} : curve(arcs[v], a0, a1));
-        const bool flat = meridian[v].y == meridian[w].y || meridian[v].x + meridian[w].x == 0;
+    for (std::size_t v = 0, n = arcs.size(); v < n; ++v) {
+        const std::size_t w = (v + 1) % n;
+        const P &before = meridian[(v + n - 1) % n], &m = meridian[v], &after = meridian[w];
+        if (m.x != 0)
+            s.rims.push_back(curve(arcs[v], a0, a1));
+        else if ((before.x != 0 && before.y != m.y) || (after.x != 0 && after.y != m.y))
+            s.rims.push_back({arcs[v](a0)});  // an apex, where a slanted side meets the axis
+        const bool flat = m.y == after.y || m.x + after.x == 0;
         const auto g = flat ? std::vector<Curve>{} : contourGenerators(arcs[v], arcs[w], a0, a1);
         s.contours.insert(s.contours.end(), g.begin(), g.end());
     }
