@@ -512,6 +512,8 @@ public:
         std::free(slots_);
         std::free(first_);
         std::free(spill_.block);
+        dropExtraRooms();
+        std::free(extra_);
     }
     FaceWindow(const FaceWindow&) = delete;
     FaceWindow& operator=(const FaceWindow&) = delete;
@@ -546,22 +548,34 @@ public:
         return most;
     }
 
-    /// Makes room for faces of up to most records read while others are in use (see faces());
-    /// false if it cannot grow. First widens the window where the objects met so far crowd it.
-    bool beginUse(size_t most) {
+    /// Starts the use of the window for the lines of another object: the faces handed out so
+    /// far need not stay. Widens the window where the objects met so far crowd it, and makes the
+    /// spill room one block as large as the last object needed (see spillRoom).
+    void beginUse() {
         ++objectsMet_;
         crowdedObjects_ += spilled_ >= kCrowdedReads ? 1 : 0;
         if (slotCount_ < kMostSlots && objectsMet_ >= kCrowdedEvidence &&
             crowdedObjects_ * kCrowdedShare > objectsMet_)
             widen();
+        if (extraCount_ > 0) {
+            dropExtraRooms();
+            // The object's faces overran the block, so it needed more than the block holds. For a
+            // moment the old block and the new are both held; without the new one the extra
+            // blocks are made again as needed.
+            const size_t had = spill_.capacity;
+            if (renew(spill_, spillNeed_)) {
+                spillPeak_ = had + spillNeed_ > spillPeak_ ? had + spillNeed_ : spillPeak_;
+                spillHeld_ = spill_.capacity;
+            }
+        }
         spilled_ = 0;
         spillUsed_ = 0;
-        return most <= spill_.capacity || renew(spill_, most);
+        spillNeed_ = 0;
     }
 
     /// Object j's faces for the lines of object user, valid until beginUse is called again:
     /// from j's slot, or read into it; when the slot holds the faces of another object in use
-    /// for the same user, read into the room beginUse made. False if an allocation fails.
+    /// for the same user, read into the spill room. False if an allocation fails.
     bool faces(_s_hd_prof_* const* objs, int j, int user, Span& out) {
         Slot& slot = slots_[static_cast<size_t>(j) % slotCount_];
         if (slot.object == j) {
@@ -579,9 +593,8 @@ public:
         const Room* room = &slot.room;
         if (!inSlot) {
             ++spilled_;
-            at = spillUsed_;
-            room = &spill_;
-            spillUsed_ += records;
+            if (!spillRoom(records, room, at))
+                return false;
         } else if (records > slot.room.capacity || slot.room.capacity > kSlotSlack * records) {
             // A slot keeps at most twice the room its faces take: what it gives back the
             // allocator hands to the other slots, so the window's room follows the faces kept.
@@ -605,8 +618,8 @@ public:
 
     /// The room the window takes at its largest.
     size_t bytes() const {
-        return (peak_ + spill_.capacity) * kFaceBytes + (slotCount_ + 1) * kAlign +
-               slotCount_ * sizeof(Slot) + (last_ + 1) * sizeof(size_t);
+        return (peak_ + spillPeak_) * kFaceBytes + (slotCount_ + 1 + extraPeak_) * kAlign +
+               slotCount_ * sizeof(Slot) + extraPeak_ * sizeof(Room) + (last_ + 1) * sizeof(size_t);
     }
 
 private:
@@ -630,7 +643,7 @@ private:
     // Where objects crowd together, each object's candidates are most of the others, and a window
     // of fewer slots than they are reads them again for each object: 300 cones crowded in a box
     // of twice their length took the pass 60% longer with 64 slots than with 512. An object whose
-    // candidates took the room beginUse made kCrowdedReads times (two of them falling in one
+    // candidates were read into the spill room kCrowdedReads times (two of them falling in one
     // slot) crowds the window; once more than one in kCrowdedShare of the objects met, after
     // kCrowdedEvidence of them, has, the window takes kMostSlots slots. Then those cones take the
     // pass 4% longer than 512 slots from the start (100 of them, 10%), and no generated plant, in
@@ -716,6 +729,51 @@ private:
         return true;
     }
 
+    // Room for records faces read outside the slots for the current object's lines (room, from
+    // at on): in the block being filled, or in a new one where it is full. The faces handed out
+    // before stay where they are until beginUse, which then makes one block of all the room the
+    // object needed: the spill room follows the most faces one object read outside the slots,
+    // not all its candidates' faces, most of which its slots hold. False if a block cannot be had.
+    bool spillRoom(size_t records, const Room*& room, size_t& at) {
+        Room* block = extraCount_ > 0 ? &extra_[extraCount_ - 1] : &spill_;
+        if (records > block->capacity - spillUsed_) {
+            if (extraCount_ == extraCapacity_) {
+                const size_t more = extraCapacity_ == 0 ? 4 : 2 * extraCapacity_;
+                auto* grown = static_cast<Room*>(std::malloc(more * sizeof(Room)));
+                if (grown == nullptr)
+                    return false;
+                for (size_t k = 0; k < extraCount_; ++k)
+                    grown[k] = extra_[k];
+                std::free(extra_);
+                extra_ = grown;
+                extraCapacity_ = more;
+            }
+            // At least as much again as the object took so far: its blocks stay few.
+            Room fresh;
+            if (!renew(fresh, records > spillNeed_ ? records : spillNeed_))
+                return false;
+            extra_[extraCount_++] = fresh;
+            block = &extra_[extraCount_ - 1];
+            spillUsed_ = 0;
+            spillHeld_ += fresh.capacity;
+            spillPeak_ = spillHeld_ > spillPeak_ ? spillHeld_ : spillPeak_;
+            extraPeak_ = extraCount_ > extraPeak_ ? extraCount_ : extraPeak_;
+        }
+        room = block;
+        at = spillUsed_;
+        spillUsed_ += records;
+        spillNeed_ += records;
+        return true;
+    }
+    // Releases the extra spill blocks, keeping the array that lists them.
+    void dropExtraRooms() {
+        for (size_t k = 0; k < extraCount_; ++k) {
+            spillHeld_ -= extra_[k].capacity;
+            std::free(extra_[k].block);
+        }
+        extraCount_ = 0;
+    }
+
     // Reads the faces of the list, named from id on, into room from at on, and makes their
     // first stage; returns how many.
     static size_t read(const _s_hd_prosect_* list, size_t id, const Room& room, size_t at) {
@@ -738,13 +796,20 @@ private:
     size_t slotCount_ = 0;       ///< slotsFor the scene, or kMostSlots once widened
     size_t objectsMet_ = 0;      ///< objects whose lines used the window
     size_t crowdedObjects_ = 0;  ///< those of them whose candidates crowded it
-    size_t spilled_ = 0;       ///< the current object's candidates read into the room beginUse made
-    size_t* first_ = nullptr;  ///< object i's face records are named first_[i] on
+    size_t spilled_ = 0;         ///< the current object's candidates read into the spill room
+    size_t* first_ = nullptr;    ///< object i's face records are named first_[i] on
     size_t last_ = 0;
-    Room spill_;
-    size_t spillUsed_ = 0;
-    size_t kept_ = 0;  ///< the slots' room, in faces
-    size_t peak_ = 0;  ///< the most room the slots took at once
+    Room spill_;             ///< the spill room's first block
+    Room* extra_ = nullptr;  ///< blocks made for the current object where spill_ ran out
+    size_t extraCount_ = 0;
+    size_t extraCapacity_ = 0;
+    size_t extraPeak_ = 0;  ///< the most extra blocks at once
+    size_t spillUsed_ = 0;  ///< records used in the block being filled
+    size_t spillNeed_ = 0;  ///< records the current object's lines read into the spill room
+    size_t spillHeld_ = 0;  ///< the spill room's blocks, in faces
+    size_t spillPeak_ = 0;  ///< the most the spill room's blocks held at once, in faces
+    size_t kept_ = 0;       ///< the slots' room, in faces
+    size_t peak_ = 0;       ///< the most room the slots took at once
 };
 
 // The faces that the lines of one object can be tested against, gathered once for all its lines:
@@ -797,8 +862,9 @@ public:
                    maxOf(all.ymax, r.ymax)};
         }
         const size_t most = window.recordsOf(table, count);
-        if ((most > capacity_ && !renewRoom(entries_, capacity_, most)) || !window.beginUse(most))
+        if (most > capacity_ && !renewRoom(entries_, capacity_, most))
             return false;
+        window.beginUse();
         Entry* at = entries_;
         for (int c = 0; c < count; ++c) {
             const double* box = objs[table[c].index]->box;
