@@ -1,5 +1,6 @@
 // Fuzz target: scenes of every tessellator (the elbow, the head and the swept solids included),
-// registered for face intersection, through the hide pass. Checks that every box holds its object,
+// registered for face intersection, through the hide pass, the objects side by side in the array
+// or 64 places apart (null entries between them). Checks that every box holds its object,
 // that the engine gives what the plain step-by-step pass gives, node for node and bit for bit (on
 // scenes that pass can finish in time), and that the visible pieces lie on their lines, in order
 // from each line's near end and disjoint; and that dropping the repeated ones takes what it counts.
@@ -165,6 +166,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
         if (in.ConsumeBool() && enginetest::countsOf(objs).faces <= kRegisteredFacesMost)
             enginetest::registerAll(objs);
+        // Objects 64 places apart, with no object between them, share the engine's slots for
+        // the faces it keeps: the faces of all but one are read into its spill room.
+        if (in.ConsumeBool()) {
+            std::vector<_s_hd_prof_*> spread(64 * (objs.size() - 1) + 1, nullptr);
+            for (std::size_t k = 0; k < objs.size(); ++k)
+                spread[64 * k] = objs[k];
+            objs.swap(spread);
+        }
         return objs;
     };
     std::vector<_s_hd_prof_*> objs = build(true);
