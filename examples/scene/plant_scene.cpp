@@ -328,13 +328,15 @@ void horizontalDrum(Builder& b, W o, double r, double len) {
     b.head(add(o, {len, 0, axisZ}), {1, 0, 0}, r, 0.5 * r, 0.05);
 }
 
-// A storage sphere on four legs, its inlet pipe entering from the top.
+// A storage sphere on four legs, its inlet pipe entering from the top. The legs stand at 0.75 r
+// from the axis and end at the equator: the sphere is drawn as a polyhedron whose faces keep
+// 0.93 r from its centre, and a leg farther out would show its top beside it.
 void storageSphere(Builder& b, W o, double r) {
     const W c = add(o, {0, 0, r + 1.5});
     b.sphere(c, r);
     for (int k = 0; k < 4; ++k) {
         const double t = (45.0 + 90.0 * k) * kDegToRad;
-        const W foot = add(o, {0.9 * r * std::cos(t), 0.9 * r * std::sin(t), 0});
+        const W foot = add(o, {0.75 * r * std::cos(t), 0.75 * r * std::sin(t), 0});
         b.post(foot, add(foot, {0, 0, r + 1.5}), 0.25);
     }
     b.pipe(add(c, {0, 0, 0.6 * r}), add(c, {0, 0, r + 1.0}), 0.15 * r);
