@@ -455,15 +455,17 @@ bool faceBehindLine(double zBack, double zLimit) {
     return zBack > zLimit;
 }
 
-// Replaces room (what it held is not kept) with room for most items, setting capacity; false,
-// keeping the old room, if the new cannot be had.
+// Replaces room with room for most items, setting capacity, and keeps its first keep items (at
+// most most; none by default); false, keeping the old room, if the new cannot be had.
 template <class T>
-bool renewRoom(T*& room, size_t& capacity, size_t most) {
+bool renewRoom(T*& room, size_t& capacity, size_t most, size_t keep = 0) {
     if (most > SIZE_MAX / sizeof(T))
         return false;
     auto* fresh = static_cast<T*>(std::malloc(most * sizeof(T)));
     if (fresh == nullptr)
         return false;
+    for (size_t k = 0; k < keep && k < most; ++k)
+        fresh[k] = room[k];
     std::free(room);
     room = fresh;
     capacity = most;
@@ -737,17 +739,10 @@ private:
     bool spillRoom(size_t records, const Room*& room, size_t& at) {
         Room* block = extraCount_ > 0 ? &extra_[extraCount_ - 1] : &spill_;
         if (records > block->capacity - spillUsed_) {
-            if (extraCount_ == extraCapacity_) {
-                const size_t more = extraCapacity_ == 0 ? 4 : 2 * extraCapacity_;
-                auto* grown = static_cast<Room*>(std::malloc(more * sizeof(Room)));
-                if (grown == nullptr)
-                    return false;
-                for (size_t k = 0; k < extraCount_; ++k)
-                    grown[k] = extra_[k];
-                std::free(extra_);
-                extra_ = grown;
-                extraCapacity_ = more;
-            }
+            if (extraCount_ == extraCapacity_ &&
+                !renewRoom(extra_, extraCapacity_, extraCapacity_ == 0 ? 4 : 2 * extraCapacity_,
+                           extraCount_))
+                return false;
             // At least as much again as the object took so far: its blocks stay few.
             Room fresh;
             if (!renew(fresh, records > spillNeed_ ? records : spillNeed_))
