@@ -237,7 +237,7 @@ int main(int argc, char** argv) {
     t = Clock::now();
     vogedraw::Drawing drawing = vogedraw::splitPieces(objs.list.data(), count, visible);
     geolib::releaseProline(visible);
-    vogedraw::dropRepeatedPieces(drawing);
+    vogedraw::dropOverlappedParts(drawing);
     const bool written = vogedraw::writeAtomically(
         output,
         [&](std::FILE* f) {

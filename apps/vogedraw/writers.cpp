@@ -1,10 +1,13 @@
 // The visible and hidden pieces of the drawing, and its SVG and DXF files.
 #include "writers.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <unordered_map>
+#include <utility>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -109,44 +112,146 @@ Drawing splitPieces(_s_hd_prof_* const* objs, int n, const _s_hd_proline_* visib
     return d;
 }
 
-// Two pieces whose ends lie this share of the drawing's largest coordinate apart are one: a
-// millionth, a hundredth of a pixel across the sheet, where their ends were worked out along
-// lines of different solids.
+// Two pieces lie along one line of the drawing where the ends of each lie within this share of
+// the drawing's largest coordinate of the other's line: a millionth, a hundredth of a pixel
+// across the sheet, where their ends were worked out along lines of different solids.
 constexpr double kRepeatTol = 1e-6;
+// The pieces are filed by their direction, in steps of this angle, and by their line's offset
+// from the origin, in steps of this share of the drawing's largest coordinate: two pieces along
+// one line fall in the same step or the next of each, unless one is shorter than about a
+// thousandth of the drawing (whose direction the tolerance leaves that loose), and those keep
+// what they overlap.
+constexpr double kDirectionStep = 2e-3;
+constexpr double kOffsetStep = 2e-3;
+constexpr double kHalfTurn = 3.14159265358979323846;
 
-std::size_t dropRepeatedPieces(Drawing& d) {
+namespace {
+
+// A piece of the drawing as the trimming files it: its direction turned to [0, pi), that
+// direction's step and its line's offset's.
+struct Filed {
+    const Segment* s;
+    double length;
+    double ux, uy;  ///< unit direction, uy > 0 or uy == 0 < ux
+    long angle;     ///< the direction's step
+    double offset;  ///< -uy x + ux y at the piece's start
+};
+
+// How far (x, y) lies from the line of a, whose length is len.
+double offLine(const Segment& a, double len, double x, double y) {
+    return std::fabs((a.x1 - a.x0) * (y - a.y0) - (a.y1 - a.y0) * (x - a.x0)) / len;
+}
+
+}  // namespace
+
+std::size_t dropOverlappedParts(Drawing& d) {
     double size = 1;
     for (const std::vector<Segment>* set : {&d.visible, &d.hidden})
         for (const Segment& s : *set)
             size = std::fmax(size, std::fmax(std::fmax(std::fabs(s.x0), std::fabs(s.y0)),
                                              std::fmax(std::fabs(s.x1), std::fabs(s.y1))));
-    // One list, the visible pieces first, each node's owner telling which set it came from:
-    // the library keeps the first of the pieces that repeat each other, so a visible one over
-    // a hidden one. Where the list cannot be built the drawing stays as it is.
-    _s_hd_proline_* list = nullptr;
-    _s_hd_proline_** link = &list;
+    if (!std::isfinite(size))
+        return 0;
+    const double tol = kRepeatTol * size;
+    const double offsetStep = kOffsetStep * size;
+    const long angles = static_cast<long>(std::ceil(kHalfTurn / kDirectionStep));
+    // The visible pieces first: a piece gives up what the pieces before it cover, so a hidden
+    // piece what a visible one does.
+    std::vector<Filed> all;
     for (const std::vector<Segment>* set : {&d.visible, &d.hidden}) {
         for (const Segment& s : *set) {
-            auto* node = static_cast<_s_hd_proline_*>(std::malloc(sizeof(_s_hd_proline_)));
-            if (node == nullptr) {
-                geolib::releaseProline(list);
-                return 0;
+            Filed f{&s, std::hypot(s.x1 - s.x0, s.y1 - s.y0), 0, 0, -1, 0};
+            if (std::isfinite(f.length) && f.length > tol) {
+                f.ux = (s.x1 - s.x0) / f.length;
+                f.uy = (s.y1 - s.y0) / f.length;
+                if (f.uy < 0 || (f.uy == 0 && f.ux < 0)) {
+                    f.ux = -f.ux;
+                    f.uy = -f.uy;
+                }
+                // Finite coordinates within size: the steps are small whole numbers.
+                const double angle = std::atan2(f.uy, f.ux) / kDirectionStep;
+                f.angle = std::min(angles - 1, static_cast<long>(angle));
+                f.offset = -f.uy * s.x0 + f.ux * s.y0;
             }
-            *node = {{s.x0, s.y0, 0}, {s.x1, s.y1, 0}, 0, set == &d.hidden ? 1 : 0, nullptr};
-            *link = node;
-            link = &node->next;
+            all.push_back(f);
         }
     }
-    const long dropped = geolib::dropRepeatedProlines(list, kRepeatTol * size);
-    if (dropped > 0) {
-        d.visible.clear();
-        d.hidden.clear();
-        for (const _s_hd_proline_* p = list; p != nullptr; p = p->next)
-            (p->owner != 0 ? d.hidden : d.visible)
-                .push_back({p->start.x, p->start.y, p->end.x, p->end.y});
+    auto key = [&](long angle, double offset) {
+        return angle * 4096 + static_cast<long>(std::floor(offset / offsetStep)) + 2048;
+    };
+    std::unordered_map<long, std::vector<std::size_t>> filed;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (all[i].angle >= 0)
+            filed[key(all[i].angle, all[i].offset)].push_back(i);
     }
-    geolib::releaseProline(list);
-    return dropped > 0 ? static_cast<std::size_t>(dropped) : 0;
+    Drawing kept;
+    std::size_t trimmed = 0;
+    std::vector<std::pair<double, double>> covered;
+    std::vector<std::pair<double, double>> left;
+    for (std::size_t j = 0; j < all.size(); ++j) {
+        const Filed& p = all[j];
+        std::vector<Segment>& out = j < d.visible.size() ? kept.visible : kept.hidden;
+        if (p.angle < 0) {
+            out.push_back(*p.s);
+            continue;
+        }
+        // The parts of p (0 to 1 from its start) that pieces before it along its line cover.
+        covered.clear();
+        for (long da = -1; da <= 1; ++da) {
+            long a = p.angle + da;
+            double offset = p.offset;
+            // Across 0 and pi a direction turns round, and the offset with it.
+            if (a < 0 || a >= angles) {
+                a = (a + angles) % angles;
+                offset = -offset;
+            }
+            for (long dq = -1; dq <= 1; ++dq) {
+                const auto it = filed.find(key(a, offset) + dq);
+                if (it == filed.end())
+                    continue;
+                for (const std::size_t i : it->second) {
+                    const Segment& q = *all[i].s;
+                    const Segment& s = *p.s;
+                    if (i >= j || offLine(s, p.length, q.x0, q.y0) > tol ||
+                        offLine(s, p.length, q.x1, q.y1) > tol ||
+                        offLine(q, all[i].length, s.x0, s.y0) > tol ||
+                        offLine(q, all[i].length, s.x1, s.y1) > tol)
+                        continue;
+                    const double dx = (s.x1 - s.x0) / (p.length * p.length);
+                    const double dy = (s.y1 - s.y0) / (p.length * p.length);
+                    const double t0 = (q.x0 - s.x0) * dx + (q.y0 - s.y0) * dy;
+                    const double t1 = (q.x1 - s.x0) * dx + (q.y1 - s.y0) * dy;
+                    covered.push_back({std::fmin(t0, t1), std::fmax(t0, t1)});
+                }
+            }
+        }
+        // What is left: the parts of p between the pieces that overlap it by more than the
+        // tolerance, each longer than the tolerance.
+        const double slack = tol / p.length;
+        std::sort(covered.begin(), covered.end());
+        left.clear();
+        double from = 0;
+        for (const auto& c : covered) {
+            if (!(c.second > slack && c.first < 1 - slack))
+                continue;
+            if (c.first > from + slack)
+                left.push_back({from, c.first});
+            from = std::fmax(from, c.second);
+        }
+        if (from < 1 - slack)
+            left.push_back({from, 1});
+        const Segment& s = *p.s;
+        if (left.size() == 1 && left[0].first == 0 && left[0].second == 1) {
+            out.push_back(s);
+            continue;
+        }
+        ++trimmed;
+        for (const auto& [t0, t1] : left)
+            out.push_back({s.x0 + t0 * (s.x1 - s.x0), s.y0 + t0 * (s.y1 - s.y0),
+                           s.x0 + t1 * (s.x1 - s.x0), s.y0 + t1 * (s.y1 - s.y0)});
+    }
+    d = std::move(kept);
+    return trimmed;
 }
 
 bool writeSvg(std::FILE* f, const Drawing& d, bool hidden) {

@@ -28,12 +28,16 @@ struct Drawing {
 /// pieces, and for each line the parts of it that no visible piece covers.
 Drawing splitPieces(geolib::_s_hd_prof_* const* objs, int n, const geolib::_s_hd_proline_* visible);
 
-/// Keeps one of the pieces that repeat each other, a visible one where there is one: the same
-/// two ends, either way round, within 1e-6 of the drawing's largest coordinate (two solids
-/// butting, a pipe and its elbow or reducer, each draw their shared rim), as the library's
-/// dropRepeatedProlines finds them. So the sheet draws every edge once. Pieces that only
-/// overlap stay. Returns how many went.
-std::size_t dropRepeatedPieces(Drawing& d);
+/// Draws every stretch of an edge once: each piece gives up the parts of it that pieces before
+/// it cover along the same line (each one's ends within 1e-6 of the drawing's largest coordinate
+/// of the other's line), the visible pieces coming before the hidden ones. Two solids that butt
+/// (a pipe and its elbow or reducer, a head and its shell) each draw their shared rim, and each
+/// solid's faces hide it in pieces of their own; face intersection adds its cut along edges that
+/// are drawn already. So a rim drawn twice goes once, a hidden piece goes where a visible one
+/// covers it, and a dashed line is not drawn over itself with its dashes out of step. Pieces
+/// shorter than about a thousandth of the drawing may keep what they overlap. Returns how many
+/// pieces were dropped or cut short.
+std::size_t dropOverlappedParts(Drawing& d);
 
 /// An SVG sheet 1600 pixels wide fitted to the drawing: visible pieces solid black, and with
 /// hidden set the hidden pieces dashed grey beneath them. False on a write error.
