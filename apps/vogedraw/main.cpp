@@ -12,6 +12,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -123,7 +124,7 @@ struct Objects {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+static int drawModel(int argc, char** argv) {
     CLI::App app{"Hidden-line drawing of a plant model file (SVG or DXF).", "vogedraw"};
     std::string model, output, viewName;
     double azimuth = 0, elevation = 0;
@@ -258,4 +259,16 @@ int main(int argc, char** argv) {
         prims.size(), skipped, count, faces, lines, drawing.visible.size(), drawing.hidden.size(),
         tRead, tTess, tInter, tHide, tWrite, output.c_str());
     return 0;
+}
+
+int main(int argc, char** argv) {
+    // The model and the drawing's pieces are kept in standard containers: a run out of memory
+    // there ends with one line and a failure code, as a failed hide pass does, the objects
+    // tessellated so far released on the way out.
+    try {
+        return drawModel(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "vogedraw: out of memory\n");
+        return 1;
+    }
 }
