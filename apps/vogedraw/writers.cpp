@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <unordered_map>
 #include <utility>
 
 #include <sys/stat.h>
@@ -124,6 +124,9 @@ constexpr double kRepeatTol = 1e-6;
 constexpr double kDirectionStep = 2e-3;
 constexpr double kOffsetStep = 2e-3;
 constexpr double kHalfTurn = 3.14159265358979323846;
+// The grid that finds the pieces near a piece has about one cell a piece, and at most this many
+// cells a side.
+constexpr long kMostCellsAcross = 2048;
 
 namespace {
 
@@ -133,14 +136,116 @@ struct Filed {
     const Segment* s;
     double length;
     double ux, uy;  ///< unit direction, uy > 0 or uy == 0 < ux
-    long angle;     ///< the direction's step
+    long angle;     ///< the direction's step; -1: not filed (no length, or not finite)
     double offset;  ///< -uy x + ux y at the piece's start
+    long step;      ///< the offset's step
 };
 
 // How far (x, y) lies from the line of a, whose length is len.
 double offLine(const Segment& a, double len, double x, double y) {
     return std::fabs((a.x1 - a.x0) * (y - a.y0) - (a.y1 - a.y0) * (x - a.x0)) / len;
 }
+
+// A grid of square cells over the filed pieces. Each piece is entered in the cells of points
+// along it, less than half a cell apart, ends included: two pieces that share a point (to within
+// a tolerance below half a cell) have points of theirs less than a cell apart, in the same cell
+// or neighbouring ones. Each cell lists its pieces in the order entered.
+class PieceGrid {
+public:
+    /// A piece as a cell lists it: its place in the list and its steps (Filed).
+    struct Entry {
+        std::size_t index;
+        long angle, step;
+    };
+
+    PieceGrid(const std::vector<Filed>& all, double tol) {
+        double x0 = HUGE_VAL, y0 = HUGE_VAL, x1 = -HUGE_VAL, y1 = -HUGE_VAL;
+        std::size_t filed = 0;
+        for (const Filed& f : all) {
+            if (f.angle < 0)
+                continue;
+            ++filed;
+            x0 = std::fmin(x0, std::fmin(f.s->x0, f.s->x1));
+            x1 = std::fmax(x1, std::fmax(f.s->x0, f.s->x1));
+            y0 = std::fmin(y0, std::fmin(f.s->y0, f.s->y1));
+            y1 = std::fmax(y1, std::fmax(f.s->y0, f.s->y1));
+        }
+        xmin_ = x0;
+        ymin_ = y0;
+        const double extent = std::fmax(x1 - x0, y1 - y0);
+        across_ = std::min(kMostCellsAcross,
+                           static_cast<long>(std::sqrt(static_cast<double>(filed))) + 1);
+        cell_ = extent / static_cast<double>(across_);
+        if (!(cell_ > 4 * tol)) {  // a drawing a few tolerances across: one cell
+            across_ = 1;
+            cell_ = HUGE_VAL;
+        }
+        first_.assign(static_cast<std::size_t>(across_ * across_) + 1, 0);
+        for (const Filed& f : all)
+            cellsOf(f, [&](long c) { ++first_[static_cast<std::size_t>(c) + 1]; });
+        for (std::size_t c = 1; c < first_.size(); ++c)
+            first_[c] += first_[c - 1];
+        asked_.assign(first_.size() - 1, SIZE_MAX);
+        std::vector<std::size_t> at(first_.begin(), first_.end() - 1);
+        pieces_.resize(first_.back());
+        for (std::size_t i = 0; i < all.size(); ++i)
+            cellsOf(all[i], [&](long c) {
+                pieces_[at[static_cast<std::size_t>(c)]++] = {i, all[i].angle, all[i].step};
+            });
+    }
+
+    /// Calls visit(e) for the entries e of the pieces entered in the cells of f's points and their
+    /// neighbours, each cell's in order until visit returns false, a piece once per cell it is in;
+    /// f is the asker'th to ask (each cell is read once an asker).
+    template <class Visit>
+    void near(const Filed& f, std::size_t asker, Visit&& visit) {
+        cellsOf(f, [&](long c) {
+            const long cx = c / across_, cy = c % across_;
+            for (long x = std::max(0L, cx - 1); x <= std::min(across_ - 1, cx + 1); ++x) {
+                for (long y = std::max(0L, cy - 1); y <= std::min(across_ - 1, cy + 1); ++y) {
+                    const std::size_t n = static_cast<std::size_t>(x * across_ + y);
+                    if (asked_[n] == asker)
+                        continue;
+                    asked_[n] = asker;
+                    for (std::size_t k = first_[n]; k < first_[n + 1]; ++k) {
+                        if (!visit(pieces_[k]))
+                            break;
+                    }
+                }
+            }
+        });
+    }
+
+private:
+    // The cells of f's points (a cell once where points in turn fall in it), none for a piece
+    // not filed. Filed pieces have finite coordinates, within the grid: whole cell numbers.
+    template <class Visit>
+    void cellsOf(const Filed& f, Visit&& visit) const {
+        if (f.angle < 0)
+            return;
+        const double span = across_ == 1 ? 0.0 : std::ceil(2.0 * f.length / cell_);
+        const long points = static_cast<long>(std::fmin(span, 4.0 * kMostCellsAcross)) + 2;
+        long last = -1;
+        for (long k = 0; k < points; ++k) {
+            const double t = static_cast<double>(k) / static_cast<double>(points - 1);
+            const double x = f.s->x0 + t * (f.s->x1 - f.s->x0);
+            const double y = f.s->y0 + t * (f.s->y1 - f.s->y0);
+            const long c = index((x - xmin_) / cell_) * across_ + index((y - ymin_) / cell_);
+            if (c != last)
+                visit(c);
+            last = c;
+        }
+    }
+    long index(double at) const {
+        return at >= 0 ? std::min(across_ - 1, static_cast<long>(at)) : 0;
+    }
+
+    double xmin_ = 0, ymin_ = 0, cell_ = HUGE_VAL;
+    long across_ = 1;
+    std::vector<std::size_t> first_;  ///< cell c's pieces are pieces_[first_[c]] on
+    std::vector<Entry> pieces_;
+    std::vector<std::size_t> asked_;  ///< per cell, the last asker that read it
+};
 
 }  // namespace
 
@@ -158,9 +263,10 @@ std::size_t dropOverlappedParts(Drawing& d) {
     // The visible pieces first: a piece gives up what the pieces before it cover, so a hidden
     // piece what a visible one does.
     std::vector<Filed> all;
+    all.reserve(d.visible.size() + d.hidden.size());
     for (const std::vector<Segment>* set : {&d.visible, &d.hidden}) {
         for (const Segment& s : *set) {
-            Filed f{&s, std::hypot(s.x1 - s.x0, s.y1 - s.y0), 0, 0, -1, 0};
+            Filed f{&s, std::hypot(s.x1 - s.x0, s.y1 - s.y0), 0, 0, -1, 0, 0};
             if (std::isfinite(f.length) && f.length > tol) {
                 f.ux = (s.x1 - s.x0) / f.length;
                 f.uy = (s.y1 - s.y0) / f.length;
@@ -172,59 +278,65 @@ std::size_t dropOverlappedParts(Drawing& d) {
                 const double angle = std::atan2(f.uy, f.ux) / kDirectionStep;
                 f.angle = std::min(angles - 1, static_cast<long>(angle));
                 f.offset = -f.uy * s.x0 + f.ux * s.y0;
+                f.step = static_cast<long>(std::floor(f.offset / offsetStep));
             }
             all.push_back(f);
         }
     }
-    auto key = [&](long angle, double offset) {
-        return angle * 4096 + static_cast<long>(std::floor(offset / offsetStep)) + 2048;
+    // True when q is filed in p's direction step or the next either way, and in its offset step
+    // or the next either way: across 0 and pi a direction turns round, and the offset with it.
+    auto filedNear = [&](const PieceGrid::Entry& q, const Filed& p) {
+        for (long da = -1; da <= 1; ++da) {
+            const long a = p.angle + da;
+            const bool round = a < 0 || a >= angles;
+            if (q.angle != (a + angles) % angles)
+                continue;
+            const long step =
+                round ? static_cast<long>(std::floor(-p.offset / offsetStep)) : p.step;
+            if (q.step >= step - 1 && q.step <= step + 1)
+                return true;
+        }
+        return false;
     };
-    std::unordered_map<long, std::vector<std::size_t>> filed;
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        if (all[i].angle >= 0)
-            filed[key(all[i].angle, all[i].offset)].push_back(i);
-    }
+    PieceGrid grid(all, tol);
+    std::vector<std::size_t> seen(all.size(), SIZE_MAX);  // the last piece i was asked for
     Drawing kept;
+    kept.visible.reserve(d.visible.size());
+    kept.hidden.reserve(d.hidden.size());
     std::size_t trimmed = 0;
     std::vector<std::pair<double, double>> covered;
     std::vector<std::pair<double, double>> left;
     for (std::size_t j = 0; j < all.size(); ++j) {
         const Filed& p = all[j];
+        const Segment& s = *p.s;
         std::vector<Segment>& out = j < d.visible.size() ? kept.visible : kept.hidden;
         if (p.angle < 0) {
-            out.push_back(*p.s);
+            out.push_back(s);
             continue;
         }
-        // The parts of p (0 to 1 from its start) that pieces before it along its line cover.
+        // The parts of p (0 to 1 from its start) that pieces before it along its line cover:
+        // each such piece shares a point with p, so the grid finds it.
         covered.clear();
-        for (long da = -1; da <= 1; ++da) {
-            long a = p.angle + da;
-            double offset = p.offset;
-            // Across 0 and pi a direction turns round, and the offset with it.
-            if (a < 0 || a >= angles) {
-                a = (a + angles) % angles;
-                offset = -offset;
+        const double dx = (s.x1 - s.x0) / (p.length * p.length);
+        const double dy = (s.y1 - s.y0) / (p.length * p.length);
+        grid.near(p, j, [&](const PieceGrid::Entry& e) {
+            const std::size_t i = e.index;
+            if (i >= j)
+                return false;  // the cell's pieces after p's
+            if (!filedNear(e, p) || seen[i] == j)
+                return true;
+            seen[i] = j;
+            const Segment& q = *all[i].s;
+            if (offLine(s, p.length, q.x0, q.y0) <= tol &&
+                offLine(s, p.length, q.x1, q.y1) <= tol &&
+                offLine(q, all[i].length, s.x0, s.y0) <= tol &&
+                offLine(q, all[i].length, s.x1, s.y1) <= tol) {
+                const double t0 = (q.x0 - s.x0) * dx + (q.y0 - s.y0) * dy;
+                const double t1 = (q.x1 - s.x0) * dx + (q.y1 - s.y0) * dy;
+                covered.push_back({std::fmin(t0, t1), std::fmax(t0, t1)});
             }
-            for (long dq = -1; dq <= 1; ++dq) {
-                const auto it = filed.find(key(a, offset) + dq);
-                if (it == filed.end())
-                    continue;
-                for (const std::size_t i : it->second) {
-                    const Segment& q = *all[i].s;
-                    const Segment& s = *p.s;
-                    if (i >= j || offLine(s, p.length, q.x0, q.y0) > tol ||
-                        offLine(s, p.length, q.x1, q.y1) > tol ||
-                        offLine(q, all[i].length, s.x0, s.y0) > tol ||
-                        offLine(q, all[i].length, s.x1, s.y1) > tol)
-                        continue;
-                    const double dx = (s.x1 - s.x0) / (p.length * p.length);
-                    const double dy = (s.y1 - s.y0) / (p.length * p.length);
-                    const double t0 = (q.x0 - s.x0) * dx + (q.y0 - s.y0) * dy;
-                    const double t1 = (q.x1 - s.x0) * dx + (q.y1 - s.y0) * dy;
-                    covered.push_back({std::fmin(t0, t1), std::fmax(t0, t1)});
-                }
-            }
-        }
+            return true;
+        });
         // What is left: the parts of p between the pieces that overlap it by more than the
         // tolerance, each longer than the tolerance.
         const double slack = tol / p.length;
@@ -240,7 +352,6 @@ std::size_t dropOverlappedParts(Drawing& d) {
         }
         if (from < 1 - slack)
             left.push_back({from, 1});
-        const Segment& s = *p.s;
         if (left.size() == 1 && left[0].first == 0 && left[0].second == 1) {
             out.push_back(s);
             continue;
